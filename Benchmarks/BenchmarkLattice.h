@@ -1,0 +1,13 @@
+#pragma once
+
+#include "CommandLine/Structures/Lattice.h"
+
+/// The lattice of non-linear bars that all figures are taken on, pulled along x so strongly that a solve needs several
+/// steps.
+inline Lattice benchmarkLattice(int nodesPerEdge) {
+  Lattice lattice;
+  lattice.nodesPerEdge = nodesPerEdge;
+  lattice.totalLoad = {4000.0 * nodesPerEdge * nodesPerEdge, 0, 0};
+  lattice.bars.isNonLinear = true;
+  return lattice;
+}

@@ -1,0 +1,49 @@
+#include <benchmark/benchmark.h>
+#include <simdjson.h>
+
+#include <filesystem>
+
+#include "Benchmarks/BenchmarkLattice.h"
+#include "Benchmarks/Stopwatch.h"
+#include "DataModel/ProjectFile.h"
+
+namespace {
+
+void file(benchmark::State& state) {
+  const auto project = benchmarkLattice(static_cast<int>(state.range(0))).build();
+  const std::filesystem::path path =
+      std::filesystem::temp_directory_path() / ("gavrel-benchmark-" + std::to_string(state.range(0)) + ".json");
+  simdjson::dom::parser parser;  // warm after the first repetition, as for who parses many files
+  for ([[maybe_unused]] auto _ : state) {
+    Stopwatch watch;
+    const auto json = encodeProject(*project);
+    const double encoding = watch.lap();
+    bool failed = !json || writeProject(*project, path).has_value();
+    const double writing = watch.lap();
+
+    const simdjson::padded_string text(*json);
+    failed |= parser.parse(text).error() != simdjson::SUCCESS;
+    watch.lap();
+    failed |= parser.parse(text).error() != simdjson::SUCCESS;
+    const double parsing = watch.lap();
+    failed |= !readProject(path);
+    const double reading = watch.lap();
+    if (failed) throw std::runtime_error("the lattice cannot be written and read");
+
+    const double megabytes = static_cast<double>(json->size()) / 1e6;
+    state.counters["file"] = megabytes;
+    state.counters["encoding"] = megabytes / encoding;
+    state.counters["writing"] = megabytes / writing;
+    state.counters["reading"] = megabytes / reading;
+    state.counters["bare parse"] = megabytes / parsing;
+    state.counters["reading / bare parse"] = parsing / reading;
+  }
+  std::filesystem::remove(path);
+}
+
+BENCHMARK(file)->Arg(10)->Iterations(1)->Repetitions(9);
+BENCHMARK(file)->Arg(20)->Iterations(1)->Repetitions(5);
+BENCHMARK(file)->Arg(30)->Iterations(1)->Repetitions(5);
+BENCHMARK(file)->Arg(40)->Iterations(1)->Repetitions(3);
+
+}  // namespace

@@ -1,0 +1,68 @@
+#include "CommandLine/ModelFacts.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Lists the positions of elements without length, and of those that name a node which is not there.
+template <class Element>
+void inspect(const std::vector<Element>& elements, std::vector<bool>& used, std::vector<std::int64_t>& zero,
+             std::vector<std::int64_t>& unknown) {
+  const auto nodes = std::ssize(used);
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    const Element& element = elements[i];
+    const auto position = static_cast<std::int64_t>(i);
+    if (length({element.dXx, element.dXy, element.dXz}) <= zeroLength) zero.push_back(position);
+    const auto exists = [nodes](std::int64_t node) { return node >= 0 && node < nodes; };
+    if (!exists(element.startNodeId) || !exists(element.endNodeId)) unknown.push_back(position);
+    for (const std::int64_t node : {element.startNodeId, element.endNodeId})
+      if (exists(node)) used[static_cast<std::size_t>(node)] = true;
+  }
+}
+
+std::optional<ModelFacts::Extents> extentsOf(const Project& project) {
+  if (project.nodeCount() == 0) return std::nullopt;
+  const Vector3 first = *project.getNodeCoordinates(0);
+  ModelFacts::Extents extents{first, first};
+  for (std::int64_t node = 1; node < project.nodeCount(); ++node) {
+    const Vector3 at = *project.getNodeCoordinates(node);
+    extents.least = {std::min(extents.least.x, at.x), std::min(extents.least.y, at.y), std::min(extents.least.z, at.z)};
+    extents.greatest = {std::max(extents.greatest.x, at.x), std::max(extents.greatest.y, at.y),
+                        std::max(extents.greatest.z, at.z)};
+  }
+  return extents;
+}
+
+}  // namespace
+
+ModelFacts ModelFacts::of(const Project& project) {
+  ModelFacts facts;
+  const auto& trusses = *project.trussElements;
+  facts.name = *project.name;
+  facts.nodes = project.nodeCount();
+  facts.trusses = std::ssize(trusses);
+  facts.compressionOnlyTrusses = std::ranges::count(trusses, true, &TrussElement::isCompressionOnly);
+  facts.nonLinearTrusses = std::ranges::count(trusses, true, &TrussElement::isNonLinear);
+  facts.beams = std::ssize(*project.beamElements);
+  facts.extents = extentsOf(project);
+
+  const auto& D = *project.D_I;
+  const auto& F = *project.F_I;
+  facts.restrainedDofs = std::ranges::count(D, true);
+  for (std::size_t i = 0; i < F.size(); ++i) {
+    if (F[i] == 0) continue;
+    ++facts.loadedDofs;
+    if (i < D.size() && D[i]) ++facts.loadedRestrainedDofs;
+    const auto direction = i % dofsPerNode;
+    if (direction == 0) facts.totalLoad.x += F[i];
+    if (direction == 1) facts.totalLoad.y += F[i];
+    if (direction == 2) facts.totalLoad.z += F[i];
+  }
+
+  std::vector<bool> used(static_cast<std::size_t>(facts.nodes));
+  inspect(trusses, used, facts.zeroLengthTrusses, facts.trussesWithUnknownNodes);
+  inspect(*project.beamElements, used, facts.zeroLengthBeams, facts.beamsWithUnknownNodes);
+  for (std::size_t node = 0; node < used.size(); ++node)
+    if (!used[node]) facts.nodesWithoutElements.push_back(static_cast<std::int64_t>(node));
+  return facts;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "DataModel/Project.h"
+
+/// What can be said of a project without solving it.
+struct ModelFacts {
+  struct Extents {
+    Vector3 least;
+    Vector3 greatest;
+  };
+
+  std::string name;
+  std::int64_t nodes = 0;
+  std::int64_t trusses = 0;
+  std::int64_t compressionOnlyTrusses = 0;
+  std::int64_t nonLinearTrusses = 0;
+  std::int64_t beams = 0;
+  std::optional<Extents> extents;  ///< none without nodes
+  std::int64_t restrainedDofs = 0;
+  std::int64_t loadedDofs = 0;
+  std::int64_t loadedRestrainedDofs = 0;  ///< such loads keep a solve from converging
+  Vector3 totalLoad;                      ///< sum of the forces; moments are left out
+  std::vector<std::int64_t> zeroLengthTrusses;
+  std::vector<std::int64_t> zeroLengthBeams;
+  std::vector<std::int64_t> nodesWithoutElements;     ///< a solve of such a structure ends with a fatal error
+  std::vector<std::int64_t> trussesWithUnknownNodes;  ///< likewise
+  std::vector<std::int64_t> beamsWithUnknownNodes;    ///< likewise
+
+  [[nodiscard]] static ModelFacts of(const Project& project);
+
+  /// Lines for people.
+  [[nodiscard]] std::string toText() const;
+  /// One JSON object with the members' names as keys.
+  [[nodiscard]] std::string toJson() const;
+};

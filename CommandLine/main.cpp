@@ -1,0 +1,31 @@
+#include <cstdio>
+#include <new>
+
+#include "CommandLine/Commands.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"Static analysis of three-dimensional frameworks of bars and beams"};
+  app.set_version_flag("--version", "gavrel-cli " GAVREL_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Example:\n  gavrel-cli generate dome --output dome.json\n  gavrel-cli info dome.json\n"
+      "  gavrel-cli solve dome.json --output result.json\n\nEach command has a --help of its own.");
+  int status = exitStatus::success;
+  addSolveCommand(app, status);
+  addInfoCommand(app, status);
+  addGenerateCommand(app, status);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? exitStatus::success : exitStatus::usage;
+  } catch (const std::bad_alloc&) {
+    std::fputs("Not enough memory.\n", stderr);
+    return exitStatus::failure;
+  }
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    std::fputs("Failed to write to standard output.\n", stderr);
+    return exitStatus::failure;
+  }
+  return status;
+}

@@ -1,0 +1,78 @@
+#include "DataModel/Project.h"
+
+#include <utility>
+
+#include "Platform/Fatal.h"
+
+namespace {
+
+/// Position of the first of a node's three consecutive entries in an array of the given length; none when they end
+/// before.
+std::optional<std::size_t> firstOfThree(std::int64_t nodeID, std::size_t length) {
+  const std::int64_t last = checkedProduct(3, nodeID, 2, "a node number is too large to number its entries");
+  if (last >= static_cast<std::int64_t>(length)) return std::nullopt;
+  if (nodeID < 0) fatalIndex("the nodes", nodeID, static_cast<std::int64_t>(length) / 3);
+  return static_cast<std::size_t>(last - 2);
+}
+
+std::optional<Vector3> threeOf(const std::vector<double>& array, std::int64_t nodeID) {
+  const auto i = firstOfThree(nodeID, array.size());
+  if (!i) return std::nullopt;
+  return Vector3{array[*i], array[*i + 1], array[*i + 2]};
+}
+
+}  // namespace
+
+Project::Project(std::string name_, std::vector<TrussElement> trussElements_, std::vector<BeamElement> beamElements_,
+                 double magnify_)
+    : name(*this, std::move(name_)),
+      trussElements(*this, std::move(trussElements_)),
+      beamElements(*this, std::move(beamElements_)),
+      X_I(*this),
+      U_I(*this),
+      F_I(*this),
+      D_I(*this),
+      magnify(magnify_) {}
+
+void Project::addNode(const Vector3& coordinates) {
+  auto& X = X_I.edit();
+  X.insert(X.end(), {coordinates.x, coordinates.y, coordinates.z});
+  U_I.edit().insert(U_I->end(), dofsPerNode, 0.0);
+  dU_I.insert(dU_I.end(), dofsPerNode, 0.0);
+  F_I.edit().insert(F_I->end(), dofsPerNode, 0.0);
+  D_I.edit().insert(D_I->end(), dofsPerNode, false);
+  vv_J.insert(vv_J.end(), dofsPerNode, 0);
+  nI += dofsPerNode;
+}
+
+void Project::setLoadAndRestraint(std::int64_t nodeID, const Vector3& load, bool rx, bool ry, bool rz) {
+  const std::int64_t i = firstDof(nodeID);
+  if (i >= nI) return;
+  auto& D = D_I.edit();
+  auto& F = F_I.edit();
+  const auto set = [&](std::int64_t dof, bool restrained, double force) {
+    at(D, dof, "D_I") = restrained;
+    at(F, dof, "F_I") = restrained ? 0.0 : force;
+  };
+  set(i, rx, load.x);
+  set(i + 1, ry, load.y);
+  set(i + 2, rz, load.z);
+}
+
+std::optional<Vector3> Project::getNodeCoordinates(std::int64_t nodeID) const {
+  return threeOf(*X_I, nodeID);
+}
+
+std::optional<Vector3> Project::getNodeDisplacement(std::int64_t nodeID) const {
+  return threeOf(*U_I, nodeID);
+}
+
+std::optional<Vector3> Project::getNodeForce(std::int64_t nodeID) const {
+  return threeOf(*F_I, nodeID);
+}
+
+std::optional<Project::Restraints> Project::getNodeRestraints(std::int64_t nodeID) const {
+  const auto i = firstOfThree(nodeID, D_I->size());
+  if (!i) return std::nullopt;
+  return Restraints{(*D_I)[*i], (*D_I)[*i + 1], (*D_I)[*i + 2]};
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "DataModel/Project.h"
+#include "Platform/JsonWriter.h"
+#include "Platform/Result.h"
+
+/// The project as JSON text: name, elements with all stored fields, coordinates, loads and restraints. Fails if a
+/// number is not finite or the name is not valid UTF-8, and says which.
+[[nodiscard]] Result<std::string> encodeProject(const Project& project);
+
+/// The project that `json` describes. Element fields are taken as stored; displacements and work arrays are zeros.
+/// Fails as a whole, telling the key and element, or line and column where the text is not JSON.
+[[nodiscard]] Result<std::shared_ptr<Project>> decodeProject(std::string json);
+
+/// Replaces the file in one step; see replaceFile. Nothing is written if the project cannot be encoded.
+[[nodiscard]] std::optional<Failure> writeProject(const Project& project, const std::filesystem::path& path);
+
+[[nodiscard]] Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path);
+
+/// Writes an array of element records, every field under its key.
+template <class Record>
+void writeElements(JsonWriter& json, const std::vector<Record>& elements) {
+  json.beginArray();
+  for (const Record& element : elements) {
+    json.beginObject();
+    forEachField<Record>([&](const auto& field) {
+      json.key(field.key);
+      json.value(element.*field.member);
+    });
+    json.end();
+  }
+  json.end();
+}

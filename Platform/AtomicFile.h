@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+#include "Platform/Result.h"
+
+/// Replaces the content of the file at `path` by `bytes` in one step: a reader, a crash or a full disk sees the old
+/// file or the new one, never a part. The bytes are written beside the file, flushed to the disk and renamed over it,
+/// and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user may, the
+/// owner are kept; a new file gets the user's default permissions. Pipes and devices are written directly.
+///
+/// Returns the reason when nothing was replaced. A file that its user marked read-only is not replaced. Other hard
+/// links to the file keep the old content.
+[[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& path, std::string_view bytes);

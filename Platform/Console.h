@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string_view>
+
+/// Writes `text` and a newline to standard output and flushes it, so that a reader at the other end of a pipe sees
+/// every line at once.
+void printLine(std::string_view text);

@@ -1,0 +1,48 @@
+#include "Platform/FileBytes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "Platform/FileDescriptor.h"
+
+namespace {
+
+constexpr std::size_t smallestRead = 64 * 1024;
+
+/// Room for a file of the size that `status` tells and one byte more, so that the end is met without growing again.
+std::size_t expectedSize(const struct stat& status) {
+  return S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) + 1 : 0;
+}
+
+}  // namespace
+
+Failure systemFailure(const std::string& attempt, const std::filesystem::path& path, int code) {
+  return {attempt + " \"" + path.string() + "\": " + std::generic_category().message(code)};
+}
+
+Result<std::string> readFile(const std::filesystem::path& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.isOpen()) return systemFailure("cannot open", path, errno);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) return systemFailure("cannot read", path, errno);
+
+  std::string bytes;
+  std::size_t filled = 0;
+  bytes.resize(std::max(expectedSize(status), smallestRead));
+  while (true) {
+    if (filled == bytes.size()) bytes.resize(2 * bytes.size());
+    const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+    if (got == 0) break;
+    if (got > 0) {
+      filled += static_cast<std::size_t>(got);
+    } else if (errno != EINTR) {
+      return systemFailure("cannot read", path, errno);
+    }
+  }
+  bytes.resize(filled);
+  return bytes;
+}

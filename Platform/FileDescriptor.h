@@ -1,0 +1,26 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+/// Owner of an open file descriptor; -1 stands for none.
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&&) = delete;
+  ~FileDescriptor() { close(); }
+
+  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
+  [[nodiscard]] int get() const { return descriptor_; }
+
+  /// Closes now; false when the system reports that earlier writes were lost.
+  bool close() {
+    const int descriptor = std::exchange(descriptor_, -1);
+    return descriptor < 0 || ::close(descriptor) == 0;
+  }
+
+ private:
+  int descriptor_;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <variant>
+
+/// Why an operation on something outside the program (a file, its text) did not succeed, as one line for its user.
+struct Failure {
+  std::string reason;
+};
+
+/// Either a value or the Failure that stood in its way.
+template <class Value>
+class [[nodiscard]] Result {
+ public:
+  Result(Value value) : content_(std::move(value)) {}
+  Result(Failure failure) : content_(std::move(failure)) {}
+
+  [[nodiscard]] explicit operator bool() const { return content_.index() == 0; }
+  [[nodiscard]] Value& operator*() { return std::get<0>(content_); }
+  [[nodiscard]] const Value& operator*() const { return std::get<0>(content_); }
+  [[nodiscard]] Value* operator->() { return &std::get<0>(content_); }
+  [[nodiscard]] const Value* operator->() const { return &std::get<0>(content_); }
+  [[nodiscard]] const Failure& failure() const { return std::get<1>(content_); }
+
+ private:
+  std::variant<Value, Failure> content_;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What a run of gavrel-cli left behind.
+struct CommandOutcome {
+  int status = -1;  ///< exit status; -1 after a signal
+  int signal = 0;
+  std::string output;
+  std::string errors;
+};
+
+struct CommandStreams {
+  std::string outputPath;         ///< where standard output goes; empty: it is captured
+  bool errorsToTerminal = false;  ///< standard error is a pseudo-terminal, captured too
+};
+
+/// Runs gavrel-cli with these arguments and an empty standard input, and waits for its end.
+[[nodiscard]] CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const CommandStreams& streams = {});
+
+/// A project of one bar between a held node and one that is pulled along x by 20 and rolls there; EA/L = 1000.
+[[nodiscard]] std::string singleBarJson();
+
+/// A structure that is linear in its loads but never converges: the pulled node's restrained y carries a load as well.
+[[nodiscard]] std::string loadOnRestraintJson();

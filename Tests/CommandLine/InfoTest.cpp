@@ -1,0 +1,64 @@
+#include <gmock/gmock.h>
+
+#include "DataModel/ProjectFile.h"
+#include "Tests/CommandLine/Command.h"
+#include "Tests/TemporaryFolder.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+/// Two bars, one of them without length and one to a node that does not exist; node 2 belongs to no element.
+std::string faultyJson() {
+  Project project("Faulty");
+  for (const Vector3& at : {Vector3{-1, 0, 2}, Vector3{3, 0, 2}, Vector3{0, 5, 0}}) project.addNode(at);
+  auto& bars = project.trussElements.edit();
+  testing::internal::CaptureStdout();
+  bars.emplace_back(0, 0, 1, Vector3{}, Vector3{}, 1.0, 1.0, true, true);
+  testing::internal::GetCapturedStdout();
+  bars.emplace_back(1, 0, 7, Vector3{}, Vector3{1, 0, 0}, 1.0, 1.0, false, false);
+  project.setLoadAndRestraint(0, {1, 2, 3}, false, true, false);
+  project.setLoadAndRestraint(1, {10, 20, 30}, false, false, false);
+  project.F_I.edit()[1] = 100;
+  return *encodeProject(project);
+}
+
+}  // namespace
+
+TEST(Info, DescribesTheModelAndItsMistakes) {
+  const TemporaryFolder folder;
+  const auto outcome = gavrelCli({"info", folder.put("faulty.json", faultyJson())});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(outcome.output,
+            "Project                 Faulty\n"
+            "Nodes                   3\n"
+            "Bars                    2 (1 non-linear, 1 compression-only)\n"
+            "Beams                   0\n"
+            "Extents                 (-1.0, 0.0, 0.0) to (3.0, 5.0, 2.0)\n"
+            "Degrees of freedom      18, 1 restrained, 6 loaded\n"
+            "Total load              (11.0, 120.0, 33.0)\n"
+            "Bars of zero length     1: 0\n"
+            "Beams of zero length    none\n"
+            "Nodes without elements  1: 2\n"
+            "Note                    1 restrained degrees of freedom carry a load; a solve will not converge\n"
+            "Note                    bars with unknown nodes: 1: 1\n");
+}
+
+TEST(Info, HasAFormForScripts) {
+  const TemporaryFolder folder;
+  const auto outcome = gavrelCli({"info", "--json", folder.put("faulty.json", faultyJson())});
+  EXPECT_EQ(outcome.status, 0);
+  for (const char* part :
+       {R"("name": "Faulty")", R"("nodes": 3)", R"("degreesOfFreedom": 18)", R"("loadedRestrainedDofs": 1)",
+        "\"totalLoad\": [\n    11,\n    120,\n    33\n  ]", "\"zeroLengthTrusses\": [\n    0\n  ]",
+        "\"nodesWithoutElements\": [\n    2\n  ]", "\"trussesWithUnknownNodes\": [\n    1\n  ]"})
+    EXPECT_THAT(outcome.output, HasSubstr(part));
+}
+
+TEST(Info, AProjectWithoutNodesHasNoExtents) {
+  const TemporaryFolder folder;
+  const std::string model = folder.put("empty.json", *encodeProject(Project("Empty")));
+  EXPECT_THAT(gavrelCli({"info", model}).output, HasSubstr("Extents                 none\n"));
+  EXPECT_THAT(gavrelCli({"info", "--json", model}).output, HasSubstr("\"extents\": [],"));
+}

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "DataModel/BeamElement.h"
+#include "DataModel/TrussElement.h"
+
+namespace {
+
+TrussElement truss(const Vector3& start, const Vector3& end) {
+  return {7, 3, 4, start, end, 100, 210000, true, false};
+}
+
+BeamElement beam(const Vector3& start, const Vector3& end) {
+  return {7, 3, 4, start, end, 100, 1000, 2000, 210000, 80000, true};
+}
+
+TEST(ElementRecord, FoldsSectionAndMaterialIntoFactors) {
+  const TrussElement bar = truss({0, 0, 0}, {2, 0, 0});
+  EXPECT_EQ(bar.EAL3, 2625000);
+  EXPECT_EQ((Vector3{bar.dXx, bar.dXy, bar.dXz}), (Vector3{-2, 0, 0}));
+  EXPECT_EQ(bar.materialID, 0);
+  EXPECT_TRUE(bar.isCompressionOnly);
+  EXPECT_FALSE(bar.isNonLinear);
+  EXPECT_DOUBLE_EQ(truss({1, 2, 3}, {2, 0, 5}).EAL3, 21000000.0 / 27);
+
+  const BeamElement joist = beam({0, 0, 0}, {0, 0, 4});
+  EXPECT_EQ((Vector3{joist.dXx, joist.dXy, joist.dXz}), (Vector3{0, 0, -4}));
+  EXPECT_EQ(joist.EA, 5250000);
+  EXPECT_EQ(joist.EIy, 52500000);
+  EXPECT_EQ(joist.EIz, 105000000);
+  EXPECT_EQ(joist.GJ, 20000000) << "formed with inertiaY";
+  EXPECT_TRUE(joist.isNonLinear);
+}
+
+TEST(ElementRecord, WarnsOfAndDisarmsElementsWithoutLength) {
+  testing::internal::CaptureStdout();
+  for (const double L : {0.0, 1e-9}) {
+    EXPECT_EQ(truss({1, 1, L}, {1, 1, 0}).EAL3, 0);
+    const BeamElement joist = beam({1, L, 1}, {1, 0, 1});
+    EXPECT_TRUE(joist.EA == 0 && joist.EIy == 0 && joist.EIz == 0 && joist.GJ == 0);
+  }
+  const std::string warnings =
+      "Warning: Truss element has zero initial length for ID 7.\n"
+      "Warning: Beam element has zero initial length for ID 7.\n";
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), warnings + warnings);
+
+  testing::internal::CaptureStdout();
+  const double justEnough = std::nextafter(1e-9, 1.0);
+  EXPECT_GT(truss({justEnough, 0, 0}, {0, 0, 0}).EAL3, 0);
+  EXPECT_GT(beam({justEnough, 0, 0}, {0, 0, 0}).GJ, 0);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(ElementRecord, StrainIsPositiveInCompression) {
+  TrussElement bar = truss({0, 0, 0}, {2, 0, 0});
+  bar.dUx = -0.002;  // the end moved away from the start
+  EXPECT_DOUBLE_EQ(bar.strain(), -0.001);
+  bar = truss({1, 2, 3}, {2, 0, 5});  // X = (-1, 2, -2), L = 3
+  bar.dUx = 4;
+  bar.dUz = 100;
+  EXPECT_NEAR(bar.strain(), 204.0 / 9, 1e-12);
+  EXPECT_FALSE(std::isfinite(TrussElement{}.strain()));
+}
+
+template <class Record>
+class EveryField : public testing::Test {};
+using Records = testing::Types<TrussElement, BeamElement>;
+TYPED_TEST_SUITE(EveryField, Records);
+
+TYPED_TEST(EveryField, MattersForEqualityAndHash) {
+  const std::hash<TypeParam> hash;
+  const TypeParam record;
+  int fields = 0;
+  forEachField<TypeParam>([&](const auto& field) {
+    SCOPED_TRACE(field.key);
+    ++fields;
+    TypeParam other;
+    EXPECT_EQ(other, record);
+    EXPECT_EQ(hash(other), hash(record));
+    auto& value = other.*field.member;
+    value = 1;
+    EXPECT_NE(other, record);
+    EXPECT_NE(hash(other), hash(record));
+    if constexpr (std::is_same_v<decltype(value), double&>) {
+      value = -0.0;
+      EXPECT_EQ(other, record);
+      EXPECT_EQ(hash(other), hash(record));
+      value = std::numeric_limits<double>::quiet_NaN();
+      EXPECT_NE(other, TypeParam(other));
+    }
+  });
+  EXPECT_EQ(fields, (std::is_same_v<TypeParam, TrussElement> ? 15 : 23));
+}
+
+}  // namespace

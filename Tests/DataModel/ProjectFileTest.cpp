@@ -1,0 +1,191 @@
+#include "DataModel/ProjectFile.h"
+
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "Tests/Structures.h"
+#include "Tests/TemporaryFolder.h"
+
+namespace {
+
+using testing::HasSubstr;
+using Limits = std::numeric_limits<double>;
+
+std::string withoutSpace(std::string text) {
+  std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+  return text;
+}
+
+std::string replaced(std::string text, std::string_view from, std::string_view to) {
+  const auto place = text.find(from);
+  EXPECT_NE(place, std::string::npos) << from;
+  return place == std::string::npos ? text : text.replace(place, from.size(), to);
+}
+
+std::string reasonOf(const std::string& json) {
+  const auto project = decodeProject(json);
+  return project ? "none" : project.failure().reason;
+}
+
+/// Two nodes, a bar and a beam, every field of which has a value of its own.
+const std::string small =
+    R"({"name":"a","trussElements":[{"id":1,"startNodeId":2,"endNodeId":3,"materialID":4,"area":5,)"
+    R"("dXx":6,"dXy":7,"dXz":8,"EAL3":9,"dUx":10,"dUy":11,"dUz":12,"currentStrain":13,"isCompressionOnly":true,)"
+    R"("isNonLinear":false}],"beamElements":[{"id":1,"startNodeId":2,"endNodeId":3,"materialID":4,"area":5,"inertiaY":6,)"
+    R"("inertiaZ":7,"youngModulus":8,"shearModulus":9,"dXx":10,"dXy":11,"dXz":12,"EA":13,"EIz":14,"EIy":15,"GJ":16,)"
+    "\"isNonLinear\":true,\"dUx\":18,\"dUy\":19,\"dUz\":20,\"d\xCE\xB8x\":21,\"d\xCE\xB8y\":22,\"d\xCE\xB8z\":23}],"
+    R"("X_I":[1,2,3,4,5,6],"F_I":[1,2,3,4,5,6,7,8,9,10,11,12],)"
+    R"("D_I":[true,false,true,false,true,false,false,true,false,true,false,true]})";
+
+TEST(ProjectFile, WritesANewProject) {
+  Project project;
+  project.addNode({0, 0, 0});
+  project.addNode({2, 0, 0});
+  project.trussElements.edit().emplace_back(0, 0, 1, Vector3{0, 0, 0}, Vector3{2, 0, 0}, 100, 210000, false, true);
+  const auto json = encodeProject(project);
+  ASSERT_TRUE(json);
+  EXPECT_EQ(withoutSpace(*json),
+            R"({"name":"NewProject","trussElements":[{"id":0,"startNodeId":0,"endNodeId":1,"materialID":0,"area":100,)"
+            R"("dXx":-2,"dXy":0,"dXz":0,"EAL3":2625000,"dUx":0,"dUy":0,"dUz":0,"currentStrain":0,)"
+            R"("isCompressionOnly":false,"isNonLinear":true}],"beamElements":[],"X_I":[0,0,0,2,0,0],)"
+            R"("F_I":[0,0,0,0,0,0,0,0,0,0,0,0],)"
+            R"("D_I":[false,false,false,false,false,false,false,false,false,false,false,false]})");
+  const auto back = decodeProject(*json);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(*(*back)->trussElements, *project.trussElements);
+  EXPECT_EQ(*encodeProject(**back), *json);
+}
+
+TEST(ProjectFile, ReadsWhatItWrites) {
+  const auto read = decodeProject(small);
+  ASSERT_TRUE(read) << read.failure().reason;
+  const Project& project = **read;
+  EXPECT_EQ(withoutSpace(*encodeProject(project)), small);
+  EXPECT_EQ(project.beamElements->front().dθz, 23);
+  EXPECT_EQ(project.nI, 12);
+  EXPECT_EQ(project.magnify, 1.0);
+  for (const auto& array : {*project.U_I, project.dU_I, project.R_I}) EXPECT_EQ(array, std::vector<double>(12));
+  EXPECT_EQ(project.vv_J, std::vector<std::int64_t>(12));
+  EXPECT_TRUE(project.H_II.values.empty());
+}
+
+TEST(ProjectFile, KeepsEveryBit) {
+  Project project("\"\\\x01\n dθ \xF0\x9F\x98\x80");
+  std::mt19937_64 random(31);
+  std::vector<double> numbers{Limits::denorm_min(), -0.0,      1e300, 0.1, Limits::max(), -1e-310,
+                              9007199254740993.0,   1e15 + 0.5};
+  while (numbers.size() < 3000) {
+    const auto number = std::bit_cast<double>(random());
+    if (std::isfinite(number)) numbers.push_back(number);
+  }
+  project.X_I.edit() = numbers;
+  project.F_I.edit() = numbers;
+  BeamElement beam;
+  beam.id = INT64_MIN;
+  beam.materialID = INT64_MAX;
+  beam.dθx = 5e-324;
+  project.beamElements.edit() = {beam};
+
+  const TemporaryFolder folder;
+  ASSERT_FALSE(writeProject(project, folder / "p.json"));
+  const auto read = readProject(folder / "p.json");
+  ASSERT_TRUE(read) << read.failure().reason;
+  EXPECT_EQ(*(*read)->name, *project.name);
+  EXPECT_EQ(*(*read)->beamElements, *project.beamElements);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    ASSERT_EQ(std::bit_cast<std::uint64_t>((*(*read)->X_I)[i]), std::bit_cast<std::uint64_t>(numbers[i]));
+    ASSERT_EQ(std::bit_cast<std::uint64_t>((*(*read)->F_I)[i]), std::bit_cast<std::uint64_t>(numbers[i]));
+  }
+}
+
+TEST(ProjectFile, ReadsWhatOthersWrite) {
+  const struct {
+    const char* from;
+    const char* to;
+  } sameContent[] = {{"\"id\":1", "\"id\":1.0"},
+                     {"\"id\":1,\"startNodeId\":2", "\"startNodeId\":2e0,\"note\":[{}],\"id\":1"},
+                     {"{\"name\":\"a\"", "\xEF\xBB\xBF {\"version\":null,\"name\":\"\\u0061\""},
+                     {"\"X_I\":[1", "\"U_I\":\"?\",\"X_I\":[0.1e1"}};
+  for (const auto& c : sameContent) {
+    const auto project = decodeProject(replaced(small, c.from, c.to));
+    ASSERT_TRUE(project) << c.to << ": " << project.failure().reason;
+    EXPECT_EQ(withoutSpace(*encodeProject(**project)), small);
+  }
+  const auto beamList =
+      small.substr(small.find("\"beamElements\""), small.find("\"X_I\"") - small.find("\"beamElements\""));
+  for (const char* const instead : {"", "\"beamElements\":null,", "\"beamElements\":[],"}) {
+    const auto project = decodeProject(replaced(small, beamList, instead));
+    ASSERT_TRUE(project) << project.failure().reason;
+    EXPECT_TRUE((*project)->beamElements->empty());
+  }
+  const auto uneven =
+      decodeProject(replaced(replaced(small, "4,5,6]", "4,5,6,100000000000000000000]"), "11,12]", "11]"));
+  ASSERT_TRUE(uneven) << uneven.failure().reason;
+  EXPECT_EQ((*uneven)->nI, 12);
+  EXPECT_EQ((*uneven)->X_I->at(6), 1e20);
+  EXPECT_EQ((*uneven)->F_I->size(), 11u);
+}
+
+TEST(ProjectFile, TellsWhatIsWrongAndWhere) {
+  const struct {
+    const char* from;
+    const char* to;
+    const char* reason;
+  } cases[] = {
+      {"\"D_I\"", "\"D_i\"", "\"D_I\" is missing"},
+      {"\"name\"", "\"Name\"", "\"name\" is missing"},
+      {"\"name\":\"a\"", "\"name\":null", "name: expected a text, found null"},
+      {"\"trussElements\":[", "\"trussElements\":null,\"x\":[", "trussElements: expected an array, found null"},
+      {"\"trussElements\":[", "\"trussElements\":[7,", "trussElements[0]: expected an object, found the number 7"},
+      {"\"beamElements\":[", "\"beamElements\":{},\"x\":[", "beamElements: expected an array, found an object"},
+      {"\"endNodeId\":3", "\"endNodeId\":3.5",
+       "trussElements[0].endNodeId: expected a whole number, found the number 3.5"},
+      {"\"area\":5", "\"area\":true", "trussElements[0].area: expected a number, found true"},
+      {"\"isNonLinear\":false", "\"isNonLinear\":0", "trussElements[0].isNonLinear: expected true or false"},
+      {"\"isNonLinear\":false", "\"isLinear\":true", "trussElements[0]: \"isNonLinear\" is missing"},
+      {"\"beamElements\":[{\"id\":1", "\"beamElements\":[{\"id\":\"1\"", "beamElements[0].id: expected a whole number"},
+      {"\"id\":1,\"startNodeId\":2", "\"startNodeId\":2.5,\"id\":1", "trussElements[0].startNodeId: expected a whole"},
+      {"dθz", "dz", "beamElements[0]: \"dθz\" is missing"},
+      {"\"F_I\":[1,2", "\"F_I\":[1,null", "F_I[1]: expected a number, found null"},
+      {"\"D_I\":[true", "\"D_I\":[1", "D_I[0]: expected true or false, found the number 1"},
+      {"\"X_I\":[1,", "\"X_I\":[1,\n,", "not valid JSON at line 2, column 1 (byte "},
+      {"\"X_I\":[1,", "\"X_I\":[1e999,", "beyond the range of a double"},
+  };
+  for (const auto& c : cases) EXPECT_THAT(reasonOf(replaced(small, c.from, c.to)), HasSubstr(c.reason));
+  EXPECT_EQ(reasonOf("[]"), "expected an object, found an array");
+  const TemporaryFolder folder;
+  const auto missing = readProject(folder / "missing.json");
+  ASSERT_FALSE(missing);
+  EXPECT_THAT(missing.failure().reason, HasSubstr("missing.json\": No such file or directory"));
+}
+
+TEST(ProjectFile, RefusesToWriteWhatJsonCannotHold) {
+  const TemporaryFolder folder;
+  const auto file = folder.put("p.json", "old");
+  const struct {
+    void (*spoil)(Project&);
+    const char* reason;
+  } cases[] = {
+      {[](Project& p) { p.X_I.edit()[1] = Limits::quiet_NaN(); }, "X_I[1] is nan"},
+      {[](Project& p) { p.F_I.edit()[11] = -Limits::infinity(); }, "F_I[11] is -inf"},
+      {[](Project& p) { p.trussElements.edit()[0].EAL3 = Limits::infinity(); }, "trussElements[0].EAL3 is inf"},
+      {[](Project& p) { p.beamElements.edit()[0].dθy = Limits::quiet_NaN(); }, "beamElements[0].dθy is nan"},
+      {[](Project& p) { p.name.edit() = "\xC3("; }, "name is not valid UTF-8"},
+  };
+  for (const auto& c : cases) {
+    const auto project = decodeProject(small);
+    ASSERT_TRUE(project);
+    c.spoil(**project);
+    const auto failure = writeProject(**project, file);
+    ASSERT_TRUE(failure) << c.reason;
+    EXPECT_THAT(failure->reason, HasSubstr(c.reason));
+  }
+  EXPECT_EQ(folder.get("p.json"), "old");
+  EXPECT_EQ(folder.entries(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+#include "Platform/Fatal.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <limits>
+#include <vector>
+
+#include "Tests/TemporaryFolder.h"
+
+namespace {
+
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+
+TEST(Fatal, IndexOutsideTheArrayEndsTheProcess) {
+  std::vector<int> U_I{10, 20, 30};
+  at(U_I, 2, "U_I") = 31;
+  EXPECT_EQ(at(U_I, 2, "U_I"), 31);
+  for (const std::int64_t index :
+       {std::int64_t{-1}, std::int64_t{3}, largest, std::numeric_limits<std::int64_t>::min()}) {
+    EXPECT_DEATH(static_cast<void>(at(U_I, index, "U_I")),
+                 "^Fatal error: index " + std::to_string(index) + " is outside U_I, which has 3 entries\n$");
+  }
+}
+
+TEST(Fatal, OverflowingProductEndsTheProcess) {
+  EXPECT_EQ(checkedProduct(6, -largest / 6, 1, "too large"), -largest / 6 * 6 + 1);
+  EXPECT_DEATH(static_cast<void>(checkedProduct(6, largest / 6 + 1, 0, "too large")), "^Fatal error: too large\n$");
+  EXPECT_DEATH(static_cast<void>(checkedProduct(6, -(largest / 6) - 1, 0, "too large")), "too large");
+  EXPECT_DEATH(static_cast<void>(checkedProduct(1, largest, 1, "too large")), "too large");
+}
+
+TEST(Fatal, WritesPendingOutputBeforeItEndsTheProcess) {
+  const TemporaryFolder folder;
+  const auto printed = folder / "printed";
+  const auto printAndFail = [&] {
+    if (std::freopen(printed.c_str(), "w", stdout) == nullptr) return;
+    std::fputs("printed before", stdout);
+    fatal("the end");
+  };
+  EXPECT_DEATH(printAndFail(), "the end");
+  EXPECT_EQ(folder.get("printed"), "printed before");
+}
+
+}  // namespace
