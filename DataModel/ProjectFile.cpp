@@ -10,9 +10,6 @@
 
 namespace {
 
-using simdjson::dom::element;
-using simdjson::dom::object;
-
 std::string notFinite(const std::string& where, double number) {
   return where + " is " + numberText(number) + ", which a project file cannot hold";
 }
@@ -37,69 +34,53 @@ void requireFinite(const std::string& key, const std::vector<Record>& elements) 
   }
 }
 
-/// The value under `key`; throws JsonError if there is none.
-element required(object fields, std::string_view key) {
-  element value;
-  if (fields[key].get(value) != simdjson::SUCCESS) throw JsonError("\"" + std::string(key) + "\" is missing");
-  return value;
-}
-
-template <class Value>
-void readRequired(object fields, std::string_view key, Value& value) {
-  const element found = required(fields, key);
-  try {
-    readJson(found, value);
-  } catch (const JsonError& error) {
-    throw error.within(key);
-  }
-}
-
-/// Files hold the fields in the order of declaration, so the next one is looked for first where the last one ended.
-template <class Record>
-void readElement(element json, Record& record) {
-  const object fields = jsonObject(json);
-  auto next = fields.begin();
-  const auto end = fields.end();
-  forEachField<Record>([&](const auto& field) {
-    if (next != end && next.key() == field.key) {
-      const element value = next.value();
-      ++next;
-      try {
-        readJson(value, record.*field.member);
-      } catch (const JsonError& error) {
-        throw error.within("." + std::string(field.key));
-      }
-    } else {
-      readRequired(fields, field.key, record.*field.member);
-    }
-  });
+template <class Record, std::size_t i>
+void readField(JsonValue json, Record& record) {
+  readJson(json, record.*std::get<i>(Record::fields).member);
 }
 
 template <class Record>
-std::vector<Record> readElements(std::string_view key, element json) {
-  std::vector<Record> elements;
-  try {
-    readJsonItems(json, [&](element item) { readElement(item, elements.emplace_back()); });
-  } catch (const JsonError& error) {
-    throw error.within(key);
+constexpr auto membersOf() {
+  return []<std::size_t... i>(std::index_sequence<i...>) {
+    return std::array{JsonMember<Record>{std::get<i>(Record::fields).key, &readField<Record, i>}...};
   }
-  return elements;
+  (std::make_index_sequence<std::tuple_size_v<decltype(Record::fields)>>());
 }
 
-std::shared_ptr<Project> readRoot(element root) {
-  const object fields = jsonObject(root);
+template <class Record>
+void readElements(JsonValue json, std::vector<Record>& elements) {
+  static constexpr auto members = membersOf<Record>();
+  readJsonItems(json, [&elements](JsonValue item) { readJsonObject(item, elements.emplace_back(), members); });
+}
+
+/// What a project file holds.
+struct Contents {
   std::string name;
-  readRequired(fields, "name", name);
-  auto trusses = readElements<TrussElement>("trussElements", required(fields, "trussElements"));
-  std::vector<BeamElement> beams;
-  element beamList;
-  if (fields["beamElements"].get(beamList) == simdjson::SUCCESS && !beamList.is_null())
-    beams = readElements<BeamElement>("beamElements", beamList);
+  std::vector<TrussElement> trussElements;
+  std::vector<BeamElement> beamElements;
+  std::vector<double> X_I;
+  std::vector<double> F_I;
+  std::vector<bool> D_I;
+};
 
-  auto project = std::make_shared<Project>(std::move(name), std::move(trusses), std::move(beams));
-  readRequired(fields, "X_I", project->X_I.edit());
-  readRequired(fields, "F_I", project->F_I.edit());
-  readRequired(fields, "D_I", project->D_I.edit());
+constexpr std::array contentMembers{
+    JsonMember<Contents>{"name", [](JsonValue json, Contents& to) { readJson(json, to.name); }},
+    JsonMember<Contents>{"trussElements", [](JsonValue json, Contents& to) { readElements(json, to.trussElements); }},
+    JsonMember<Contents>{"beamElements",
+                         [](JsonValue json, Contents& to) {
+                           if (!jsonResult(json.is_null())) readElements(json, to.beamElements);
+                         },
+                         false},
+    JsonMember<Contents>{"X_I", [](JsonValue json, Contents& to) { readJson(json, to.X_I); }},
+    JsonMember<Contents>{"F_I", [](JsonValue json, Contents& to) { readJson(json, to.F_I); }},
+    JsonMember<Contents>{"D_I", [](JsonValue json, Contents& to) { readJson(json, to.D_I); }}};
+
+std::shared_ptr<Project> projectOf(Contents contents) {
+  auto project = std::make_shared<Project>(std::move(contents.name), std::move(contents.trussElements),
+                                           std::move(contents.beamElements));
+  project->X_I.edit() = std::move(contents.X_I);
+  project->F_I.edit() = std::move(contents.F_I);
+  project->D_I.edit() = std::move(contents.D_I);
   project->nI = project->nodeCount() * dofsPerNode;
   const auto unknowns = static_cast<std::size_t>(project->nI);
   project->U_I.edit().assign(unknowns, 0.0);
@@ -145,7 +126,9 @@ Result<std::string> encodeProject(const Project& project) {
 
 Result<std::shared_ptr<Project>> decodeProject(std::string json) {
   try {
-    return readRoot(JsonDocument(std::move(json)).root());
+    Contents contents;
+    JsonDocument(std::move(json)).read([&contents](JsonValue root) { readJsonObject(root, contents, contentMembers); });
+    return projectOf(std::move(contents));
   } catch (const JsonError& error) {
     return Failure{error.what()};
   }

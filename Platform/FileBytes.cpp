@@ -12,6 +12,7 @@
 namespace {
 
 constexpr std::size_t smallestRead = 64 * 1024;
+constexpr std::size_t spareRoom = 256;  // parsers want to read a little beyond the end without moving the text first
 
 /// Room for a file of the size that `status` tells and one byte more, so that the end is met without growing again.
 std::size_t expectedSize(const struct stat& status) {
@@ -32,7 +33,8 @@ Result<std::string> readFile(const std::filesystem::path& path) {
 
   std::string bytes;
   std::size_t filled = 0;
-  bytes.resize(std::max(expectedSize(status), smallestRead));
+  bytes.reserve(std::max(expectedSize(status), smallestRead) + spareRoom);
+  bytes.resize(bytes.capacity() - spareRoom);
   while (true) {
     if (filled == bytes.size()) bytes.resize(2 * bytes.size());
     const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);

@@ -17,13 +17,13 @@ class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text) {}
 
-  JsonScan run() {
+  std::optional<JsonFault> run() {
     while (!fault_ && expected_ != Expected::End) step();
     if (!fault_) {
       skipSpace();
       if (position_ != text_.size()) fail("expected the end of the text after the value");
     }
-    return {std::move(fault_), std::move(wideIntegerEnds_)};
+    return std::move(fault_);
   }
 
  private:
@@ -120,19 +120,16 @@ class Scanner {
     if (peek() == '0' && position_ + 1 < text_.size() && isDigit(text_[position_ + 1]))
       return fail("a number must not begin with 0");
     digits();
-    bool whole = true;
     if (peek() == '.') {
-      whole = false;
       ++position_;
       if (!digits()) return fail("expected a digit after the decimal point");
     }
     if (peek() == 'e' || peek() == 'E') {
-      whole = false;
       ++position_;
       if (peek() == '+' || peek() == '-') ++position_;
       if (!digits()) return fail("expected a digit in the exponent");
     }
-    checkRange(start, whole);
+    checkRange(start);
   }
 
   bool digits() {
@@ -141,19 +138,12 @@ class Scanner {
     return position_ > start;
   }
 
-  void checkRange(std::size_t start, bool whole) {
+  void checkRange(std::size_t start) {
     const std::string token(text_.substr(start, position_ - start));
     if (std::isinf(plainDouble(token))) {
       position_ = start;
-      return fail("the number is beyond the range of a double");
+      fail("the number is beyond the range of a double");
     }
-    if (whole && !holds<std::int64_t>(token) && !holds<std::uint64_t>(token)) wideIntegerEnds_.push_back(position_);
-  }
-
-  template <class Integer>
-  static bool holds(const std::string& digits) {
-    Integer value = 0;
-    return std::from_chars(digits.data(), digits.data() + digits.size(), value).ec == std::errc();
   }
 
   /// The token's value whatever the locale: infinite where it is too large, zero where it is too small.
@@ -253,7 +243,6 @@ class Scanner {
   std::size_t position_ = 0;
   Expected expected_ = Expected::Value;
   std::string closings_;  // the brackets still open, as what will close them
-  std::vector<std::size_t> wideIntegerEnds_;
   std::optional<JsonFault> fault_;
 };
 
@@ -267,6 +256,6 @@ std::string JsonFault::describe(std::string_view text) const {
          std::to_string(offset) + "): " + reason;
 }
 
-JsonScan scanJson(std::string_view text) {
+std::optional<JsonFault> scanJson(std::string_view text) {
   return Scanner(text).run();
 }

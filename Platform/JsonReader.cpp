@@ -7,104 +7,123 @@
 
 namespace {
 
-std::string whatIs(simdjson::dom::element element) {
-  switch (element.type()) {
-    case simdjson::dom::element_type::ARRAY:
+using simdjson::ondemand::json_type;
+
+std::string whatIs(JsonValue json) {
+  json_type type{};
+  if (json.type().get(type) != simdjson::SUCCESS) return "something else";
+  switch (type) {
+    case json_type::array:
       return "an array";
-    case simdjson::dom::element_type::OBJECT:
+    case json_type::object:
       return "an object";
-    case simdjson::dom::element_type::INT64:
-    case simdjson::dom::element_type::UINT64:
-    case simdjson::dom::element_type::DOUBLE: {
+    case json_type::number: {
+      double number = 0;
+      if (json.get_double().get(number) != simdjson::SUCCESS) return "a number";
       std::string text = "the number ";
-      appendJsonNumber(text, element.get_double().value_unsafe());
+      appendJsonNumber(text, number);
       return text;
     }
-    case simdjson::dom::element_type::STRING:
+    case json_type::string:
       return "a text";
-    case simdjson::dom::element_type::BOOL:
-      return element.get_bool().value_unsafe() ? "true" : "false";
-    case simdjson::dom::element_type::NULL_VALUE:
+    case json_type::boolean: {
+      bool truth = false;
+      if (json.get_bool().get(truth) != simdjson::SUCCESS) return "a word";
+      return truth ? "true" : "false";
+    }
+    case json_type::null:
       return "null";
   }
   return "something else";
 }
 
-JsonError expected(std::string_view type, simdjson::dom::element element) {
-  return JsonError("expected " + std::string(type) + ", found " + whatIs(element));
-}
-
-/// The text with an exponent after each whole number that no 64-bit integer holds, so that the parser takes it for the
-/// double that it is. Other programs write 1e20 as 100000000000000000000.
-std::string withExponents(std::string_view text, const std::vector<std::size_t>& numberEnds) {
-  std::string result;
-  result.reserve(text.size() + 2 * numberEnds.size() + simdjson::SIMDJSON_PADDING);
-  std::size_t copied = 0;
-  for (const std::size_t end : numberEnds) {
-    result += text.substr(copied, end - copied);
-    result += "e0";
-    copied = end;
-  }
-  return result += text.substr(copied);
+/// Parts of the text that nobody reads still have to be JSON.
+void requireJson(std::string_view part) {
+  if (const auto scan = scanJson(part)) throw JsonError(scan->reason);
 }
 
 }  // namespace
 
-JsonError JsonError::within(std::string_view where) const {
-  const std::string_view inner = what();
-  const bool joined = inner.starts_with('[') || inner.starts_with('.');
-  return JsonError(std::string(where) + (joined ? "" : ": ") + std::string(inner));
+JsonError JsonError::at(std::string place) const {
+  JsonError outer(reason_);
+  const bool joined = path_.empty() || path_.starts_with('[');
+  outer.path_ = std::move(place) + (joined ? "" : ".") + path_;
+  outer.text_ = outer.path_ + ": " + reason_;
+  return outer;
 }
 
 JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-  if (text_.starts_with(byteOrderMark)) text_.erase(0, byteOrderMark.size());
-  if (parse() == simdjson::SUCCESS) return;
-
-  const JsonScan scan = scanJson(text_);
-  if (scan.fault) throw JsonError("not valid JSON at " + scan.fault->describe(text_));
-  text_ = withExponents(text_, scan.wideIntegerEnds);
-  if (const auto error = parse(); error != simdjson::SUCCESS) {
-    throw JsonError(std::string("the JSON text cannot be taken in: ") + simdjson::error_message(error));
-  }
-}
-
-simdjson::error_code JsonDocument::parse() {
+  if (text_.starts_with(byteOrderMark)) start_ = byteOrderMark.size();
   text_.reserve(text_.size() + simdjson::SIMDJSON_PADDING);
-  return parser_.parse(text_.data(), text_.size(), false).get(root_);
 }
 
-void readJson(simdjson::dom::element element, double& value) {
-  if (element.get_double().get(value) != simdjson::SUCCESS) throw expected("a number", element);
+JsonValue JsonDocument::begin() {
+  document_ = jsonResult(parser_.iterate(text_.data() + start_, text_.size() - start_, text_.capacity() - start_));
+  JsonValue root;
+  if (document_.get_value().get(root) != simdjson::SUCCESS) throw JsonError("expected an object or an array");
+  return root;
 }
 
-void readJson(simdjson::dom::element element, std::int64_t& value) {
-  if (element.get_int64().get(value) == simdjson::SUCCESS) return;
+void JsonDocument::end() {
+  const bool atEnd = document_.current_location().error() == simdjson::OUT_OF_BOUNDS;
+  if (!atEnd) throw JsonError("there is more after the value");
+}
+
+void JsonDocument::requireJson() const {
+  auto fault = scanJson(std::string_view(text_).substr(start_));
+  if (!fault) return;
+  fault->offset += start_;
+  throw JsonError("not valid JSON at " + fault->describe(text_));
+}
+
+void throwUnexpected(std::string_view expectedType, JsonValue json) {
+  throw JsonError("expected " + std::string(expectedType) + ", found " + whatIs(json));
+}
+
+void readWholeNumber(JsonValue json, std::int64_t& value) {
   constexpr double limit = 9223372036854775808.0;  // 2^63
+  JsonValue number = json;
   double real = 0;
-  if (element.get_double().get(real) != simdjson::SUCCESS || std::trunc(real) != real || real < -limit || real >= limit)
-    throw expected("a whole number", element);
+  if (number.get_double().get(real) != simdjson::SUCCESS || std::trunc(real) != real || real < -limit || real >= limit)
+    throwUnexpected("a whole number", json);
   value = static_cast<std::int64_t>(real);
 }
 
-void readJson(simdjson::dom::element element, bool& value) {
-  if (element.get_bool().get(value) != simdjson::SUCCESS) throw expected("true or false", element);
-}
-
-void readJson(simdjson::dom::element element, std::string& value) {
+void readJson(JsonValue json, std::string& value) {
   std::string_view text;
-  if (element.get_string().get(text) != simdjson::SUCCESS) throw expected("a text", element);
+  if (json.get_string().get(text) != simdjson::SUCCESS) throwUnexpected("a text", json);
   value = text;
 }
 
-simdjson::dom::object jsonObject(simdjson::dom::element element) {
-  simdjson::dom::object object;
-  if (element.get_object().get(object) != simdjson::SUCCESS) throw expected("an object", element);
+void skipJson(JsonValue json) {
+  double number = 0;
+  bool truth = false;
+  std::string text;
+  switch (jsonResult(json.type())) {
+    case json_type::array:
+      return ::requireJson(jsonResult(jsonArray(json).raw_json()));
+    case json_type::object:
+      return ::requireJson(jsonResult(jsonObject(json).raw_json()));
+    case json_type::number:
+      return readJson(json, number);
+    case json_type::string:
+      return readJson(json, text);
+    case json_type::boolean:
+      return readJson(json, truth);
+    case json_type::null:
+      if (!jsonResult(json.is_null())) throwUnexpected("a value", json);
+  }
+}
+
+simdjson::ondemand::object jsonObject(JsonValue json) {
+  simdjson::ondemand::object object;
+  if (json.get_object().get(object) != simdjson::SUCCESS) throwUnexpected("an object", json);
   return object;
 }
 
-simdjson::dom::array jsonArray(simdjson::dom::element element) {
-  simdjson::dom::array array;
-  if (element.get_array().get(array) != simdjson::SUCCESS) throw expected("an array", element);
+simdjson::ondemand::array jsonArray(JsonValue json) {
+  simdjson::ondemand::array array;
+  if (json.get_array().get(array) != simdjson::SUCCESS) throwUnexpected("an array", json);
   return array;
 }

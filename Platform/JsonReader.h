@@ -2,69 +2,162 @@
 
 #include <simdjson.h>
 
+#include <array>
+#include <bitset>
 #include <cstdint>
-#include <stdexcept>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <vector>
 
+using JsonValue = simdjson::ondemand::value;
+
 /// Why a JSON text cannot be read. The message says what and where ("F_I[5]: expected a number, found null"). It never
 /// leaves the functions that read a document; those return a Failure.
-class JsonError : public std::runtime_error {
+class JsonError : public std::exception {
  public:
-  using std::runtime_error::runtime_error;
+  explicit JsonError(std::string reason) : reason_(std::move(reason)), text_(reason_) {}
 
-  /// The same error seen from one level further out: `where` is a key or an index in brackets.
-  [[nodiscard]] JsonError within(std::string_view where) const;
-};
+  [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
-/// A parsed JSON text.
-class JsonDocument {
- public:
-  /// Throws JsonError, with line, column and byte, for text that is not JSON. A leading byte order mark is skipped.
-  explicit JsonDocument(std::string text);
-
-  [[nodiscard]] simdjson::dom::element root() const { return root_; }
+  /// The same error seen from one level further out: from the object that holds `key`, or from the array.
+  [[nodiscard]] JsonError within(std::string_view key) const { return at(std::string(key)); }
+  [[nodiscard]] JsonError within(std::size_t index) const { return at("[" + std::to_string(index) + "]"); }
 
  private:
-  [[nodiscard]] simdjson::error_code parse();
+  [[nodiscard]] JsonError at(std::string place) const;
+
+  std::string path_;
+  std::string reason_;
+  std::string text_;
+};
+
+/// A JSON text whose root is an object or an array.
+class JsonDocument {
+ public:
+  /// Takes the text; a leading byte order mark is skipped.
+  explicit JsonDocument(std::string text);
+
+  /// Calls `readRoot(root)`, once. Throws JsonError, with line, column and byte, if any part of the text is not JSON,
+  /// and otherwise lets that of `readRoot` pass. `readRoot` must read or skip every value that it meets.
+  template <class ReadRoot>
+  void read(ReadRoot&& readRoot) {
+    try {
+      readRoot(begin());
+      end();
+    } catch (const JsonError&) {
+      requireJson();
+      throw;
+    }
+  }
+
+ private:
+  [[nodiscard]] JsonValue begin();
+  void end();
+  void requireJson() const;
 
   std::string text_;
-  simdjson::dom::parser parser_;
-  simdjson::dom::element root_;
+  std::size_t start_ = 0;  // after the byte order mark
+  simdjson::ondemand::parser parser_;
+  simdjson::ondemand::document document_;
 };
 
 /// The typed readers throw JsonError for a value of another type. A whole number may be written with a fraction of zero
 /// or an exponent ("3", "3.0", "3e0"); a boolean is no number.
-void readJson(simdjson::dom::element element, double& value);
-void readJson(simdjson::dom::element element, std::int64_t& value);
-void readJson(simdjson::dom::element element, bool& value);
-void readJson(simdjson::dom::element element, std::string& value);
+void readJson(JsonValue json, std::string& value);
 
-/// Throws JsonError unless `element` is an object or array, respectively.
-[[nodiscard]] simdjson::dom::object jsonObject(simdjson::dom::element element);
-[[nodiscard]] simdjson::dom::array jsonArray(simdjson::dom::element element);
+/// Ends the reading of a value that is not of the expected type.
+[[noreturn]] void throwUnexpected(std::string_view expectedType, JsonValue json);
+
+/// Reads a whole number that is not written as one ("3.0").
+void readWholeNumber(JsonValue json, std::int64_t& value);
+
+inline void readJson(JsonValue json, double& value) {
+  if (json.get_double().get(value) != simdjson::SUCCESS) throwUnexpected("a number", json);
+}
+
+inline void readJson(JsonValue json, std::int64_t& value) {
+  if (json.get_int64().get(value) != simdjson::SUCCESS) readWholeNumber(json, value);
+}
+
+inline void readJson(JsonValue json, bool& value) {
+  if (json.get_bool().get(value) != simdjson::SUCCESS) throwUnexpected("true or false", json);
+}
+
+/// Reads past a value that nobody needs.
+void skipJson(JsonValue json);
+
+/// Throws JsonError unless `json` is an object or array, respectively.
+[[nodiscard]] simdjson::ondemand::object jsonObject(JsonValue json);
+[[nodiscard]] simdjson::ondemand::array jsonArray(JsonValue json);
+
+/// The value inside a simdjson result; throws JsonError if there is an error instead.
+template <class Value>
+[[nodiscard]] Value jsonResult(simdjson::simdjson_result<Value> result) {
+  Value value;
+  if (const auto error = std::move(result).get(value)) throw JsonError(simdjson::error_message(error));
+  return value;
+}
 
 /// Calls `readItem(item)` for each item of an array; an error is told with the item's index.
 template <class ReadItem>
-void readJsonItems(simdjson::dom::element element, ReadItem&& readItem) {
+void readJsonItems(JsonValue json, ReadItem&& readItem) {
   std::size_t index = 0;
-  for (const simdjson::dom::element item : jsonArray(element)) {
+  for (const auto item : jsonArray(json)) {
     try {
-      readItem(item);
+      readItem(jsonResult<JsonValue>(item));
     } catch (const JsonError& error) {
-      throw error.within("[" + std::to_string(index) + "]");
+      throw error.within(index);
     }
     ++index;
   }
 }
 
 template <class Value>
-void readJson(simdjson::dom::element element, std::vector<Value>& values) {
+void readJson(JsonValue json, std::vector<Value>& values) {
   values.clear();
-  readJsonItems(element, [&](simdjson::dom::element item) {
+  readJsonItems(json, [&values](JsonValue item) {
     Value value{};
     readJson(item, value);
     values.push_back(value);
   });
+}
+
+/// A key of an object, and how its value enters the `Target` that the object describes.
+template <class Target>
+struct JsonMember {
+  std::string_view key;
+  void (*read)(JsonValue json, Target& target);
+  bool required = true;
+};
+
+/// Reads an object into `target`. Keys may come in any order; unknown ones are skipped. Throws JsonError for a missing
+/// required key and for one that stands twice.
+template <class Target, std::size_t count>
+void readJsonObject(JsonValue json, Target& target, const std::array<JsonMember<Target>, count>& members) {
+  std::bitset<count> found;
+  std::size_t next = 0;  // files hold the keys in the members' order, so the next one is looked for first
+  for (auto result : jsonObject(json)) {
+    auto field = jsonResult<simdjson::ondemand::field>(result);
+    if (next == count || !field.key().unsafe_is_equal(members[next].key)) {
+      const auto key = jsonResult<std::string_view>(field.unescaped_key());
+      for (next = 0; next < count && members[next].key != key;) ++next;
+    }
+    if (next == count) {
+      skipJson(field.value());
+      continue;
+    }
+    const JsonMember<Target>& member = members[next];
+    if (found[next]) throw JsonError("\"" + std::string(member.key) + "\" stands twice");
+    found[next] = true;
+    ++next;
+    try {
+      member.read(field.value(), target);
+    } catch (const JsonError& error) {
+      throw error.within(member.key);
+    }
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    if (members[i].required && !found[i]) throw JsonError("\"" + std::string(members[i].key) + "\" is missing");
+  }
 }

@@ -44,7 +44,7 @@ TEST(JsonFault, TellsWhereAndWhy) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
-    const auto fault = scanJson(c.text).fault;
+    const auto fault = scanJson(c.text);
     ASSERT_TRUE(fault);
     EXPECT_EQ(fault->describe(c.text), c.fault);
   }
@@ -68,14 +68,13 @@ TEST(JsonFault, FindsOneExactlyWhereTheParserGivesUp) {
       "\"\xF4\x90\x80\x80\"", "\"\xF5\x80\x80\x80\"", "\"\xC3\"", "\"\xE2\x82\"", "\"\xF0\x9F\x98\"", "[\xC3\xA9]",
       "\"\xE2\x28\xA1\"", "\xEF\xBB\xBF[]"};
   for (const std::string_view text : texts) {
-    EXPECT_EQ(!scanJson(text).fault, parserAccepts(text)) << testing::PrintToString(text);
+    EXPECT_EQ(!scanJson(text), parserAccepts(text)) << testing::PrintToString(text);
   }
 }
 
 /// Breaks a good text in random places: most results are no JSON, some still are.
 TEST(JsonFault, AgreesWithTheParserOnBrokenTexts) {
-  const std::string good =
-      "{\"n\\u00e9\": [-0.5e+3, 10, 18446744073709551615],\n \"\xCE\xB8\": {\"t\": true, \"o\": null}}";
+  const std::string good = "{\"n\\u00e9\": [-0.5e+3, 10, 123456789012345],\n \"\xCE\xB8\": {\"t\": true, \"o\": null}}";
   const std::string_view spare = "{}[],:\"\\0123456789.eE+-truefalsn \n\x01\x80\xC3\xE2\xF0";
   std::mt19937 random(7);
   int accepted = 0;
@@ -95,10 +94,8 @@ TEST(JsonFault, AgreesWithTheParserOnBrokenTexts) {
           text.erase(place, 1);
       }
     }
-    const JsonScan scan = scanJson(text);
-    if (!scan.wideIntegerEnds.empty()) continue;  // JSON that the parser refuses
     const bool accepts = parserAccepts(text);
-    ASSERT_EQ(!scan.fault, accepts) << testing::PrintToString(text);
+    ASSERT_EQ(!scanJson(text), accepts) << testing::PrintToString(text);
     accepted += accepts ? 1 : 0;
   }
   EXPECT_GT(accepted, 3000);
