@@ -9,6 +9,7 @@
 #include "CommandLine/SolveResult.h"
 #include "DataModel/ProjectFile.h"
 #include "Platform/AtomicFile.h"
+#include "Platform/Console.h"
 #include "Platform/NumberText.h"
 
 namespace {
@@ -43,11 +44,19 @@ void printSummary(const Project& project, const SolveResult& result, double seco
   show("Largest compression", result.largestCompression(), "bar");
 }
 
+int reportUnsaved(const Failure& failure) {
+  std::fprintf(stderr, "Failed to save result: %s\n", failure.reason.c_str());
+  return exitStatus::failure;
+}
+
 int solve(const SolveOptions& options) {
   const auto loaded = readProject(options.model);
   if (!loaded) {
     std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
     return exitStatus::failure;
+  }
+  if (!options.output.empty()) {
+    if (const auto refused = whyNotReplaceable(options.output)) return reportUnsaved(*refused);
   }
   Project& project = **loaded;
   const bool showProgress = ::isatty(STDERR_FILENO) != 0;
@@ -62,14 +71,11 @@ int solve(const SolveOptions& options) {
 
   if (options.summary) printSummary(project, result, seconds);
   if (!options.output.empty()) {
-    if (const auto failed = replaceFile(options.output, result.toJson())) {
-      std::fprintf(stderr, "Failed to save result: %s\n", failed->reason.c_str());
-      return exitStatus::failure;
-    }
+    if (const auto failed = replaceFile(options.output, result.toJson())) return reportUnsaved(*failed);
   }
   if (result.converged()) return exitStatus::success;
-  std::fprintf(stderr, "Warning: the solve did not converge: after %zu steps the relative residual norm is %s\n",
-               result.norms.size(), numberText(result.norms.back()).c_str());
+  printWarning("the solve did not converge: after " + std::to_string(result.norms.size()) +
+               " steps the relative residual norm is " + numberText(result.norms.back()));
   return options.strict ? exitStatus::notConverged : exitStatus::success;
 }
 

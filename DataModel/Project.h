@@ -87,11 +87,13 @@ class Project : public Observable {
   /// values, and a last row without entries, are fatal.
   void FillHessianDiagonal();
 
-  /// Solves H_II · dU_I = R_I. A matrix that is not positive definite is fatal.
+  /// Solves H_II · dU_I = R_I. A matrix that is not positive definite is fatal; one that is singular but for rounding
+  /// errors is warned of on standard error, once in each solve.
   void LinearSolve();
 
  private:
   std::optional<SparseCholesky> cholesky_;  // during a solve only: keeps the analysis from step to step
+  bool warnedOfInstability_ = false;        // once in each solve
 };
 
 /// "node 3, translation along z" for the number of a degree of freedom.

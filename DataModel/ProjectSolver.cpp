@@ -55,6 +55,7 @@ void Project::Solve(const StepObserver& afterStep) {
   for (std::int64_t i = 0; i < nI; ++i) at(U, i, "U_I") = 0;
   H_II = CSR(CSR::CreateSparsityPattern(*trussElements, *beamElements, nI));
   cholesky_.emplace();
+  warnedOfInstability_ = false;
 
   double normRoF0F1F = std::numeric_limits<double>::infinity();
   const double normF = norm(*F_I);
@@ -106,6 +107,11 @@ void Project::LinearSolve() {
   SparseCholesky& cholesky = cholesky_ ? *cholesky_ : once;
   const SymmetricMatrix matrix{nI, dofsPerNode, H_II.starts, H_II.indices, H_II.values};
   if (const auto fault = cholesky.factorize(matrix)) fatal(explain(*fault));
+  if (const auto weakest = cholesky.weakestUnknown(); weakest && !warnedOfInstability_) {
+    warnedOfInstability_ = true;
+    printWarning("the structure may be unstable at " + describeDof(*weakest) +
+                 ": what holds it there is lost in rounding, and the displacements mean nothing");
+  }
   if (const auto fault = cholesky.solve(R_I, dU_I)) fatal(explain(*fault));
   cholesky.dropFactor();
 }

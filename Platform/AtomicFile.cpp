@@ -17,6 +17,8 @@ namespace {
 using std::filesystem::path;
 
 constexpr mode_t permissionBits = 07777;
+constexpr mode_t ownerOnly = 0600;  // until the permissions of the old file are taken over
+constexpr mode_t anybody = 0666;    // less what the user's file creation mask takes away
 constexpr int longestLinkChain = 40;
 
 /// 0, or the errno value of the write that failed.
@@ -44,10 +46,15 @@ path followLinks(path file) {
   return file;
 }
 
-mode_t newFilePermissions() {
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return 0666 & ~mask;
+/// Creates an empty file of a name that nothing in the folder has, and stores its path in `created`.
+FileDescriptor createIn(const path& folder, mode_t permissions, path& created) {
+  constexpr int attempts = 1000;  // names are taken only where an earlier process of the same number died in a save
+  int descriptor = -1;
+  for (int i = 0; i < attempts && descriptor < 0 && (i == 0 || errno == EEXIST); ++i) {
+    created = folder / (".gavrel-" + std::to_string(::getpid()) + "-" + std::to_string(i));
+    descriptor = ::open(created.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
+  }
+  return FileDescriptor(descriptor);
 }
 
 std::optional<Failure> writeDirectly(const path& file, std::string_view bytes) {
@@ -70,25 +77,43 @@ bool takeOver(int descriptor, const struct stat& old) {
 /// Fills the open temporary file; 0, or the errno value of what failed.
 int fill(FileDescriptor& file, std::string_view bytes, const struct stat* old) {
   if (const int code = writeAll(file.get(), bytes); code != 0) return code;
-  if (!(old != nullptr ? takeOver(file.get(), *old) : ::fchmod(file.get(), newFilePermissions()) == 0)) return errno;
+  if (old != nullptr && !takeOver(file.get(), *old)) return errno;
   if (::fsync(file.get()) != 0) return errno;
   return file.close() ? 0 : errno;
 }
 
+path folderOf(const path& file) {
+  return file.has_parent_path() ? file.parent_path() : path(".");
+}
+
+bool isOther(const struct stat& status) {
+  return !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+}
+
 }  // namespace
 
-std::optional<Failure> replaceFile(const path& requested, std::string_view bytes) {
+std::optional<Failure> whyNotReplaceable(const path& requested) {
   struct stat old {};
   const bool exists = ::stat(requested.c_str(), &old) == 0;
   if (!exists && errno != ENOENT) return systemFailure("cannot write", requested, errno);
   if (exists && S_ISDIR(old.st_mode)) return systemFailure("cannot write", requested, EISDIR);
-  if (exists && !S_ISREG(old.st_mode)) return writeDirectly(requested, bytes);
   if (exists && ::access(requested.c_str(), W_OK) != 0) return systemFailure("cannot write", requested, errno);
+  if (exists && isOther(old)) return std::nullopt;
+  if (::access(folderOf(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
+    return systemFailure("cannot create a file beside", requested, errno);
+  return std::nullopt;
+}
+
+std::optional<Failure> replaceFile(const path& requested, std::string_view bytes) {
+  if (auto refused = whyNotReplaceable(requested)) return refused;
+  struct stat old {};
+  const bool exists = ::stat(requested.c_str(), &old) == 0;
+  if (exists && isOther(old)) return writeDirectly(requested, bytes);
 
   const path target = followLinks(requested);
-  const path folder = target.has_parent_path() ? target.parent_path() : path(".");
-  std::string beside = (folder / ".gavrel-XXXXXX").string();
-  FileDescriptor file(::mkostemp(beside.data(), O_CLOEXEC));
+  const path folder = folderOf(target);
+  path beside;
+  FileDescriptor file = createIn(folder, exists ? ownerOnly : anybody, beside);
   if (!file.isOpen()) return systemFailure("cannot create a file beside", requested, errno);
 
   int code = fill(file, bytes, exists ? &old : nullptr);

@@ -14,3 +14,7 @@
 /// Returns the reason when nothing was replaced. A file that its user marked read-only is not replaced. Other hard
 /// links to the file keep the old content.
 [[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& path, std::string_view bytes);
+
+/// The reason for which replaceFile would refuse this path at once, if there is one: to be asked before long work whose
+/// result is to go there. Writing may still fail later.
+[[nodiscard]] std::optional<Failure> whyNotReplaceable(const std::filesystem::path& path);

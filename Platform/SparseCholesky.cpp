@@ -18,6 +18,13 @@ using Kind = CholeskyFault::Kind;
 /// Below this many operations per factorization the threads of the dense kernels cost more than they save.
 constexpr double threadedOperations = 2e9;
 
+/// Parts of the graph below this size are not dissected further. Lattices of 10^3 to 40^3 nodes need 1 % to 15 % fewer
+/// operations than with CHOLMOD's own value of 200.
+constexpr std::size_t smallestPart = 50;
+
+/// A pivot of this part of its diagonal has lost all digits but the rounding errors of the elimination.
+constexpr double lostPivot = 1e-14;
+
 SuiteSparse_long* asLong(std::vector<std::int64_t>& numbers) {
   return reinterpret_cast<SuiteSparse_long*>(numbers.data());  // two names of the same 64-bit integer
 }
@@ -136,7 +143,8 @@ std::vector<std::int64_t> fillReducingOrder(const CholeskySelection& selection, 
   }
 
   cholmod_sparse graph = lowerTriangle(starts, neighbours, nullptr);
-  common->method[0].ordering = CHOLMOD_METIS;
+  common->method[0].ordering = CHOLMOD_NESDIS;  // nested dissection by METIS, its small parts and separators by CAMD
+  common->method[0].nd_small = smallestPart;
   const Factor ordered(cholmod_l_analyze(&graph, common.get()), {common.get()});
   std::vector<std::int64_t> order;
   if (!ordered) return order;
@@ -148,20 +156,18 @@ std::vector<std::int64_t> fillReducingOrder(const CholeskySelection& selection, 
   return order;
 }
 
-/// The first selected unknown whose pivot in a supernodal factor is not finite, in the order of elimination; -1 if
-/// none.
-std::int64_t findBadPivot(const cholmod_factor& factor) {
+/// Calls `visit(step, entry)` for each diagonal entry of a supernodal factor, in the order of elimination.
+template <class Visit>
+void forEachPivot(const cholmod_factor& factor, Visit&& visit) {
   const auto* super = static_cast<const SuiteSparse_long*>(factor.super);
   const auto* rowStart = static_cast<const SuiteSparse_long*>(factor.pi);
   const auto* valueStart = static_cast<const SuiteSparse_long*>(factor.px);
   const auto* values = static_cast<const double*>(factor.x);
   for (std::size_t s = 0; s < factor.nsuper; ++s) {
     const auto leading = rowStart[s + 1] - rowStart[s];
-    for (auto column = super[s]; column < super[s + 1]; ++column) {
-      if (!std::isfinite(values[valueStart[s] + (column - super[s]) * (leading + 1)])) return column;
-    }
+    for (auto step = super[s]; step < super[s + 1]; ++step)
+      visit(step, values[valueStart[s] + (step - super[s]) * (leading + 1)]);
   }
-  return -1;
 }
 
 }  // namespace
@@ -176,10 +182,29 @@ struct SparseCholesky::State {
   double operations = 0;
   bool analysed = false;
 
-  /// Number of the unknown that is eliminated at `step`.
-  std::int64_t unknownAt(std::int64_t step) const {
-    const auto place = static_cast<const SuiteSparse_long*>(analysis->Perm)[step];
-    return selection.unknowns[static_cast<std::size_t>(place)];
+  std::optional<std::int64_t> weakest;
+
+  /// Place in the selection of what is eliminated at `step`.
+  std::size_t placeAt(std::int64_t step) const {
+    return static_cast<std::size_t>(static_cast<const SuiteSparse_long*>(analysis->Perm)[step]);
+  }
+  std::int64_t unknownAt(std::int64_t step) const { return selection.unknowns[placeAt(step)]; }
+
+  /// Looks at what the elimination left of each diagonal: something that is not finite is a fault, next to nothing
+  /// makes the unknown the weakest.
+  std::optional<CholeskyFault> inspectPivots() {
+    std::optional<CholeskyFault> fault;
+    double least = lostPivot;
+    forEachPivot(*factor, [&](std::int64_t step, double entry) {
+      if (!fault && !std::isfinite(entry)) fault = CholeskyFault{Kind::PivotNotFinite, unknownAt(step), entry};
+      const double diagonal = selected[static_cast<std::size_t>(selection.starts[placeAt(step)])];
+      const double left = entry * entry / diagonal;
+      if (left < least) {
+        least = left;
+        weakest = unknownAt(step);
+      }
+    });
+    return fault;
   }
 };
 
@@ -223,6 +248,7 @@ std::optional<CholeskyFault> SparseCholesky::analyse(const SymmetricMatrix& matr
 std::optional<CholeskyFault> SparseCholesky::factorize(const SymmetricMatrix& matrix) {
   State& s = *state_;
   dropFactor();
+  s.weakest.reset();
   if (const auto fault = analyse(matrix)) return fault;
   if (!s.analysis) return std::nullopt;
 
@@ -236,8 +262,8 @@ std::optional<CholeskyFault> SparseCholesky::factorize(const SymmetricMatrix& ma
   std::optional<CholeskyFault> fault;
   if (s.common->status == CHOLMOD_NOT_POSDEF) {
     fault = CholeskyFault{Kind::PivotNotPositive, s.unknownAt(static_cast<std::int64_t>(s.factor->minor)), 0};
-  } else if (const auto step = findBadPivot(*s.factor); step >= 0) {
-    fault = CholeskyFault{Kind::PivotNotFinite, s.unknownAt(step), 0};
+  } else {
+    fault = s.inspectPivots();
   }
   if (fault) dropFactor();
   return fault;
@@ -262,6 +288,10 @@ std::optional<CholeskyFault> SparseCholesky::solve(std::span<const double> b, st
   const auto* const found = static_cast<const double*>(solution->x);
   for (std::size_t i = 0; i < unknowns.size(); ++i) x[static_cast<std::size_t>(unknowns[i])] = found[i];
   return std::nullopt;
+}
+
+std::optional<std::int64_t> SparseCholesky::weakestUnknown() const {
+  return state_->weakest;
 }
 
 void SparseCholesky::dropFactor() {

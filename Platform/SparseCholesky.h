@@ -27,6 +27,10 @@ class SparseCholesky {
   /// Writes the solution of matrix · x = b into `x`; both have one entry for each unknown. Needs a factor.
   [[nodiscard]] std::optional<CholeskyFault> solve(std::span<const double> b, std::span<double> x);
 
+  /// The unknown of which the elimination of the others left nothing but rounding errors, if there is one: the matrix
+  /// is singular to working precision, although its factorization came to an end, and the solution means nothing.
+  [[nodiscard]] std::optional<std::int64_t> weakestUnknown() const;
+
   void dropFactor();
 
  private:

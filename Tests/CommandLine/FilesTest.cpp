@@ -51,6 +51,7 @@ TEST(Files, ResultsThatCannotBeWrittenAreReported) {
   const std::string model = folder.put("bar.json", singleBarJson());
   const auto outcome = gavrelCli({"solve", model, "-o", folder / "none/result.json"});
   EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "") << "solved before it was known whether the result can be kept";
   EXPECT_THAT(outcome.errors, StartsWith("Failed to save result: "));
   EXPECT_THAT(outcome.errors, HasSubstr("No such file or directory"));
   EXPECT_EQ(gavrelCli({"generate", "dome", "-o", folder / "none/dome.json"}).status, 1);

@@ -222,4 +222,16 @@ TEST_F(ProjectSolverDeath, MatrixThatCannotBeFactorizedNamesTheNode) {
   EXPECT_DEATH(mechanism.Solve(), "unstable at node [01], translation along x: the other unknowns leave it no");
 }
 
+/// Rounding leaves a free bar a tiny stiffness where there is none, so that the factorization comes to an end.
+TEST(ProjectSolver, WarnsOnceOfAMechanismThatRoundingHides) {
+  Row mechanism(2);
+  mechanism.D_I.edit().assign(12, false);
+  addBar(mechanism, 0, 1, stiffness);
+  mechanism.F_I.edit()[6] = 1;
+  testing::internal::CaptureStderr();
+  static_cast<void>(linesOf(mechanism));
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              testing::MatchesRegex("Warning: the structure may be unstable at node [01], translation along x: .*\n"));
+}
+
 }  // namespace
