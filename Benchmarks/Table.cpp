@@ -37,7 +37,9 @@ constexpr Line lines[] = {
     {"writing", "MB/s"},
     {"reading", "MB/s"},
     {"bare parse", "MB/s"},
+    {"load and parse", "MB/s"},
     {"reading / bare parse", ""},
+    {"reading / load and parse", ""},
 };
 
 double median(std::vector<double> values) {

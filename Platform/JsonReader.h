@@ -94,9 +94,8 @@ void skipJson(JsonValue json);
 /// The value inside a simdjson result; throws JsonError if there is an error instead.
 template <class Value>
 [[nodiscard]] Value jsonResult(simdjson::simdjson_result<Value> result) {
-  Value value;
-  if (const auto error = std::move(result).get(value)) throw JsonError(simdjson::error_message(error));
-  return value;
+  if (result.error() != simdjson::SUCCESS) throw JsonError(simdjson::error_message(result.error()));
+  return std::move(result).value_unsafe();
 }
 
 /// Calls `readItem(item)` for each item of an array; an error is told with the item's index.
