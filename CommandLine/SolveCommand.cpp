@@ -71,7 +71,11 @@ int solve(const SolveOptions& options) {
 
   if (options.summary) printSummary(project, result, seconds);
   if (!options.output.empty()) {
-    if (const auto failed = replaceFile(options.output, result.toJson())) return reportUnsaved(*failed);
+    const auto failed = replaceFile(options.output, [&result](const ByteSink& sink) {
+      JsonWriter json(sink);
+      result.write(json);
+    });
+    if (failed) return reportUnsaved(*failed);
   }
   if (result.converged()) return exitStatus::success;
   printWarning("the solve did not converge: after " + std::to_string(result.norms.size()) +

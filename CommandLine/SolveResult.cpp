@@ -37,11 +37,10 @@ SolveResult::Extreme SolveResult::largestCompression() const {
   return largestForce(project, -1);
 }
 
-std::string SolveResult::toJson() const {
+void SolveResult::write(JsonWriter& json) const {
   const auto lastStep = [this](const std::vector<double>& array) {
     return std::span(array).first(std::min(array.size(), static_cast<std::size_t>(project.nI)));
   };
-  JsonWriter json;
   json.beginObject();
   json.key("name");
   json.value(std::string_view(*project.name));
@@ -60,5 +59,4 @@ std::string SolveResult::toJson() const {
   json.key("beamElements");
   writeElements(json, *project.beamElements);
   json.end();
-  return json.take();
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "DataModel/Project.h"
+#include "Platform/JsonWriter.h"
 
 /// A project after its solve, with the norms that the solve printed.
 struct SolveResult {
@@ -25,7 +25,7 @@ struct SolveResult {
   [[nodiscard]] Extreme largestTension() const;
   [[nodiscard]] Extreme largestCompression() const;
 
-  /// One object with "name", "converged", "norms", "U_I", "dU_I", "R_I", "trussElements" and "beamElements"; numbers
-  /// that are not finite become null.
-  [[nodiscard]] std::string toJson() const;
+  /// Writes one object with "name", "converged", "norms", "U_I", "dU_I", "R_I", "trussElements" and "beamElements";
+  /// numbers that are not finite become null.
+  void write(JsonWriter& json) const;
 };

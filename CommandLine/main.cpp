@@ -1,9 +1,11 @@
 #include <cstdio>
-#include <new>
+#include <exception>
 
 #include "CommandLine/Commands.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int run(int argc, char** argv) {
   CLI::App app{"Static analysis of three-dimensional frameworks of bars and beams"};
   app.set_version_flag("--version", "gavrel-cli " GAVREL_VERSION);
   app.require_subcommand(1);
@@ -19,13 +21,23 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? exitStatus::success : exitStatus::usage;
-  } catch (const std::bad_alloc&) {
-    std::fputs("Not enough memory.\n", stderr);
-    return exitStatus::failure;
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
     std::fputs("Failed to write to standard output.\n", stderr);
     return exitStatus::failure;
   }
   return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::fputs("Not enough memory.\n", stderr);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "Unexpected error: %s\n", error.what());
+  }
+  return exitStatus::failure;
 }

@@ -34,6 +34,37 @@ void requireFinite(const std::string& key, const std::vector<Record>& elements) 
   }
 }
 
+/// What keeps the project from being written.
+std::optional<Failure> whyNotWritable(const Project& project) {
+  try {
+    if (!simdjson::validate_utf8(*project.name)) throw JsonError("the project's name is not valid UTF-8");
+    requireFinite("trussElements", *project.trussElements);
+    requireFinite("beamElements", *project.beamElements);
+    requireFinite("X_I", *project.X_I);
+    requireFinite("F_I", *project.F_I);
+  } catch (const JsonError& error) {
+    return Failure{error.what()};
+  }
+  return std::nullopt;
+}
+
+void write(JsonWriter& json, const Project& project) {
+  json.beginObject();
+  json.key("name");
+  json.value(std::string_view(*project.name));
+  json.key("trussElements");
+  writeElements(json, *project.trussElements);
+  json.key("beamElements");
+  writeElements(json, *project.beamElements);
+  json.key("X_I");
+  json.table(*project.X_I, 3);
+  json.key("F_I");
+  json.table(*project.F_I, dofsPerNode);
+  json.key("D_I");
+  json.table(*project.D_I, dofsPerNode);
+  json.end();
+}
+
 template <class Record, std::size_t i>
 void readField(JsonValue json, Record& record) {
   readJson(json, record.*std::get<i>(Record::fields).member);
@@ -93,34 +124,9 @@ std::shared_ptr<Project> projectOf(Contents contents) {
 }  // namespace
 
 Result<std::string> encodeProject(const Project& project) {
-  try {
-    if (!simdjson::validate_utf8(*project.name)) throw JsonError("the project's name is not valid UTF-8");
-    requireFinite("trussElements", *project.trussElements);
-    requireFinite("beamElements", *project.beamElements);
-    requireFinite("X_I", *project.X_I);
-    requireFinite("F_I", *project.F_I);
-  } catch (const JsonError& error) {
-    return Failure{error.what()};
-  }
-  constexpr std::size_t bytesPerElement = 360;
-  constexpr std::size_t bytesPerNode = 120;
+  if (auto fault = whyNotWritable(project)) return *fault;
   JsonWriter json;
-  json.reserve(bytesPerElement * (project.trussElements->size() + 2 * project.beamElements->size()) +
-               bytesPerNode * static_cast<std::size_t>(project.nodeCount()));
-  json.beginObject();
-  json.key("name");
-  json.value(std::string_view(*project.name));
-  json.key("trussElements");
-  writeElements(json, *project.trussElements);
-  json.key("beamElements");
-  writeElements(json, *project.beamElements);
-  json.key("X_I");
-  json.table(*project.X_I, 3);
-  json.key("F_I");
-  json.table(*project.F_I, dofsPerNode);
-  json.key("D_I");
-  json.table(*project.D_I, dofsPerNode);
-  json.end();
+  write(json, project);
   return json.take();
 }
 
@@ -135,9 +141,11 @@ Result<std::shared_ptr<Project>> decodeProject(std::string json) {
 }
 
 std::optional<Failure> writeProject(const Project& project, const std::filesystem::path& path) {
-  const auto json = encodeProject(project);
-  if (!json) return json.failure();
-  return replaceFile(path, *json);
+  if (auto fault = whyNotWritable(project)) return fault;
+  return replaceFile(path, [&project](const ByteSink& sink) {
+    JsonWriter json(sink);
+    write(json, project);
+  });
 }
 
 Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) {

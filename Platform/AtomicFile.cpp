@@ -21,6 +21,8 @@ constexpr mode_t ownerOnly = 0600;  // until the permissions of the old file are
 constexpr mode_t anybody = 0666;    // less what the user's file creation mask takes away
 constexpr int longestLinkChain = 40;
 
+using Producer = std::function<void(const ByteSink&)>;
+
 /// 0, or the errno value of the write that failed.
 int writeAll(int descriptor, std::string_view bytes) {
   constexpr std::size_t largestWrite = std::size_t{1} << 30;
@@ -57,10 +59,19 @@ FileDescriptor createIn(const path& folder, mode_t permissions, path& created) {
   return FileDescriptor(descriptor);
 }
 
-std::optional<Failure> writeDirectly(const path& file, std::string_view bytes) {
+/// 0, or the errno value of the first write that failed.
+int writeAll(int descriptor, const Producer& produce) {
+  int code = 0;
+  produce([&](std::string_view piece) {
+    if (code == 0) code = writeAll(descriptor, piece);
+  });
+  return code;
+}
+
+std::optional<Failure> writeDirectly(const path& file, const Producer& produce) {
   FileDescriptor target(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
   if (!target.isOpen()) return systemFailure("cannot open", file, errno);
-  if (const int code = writeAll(target.get(), bytes); code != 0) return systemFailure("cannot write", file, code);
+  if (const int code = writeAll(target.get(), produce); code != 0) return systemFailure("cannot write", file, code);
   if (!target.close()) return systemFailure("cannot write", file, errno);
   return std::nullopt;
 }
@@ -75,8 +86,8 @@ bool takeOver(int descriptor, const struct stat& old) {
 }
 
 /// Fills the open temporary file; 0, or the errno value of what failed.
-int fill(FileDescriptor& file, std::string_view bytes, const struct stat* old) {
-  if (const int code = writeAll(file.get(), bytes); code != 0) return code;
+int fill(FileDescriptor& file, const Producer& produce, const struct stat* old) {
+  if (const int code = writeAll(file.get(), produce); code != 0) return code;
   if (old != nullptr && !takeOver(file.get(), *old)) return errno;
   if (::fsync(file.get()) != 0) return errno;
   return file.close() ? 0 : errno;
@@ -105,10 +116,14 @@ std::optional<Failure> whyNotReplaceable(const path& requested) {
 }
 
 std::optional<Failure> replaceFile(const path& requested, std::string_view bytes) {
+  return replaceFile(requested, [bytes](const ByteSink& sink) { sink(bytes); });
+}
+
+std::optional<Failure> replaceFile(const path& requested, const Producer& produce) {
   if (auto refused = whyNotReplaceable(requested)) return refused;
   struct stat old {};
   const bool exists = ::stat(requested.c_str(), &old) == 0;
-  if (exists && isOther(old)) return writeDirectly(requested, bytes);
+  if (exists && isOther(old)) return writeDirectly(requested, produce);
 
   const path target = followLinks(requested);
   const path folder = folderOf(target);
@@ -116,7 +131,7 @@ std::optional<Failure> replaceFile(const path& requested, std::string_view bytes
   FileDescriptor file = createIn(folder, exists ? ownerOnly : anybody, beside);
   if (!file.isOpen()) return systemFailure("cannot create a file beside", requested, errno);
 
-  int code = fill(file, bytes, exists ? &old : nullptr);
+  int code = fill(file, produce, exists ? &old : nullptr);
   if (code == 0 && ::rename(beside.c_str(), target.c_str()) != 0) code = errno;
   if (code != 0) {
     ::unlink(beside.c_str());

@@ -1,20 +1,29 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string_view>
 
 #include "Platform/Result.h"
 
-/// Replaces the content of the file at `path` by `bytes` in one step: a reader, a crash or a full disk sees the old
-/// file or the new one, never a part. The bytes are written beside the file, flushed to the disk and renamed over it,
-/// and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user may, the
-/// owner are kept; a new file gets the user's default permissions. Pipes and devices are written directly.
+/// Replaces the content of the file at `requested` by `bytes` in one step: a reader, a crash or a full disk sees the
+/// old file or the new one, never a part. The bytes are written beside the file, flushed to the disk and renamed over
+/// it, and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user may,
+/// the owner are kept; a new file gets the user's default permissions. Pipes and devices are written directly.
 ///
 /// Returns the reason when nothing was replaced. A file that its user marked read-only is not replaced. Other hard
 /// links to the file keep the old content.
-[[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& path, std::string_view bytes);
+[[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& requested, std::string_view bytes);
+
+/// Takes a content piece by piece.
+using ByteSink = std::function<void(std::string_view piece)>;
+
+/// The same for a content that is too large to be put together first: `produce` hands its pieces, in order, to the sink
+/// that it is given.
+[[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& requested,
+                                                 const std::function<void(const ByteSink&)>& produce);
 
 /// The reason for which replaceFile would refuse this path at once, if there is one: to be asked before long work whose
 /// result is to go there. Writing may still fail later.
-[[nodiscard]] std::optional<Failure> whyNotReplaceable(const std::filesystem::path& path);
+[[nodiscard]] std::optional<Failure> whyNotReplaceable(const std::filesystem::path& requested);

@@ -37,7 +37,7 @@ class Selector {
     for (auto k = start(column); k < start(column + 1); ++k) visit(k, matrix_.indices[k]);
   }
 
-  std::size_t start(std::int64_t column) const {
+  [[nodiscard]] std::size_t start(std::int64_t column) const {
     return static_cast<std::size_t>(matrix_.starts[static_cast<std::size_t>(column)]);
   }
 
@@ -93,11 +93,11 @@ bool CholeskySelection::gather(const SymmetricMatrix& matrix, std::span<double> 
   std::int64_t inside = 0;
   for (std::size_t j = 0; j < sources.size(); ++j) {
     selected[j] = matrix.values[static_cast<std::size_t>(sources[j])];
-    inside += selected[j] != 0.0;
+    inside += selected[j] != 0.0 ? 1 : 0;
   }
   for (const std::int64_t unknown : uncoupled) {
     const auto diagonal = matrix.starts[static_cast<std::size_t>(unknown)];
-    inside += matrix.values[static_cast<std::size_t>(diagonal)] != 0.0;
+    inside += matrix.values[static_cast<std::size_t>(diagonal)] != 0.0 ? 1 : 0;
   }
   return inside == std::ranges::count_if(matrix.values, [](double value) { return value != 0.0; });
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t smallestRead = 64 * 1024;
+constexpr std::size_t smallestRead = std::size_t{64} * 1024;
 constexpr std::size_t spareRoom = 256;  // parsers want to read a little beyond the end without moving the text first
 
 /// Room for a file of the size that `status` tells and one byte more, so that the end is met without growing again.

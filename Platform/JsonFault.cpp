@@ -191,7 +191,7 @@ class Scanner {
   }
 
   /// The UTF-16 code unit of the escape \uXXXX at `offset`.
-  std::optional<std::uint32_t> codeUnit(std::size_t offset) const {
+  [[nodiscard]] std::optional<std::uint32_t> codeUnit(std::size_t offset) const {
     constexpr std::size_t length = 6;
     if (offset > text_.size() || text_.size() - offset < length || text_.substr(offset, 2) != "\\u")
       return std::nullopt;
@@ -231,7 +231,7 @@ class Scanner {
   }
 
   /// The next byte, or NUL at the end (where a NUL byte is no part of JSON either).
-  char peek() const { return position_ < text_.size() ? text_[position_] : '\0'; }
+  [[nodiscard]] char peek() const { return position_ < text_.size() ? text_[position_] : '\0'; }
 
   void fail(std::string reason) {
     if (fault_) return;

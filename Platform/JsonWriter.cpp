@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::size_t indentationStep = 2;
+constexpr std::size_t largestPiece = std::size_t{256} * 1024;
 
 }  // namespace
 
@@ -17,8 +18,14 @@ void JsonWriter::newLine() {
   text_.append(indentation_, ' ');
 }
 
+void JsonWriter::handOver() {
+  sink_(text_);
+  text_.clear();
+}
+
 void JsonWriter::beforeValue() {
   if (std::exchange(afterKey_, false) || closings_.empty()) return;
+  if (text_.size() >= largestPiece && sink_) handOver();
   if (!std::exchange(empty_, false)) text_ += ',';
   newLine();
 }
@@ -36,7 +43,9 @@ void JsonWriter::end() {
   if (!std::exchange(empty_, false)) newLine();
   text_ += closings_.back();
   closings_.pop_back();
-  if (closings_.empty()) text_ += '\n';
+  if (!closings_.empty()) return;
+  text_ += '\n';
+  if (sink_) handOver();
 }
 
 void JsonWriter::key(std::string_view name) {

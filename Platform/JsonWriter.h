@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -10,6 +11,11 @@
 /// JSON has no word for it; who must not lose it checks before.
 class JsonWriter {
  public:
+  /// Keeps the text for `take`.
+  JsonWriter() = default;
+  /// Hands the text to `sink` piece by piece, the last one when the value is complete.
+  explicit JsonWriter(std::function<void(std::string_view)> sink) : sink_(std::move(sink)) {}
+
   void beginObject() { open('{', '}'); }
   void beginArray() { open('[', ']'); }
   /// Ends the innermost object or array.
@@ -26,19 +32,20 @@ class JsonWriter {
   void table(std::span<const double> numbers, std::size_t perLine);
   void table(const std::vector<bool>& truths, std::size_t perLine);
 
-  /// The text written so far, which ends with a newline once the value is complete.
+  /// The text, which ends with a newline once the value is complete.
   [[nodiscard]] std::string take();
-  void reserve(std::size_t bytes) { text_.reserve(bytes); }
 
  private:
   void open(char opening, char closing);
   void beforeValue();
+  void handOver();
   void newLine();
   void number(double number);
   void quoted(std::string_view text);
   template <class Values>
   void rows(const Values& values, std::size_t perLine);
 
+  std::function<void(std::string_view)> sink_;
   std::string text_;
   std::string closings_;
   std::size_t indentation_ = 0;

@@ -15,9 +15,9 @@ using Buffer = std::array<char, longestNumber>;
 std::string_view shortestDigits(Buffer& buffer, double number) {
   const double size = std::abs(number);
   const bool positional = size == 0.0 || (size >= 1e-4 && size <= wholeLimit);
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                 positional ? std::chars_format::fixed : std::chars_format::scientific)
-                       .ptr;
+  auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                  positional ? std::chars_format::fixed : std::chars_format::scientific)
+                        .ptr;
   return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
 }
 
@@ -45,6 +45,6 @@ void appendJsonNumber(std::string& text, double number) {
 
 void appendJsonNumber(std::string& text, std::int64_t number) {
   Buffer buffer;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+  auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
   text.append(buffer.data(), end);
 }

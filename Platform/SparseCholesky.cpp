@@ -185,10 +185,10 @@ struct SparseCholesky::State {
   std::optional<std::int64_t> weakest;
 
   /// Place in the selection of what is eliminated at `step`.
-  std::size_t placeAt(std::int64_t step) const {
+  [[nodiscard]] std::size_t placeAt(std::int64_t step) const {
     return static_cast<std::size_t>(static_cast<const SuiteSparse_long*>(analysis->Perm)[step]);
   }
-  std::int64_t unknownAt(std::int64_t step) const { return selection.unknowns[placeAt(step)]; }
+  [[nodiscard]] std::int64_t unknownAt(std::int64_t step) const { return selection.unknowns[placeAt(step)]; }
 
   /// Looks at what the elimination left of each diagonal: something that is not finite is a fault, next to nothing
   /// makes the unknown the weakest.

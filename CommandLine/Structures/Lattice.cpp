@@ -17,22 +17,24 @@ std::shared_ptr<Project> Lattice::build() const {
   StructureBuilder builder("Lattice " + edge + " x " + edge + " x " + edge, bars);
   const auto inside = [n](int i) { return i >= 0 && i < n; };
   const auto number = [n](int i, int j, int k) { return (static_cast<std::int64_t>(i) * n + j) * n + k; };
+  const auto forEachPlace = [n](auto&& visit) {
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j)
+        for (int k = 0; k < n; ++k) visit(i, j, k);
+  };
 
-  for (int i = 0; i < n; ++i)
-    for (int j = 0; j < n; ++j)
-      for (int k = 0; k < n; ++k) builder.node({i * spacing, j * spacing, k * spacing});
-  for (int i = 0; i < n; ++i)
-    for (int j = 0; j < n; ++j)
-      for (int k = 0; k < n; ++k)
-        for (const auto& [di, dj, dk] : barSteps)
-          if (inside(i + di) && inside(j + dj) && inside(k + dk))
-            builder.bar(number(i, j, k), number(i + di, j + dj, k + dk));
+  forEachPlace([&](int i, int j, int k) { builder.node({i * spacing, j * spacing, k * spacing}); });
+  forEachPlace([&](int i, int j, int k) {
+    for (const auto& [di, dj, dk] : barSteps) {
+      if (inside(i + di) && inside(j + dj) && inside(k + dk))
+        builder.bar(number(i, j, k), number(i + di, j + dj, k + dk));
+    }
+  });
 
   const double share = 1.0 / (static_cast<double>(n) * n);
-  for (int j = 0; j < n; ++j)
-    for (int k = 0; k < n; ++k) {
-      builder.hold(number(0, j, k));
-      builder.load(number(n - 1, j, k), {totalLoad.x * share, totalLoad.y * share, totalLoad.z * share});
-    }
+  forEachPlace([&](int i, int j, int k) {
+    if (i == 0) builder.hold(number(i, j, k));
+    if (i == n - 1) builder.load(number(i, j, k), {totalLoad.x * share, totalLoad.y * share, totalLoad.z * share});
+  });
   return builder.project();
 }

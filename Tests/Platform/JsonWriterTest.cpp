@@ -81,4 +81,19 @@ TEST(JsonWriter, EscapesTextSoThatItReadsBack) {
   EXPECT_EQ(back, every);
 }
 
+TEST(JsonWriter, HandsALongTextOverInPieces) {
+  const std::vector<double> numbers(200000, 0.1);
+  JsonWriter whole;
+  whole.table(numbers, 3);
+  std::string joined;
+  int pieces = 0;
+  JsonWriter inPieces([&](std::string_view piece) {
+    joined += piece;
+    ++pieces;
+  });
+  inPieces.table(numbers, 3);
+  EXPECT_GT(pieces, 2);
+  EXPECT_EQ(joined, whole.take());
+}
+
 }  // namespace
