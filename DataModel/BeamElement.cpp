@@ -4,8 +4,8 @@
 #include <cmath>
 #include <string>
 
+#include "DataModel/ElementDofs.h"
 #include "Platform/Console.h"
-#include "Platform/Fatal.h"
 
 namespace {
 
@@ -75,16 +75,7 @@ BeamElement::BeamElement(std::int64_t id_, std::int64_t startNodeId_, std::int64
 
 void BeamElement::makeAssembly(std::vector<double>& R_I, CSR& H_II, const std::vector<bool>& D_I,
                                const std::vector<double>& U_I, std::vector<std::int64_t>& vv_J) {
-  const std::int64_t start = firstDof(startNodeId);
-  const std::int64_t end = firstDof(endNodeId);
-  std::array<std::int64_t, n> I_v{};
-  std::array<double, dofsPerNode> U{};
-  for (std::int64_t k = 0; k < dofsPerNode; ++k) {
-    const auto i = static_cast<std::size_t>(k);
-    I_v[i] = start + k;
-    I_v[i + dofsPerNode] = end + k;
-    U[i] = at(U_I, start + k, "U_I") - at(U_I, end + k, "U_I");
-  }
+  const auto [I_v, U] = ElementDofs<dofsPerNode>(startNodeId, endNodeId, U_I);
   dUx = U[0];
   dUy = U[1];
   dUz = U[2];
