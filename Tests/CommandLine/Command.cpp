@@ -1,28 +1,26 @@
 #include "Tests/CommandLine/Command.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <pty.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include "DataModel/ProjectFile.h"
+#include "Tests/Structures.h"
 
 namespace {
 
-std::array<int, 2> openPipe() {
+/// The reading and the writing end of a pipe or a pseudo-terminal.
+std::array<int, 2> openStream(bool isTerminal) {
   std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("pipe2");
-  return ends;
-}
-
-std::array<int, 2> openTerminal() {
-  std::array<int, 2> ends{};
-  if (::openpty(ends.data(), &ends[1], nullptr, nullptr, nullptr) != 0) throw std::runtime_error("openpty");
+  if (isTerminal ? ::openpty(ends.data(), &ends[1], nullptr, nullptr, nullptr) : ::pipe2(ends.data(), O_CLOEXEC))
+    throw std::runtime_error("no stream for the program");
   return ends;
 }
 
@@ -40,40 +38,26 @@ std::array<int, 2> openTerminal() {
   ::_exit(127);
 }
 
-/// Reads both streams until both have ended.
-void collect(int output, int errors, CommandOutcome& outcome) {
-  std::array<pollfd, 2> streams{{{output, POLLIN, 0}, {errors, POLLIN, 0}}};
-  std::array<std::string*, 2> texts{&outcome.output, &outcome.errors};
-  while (streams[0].fd >= 0 || streams[1].fd >= 0) {
-    ::poll(streams.data(), streams.size(), -1);
-    for (std::size_t i = 0; i < streams.size(); ++i) {
-      if (streams[i].fd < 0 || streams[i].revents == 0) continue;
-      std::array<char, 4096> buffer{};
-      const ssize_t got = ::read(streams[i].fd, buffer.data(), buffer.size());
-      if (got > 0) {
-        texts[i]->append(buffer.data(), static_cast<std::size_t>(got));
-      } else {
-        streams[i].fd = -1;  // a terminal whose other end is gone reports an error instead of an end
-      }
-    }
-  }
-}
-
-std::shared_ptr<Project> singleBar() {
-  auto project = std::make_shared<Project>("Single bar");
-  project->addNode({0, 0, 0});
-  project->addNode({2, 0, 0});
-  project->trussElements.edit().emplace_back(0, 0, 1, Vector3{0, 0, 0}, Vector3{2, 0, 0}, 2.0, 1000.0, false, false);
-  project->setLoadAndRestraint(0, {}, true, true, true);
-  project->setLoadAndRestraint(1, {20, 0, 0}, false, true, true);
-  return project;
+/// Reads a stream to its end; a terminal whose other end is gone reports an error instead.
+std::string readAll(int descriptor) {
+  std::string text;
+  std::array<char, 4096> buffer{};
+  for (ssize_t got = 0; (got = ::read(descriptor, buffer.data(), buffer.size())) > 0;)
+    text.append(buffer.data(), static_cast<std::size_t>(got));
+  ::close(descriptor);
+  return text;
 }
 
 }  // namespace
 
+std::vector<std::string> words(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
 CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const CommandStreams& streams) {
-  const auto output = openPipe();
-  const auto errors = streams.errorsToTerminal ? openTerminal() : openPipe();
+  const auto output = openStream(false);
+  const auto errors = openStream(streams.errorsToTerminal);
   const int target = streams.outputPath.empty() ? output[1] : ::open(streams.outputPath.c_str(), O_WRONLY | O_CLOEXEC);
   const pid_t child = ::fork();
   if (child == 0) start(arguments, target, errors[1]);
@@ -81,8 +65,8 @@ CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const Comman
   if (!streams.outputPath.empty()) ::close(target);
 
   CommandOutcome outcome;
-  collect(output[0], errors[0], outcome);
-  for (const int descriptor : {output[0], errors[0]}) ::close(descriptor);
+  outcome.output = readAll(output[0]);
+  outcome.errors = readAll(errors[0]);
   int status = 0;
   ::waitpid(child, &status, 0);
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
@@ -90,12 +74,12 @@ CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const Comman
   return outcome;
 }
 
-std::string singleBarJson() {
-  return *encodeProject(*singleBar());
-}
-
-std::string loadOnRestraintJson() {
-  const auto project = singleBar();
-  project->F_I.edit()[7] = 5;
-  return *encodeProject(*project);
+std::string singleBarJson(double loadOnRestraint) {
+  Project project("Single bar");
+  for (const double x : {0.0, 2.0}) project.addNode({x, 0, 0});
+  addBar(project, 0, 1, 2000);
+  project.setLoadAndRestraint(0, {}, true, true, true);
+  project.setLoadAndRestraint(1, {20, 0, 0}, false, true, true);
+  project.F_I.edit()[7] = loadOnRestraint;
+  return *encodeProject(project);
 }

@@ -19,8 +19,8 @@ struct CommandStreams {
 /// Runs gavrel-cli with these arguments and an empty standard input, and waits for its end.
 [[nodiscard]] CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const CommandStreams& streams = {});
 
-/// A project of one bar between a held node and one that is pulled along x by 20 and rolls there; EA/L = 1000.
-[[nodiscard]] std::string singleBarJson();
+[[nodiscard]] std::vector<std::string> words(const std::string& text);
 
-/// A structure that is linear in its loads but never converges: the pulled node's restrained y carries a load as well.
-[[nodiscard]] std::string loadOnRestraintJson();
+/// A project of one bar between a held node and one that is pulled along x by 20 and rolls there; EA/L = 1000. A load
+/// on the pulled node's restrained y keeps it from ever converging.
+[[nodiscard]] std::string singleBarJson(double loadOnRestraint = 0);

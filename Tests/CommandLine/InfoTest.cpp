@@ -27,7 +27,8 @@ std::string faultyJson() {
 
 TEST(Info, DescribesTheModelAndItsMistakes) {
   const TemporaryFolder folder;
-  const auto outcome = gavrelCli({"info", folder.put("faulty.json", faultyJson())});
+  const std::string faulty = folder.put("faulty.json", faultyJson());
+  const auto outcome = gavrelCli({"info", faulty});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
   EXPECT_EQ(outcome.output,
@@ -43,22 +44,14 @@ TEST(Info, DescribesTheModelAndItsMistakes) {
             "Nodes without elements  1: 2\n"
             "Note                    1 restrained degrees of freedom carry a load; a solve will not converge\n"
             "Note                    bars with unknown nodes: 1: 1\n");
-}
-
-TEST(Info, HasAFormForScripts) {
-  const TemporaryFolder folder;
-  const auto outcome = gavrelCli({"info", "--json", folder.put("faulty.json", faultyJson())});
-  EXPECT_EQ(outcome.status, 0);
+  const auto forScripts = gavrelCli({"info", "--json", faulty});
+  EXPECT_EQ(forScripts.status, 0);
   for (const char* part :
        {R"("name": "Faulty")", R"("nodes": 3)", R"("degreesOfFreedom": 18)", R"("loadedRestrainedDofs": 1)",
         "\"totalLoad\": [\n    11,\n    120,\n    33\n  ]", "\"zeroLengthTrusses\": [\n    0\n  ]",
         "\"nodesWithoutElements\": [\n    2\n  ]", "\"trussesWithUnknownNodes\": [\n    1\n  ]"})
-    EXPECT_THAT(outcome.output, HasSubstr(part));
-}
-
-TEST(Info, AProjectWithoutNodesHasNoExtents) {
-  const TemporaryFolder folder;
-  const std::string model = folder.put("empty.json", *encodeProject(Project("Empty")));
-  EXPECT_THAT(gavrelCli({"info", model}).output, HasSubstr("Extents                 none\n"));
-  EXPECT_THAT(gavrelCli({"info", "--json", model}).output, HasSubstr("\"extents\": [],"));
+    EXPECT_THAT(forScripts.output, HasSubstr(part));
+  const std::string empty = folder.put("empty.json", *encodeProject(Project("Empty")));
+  EXPECT_THAT(gavrelCli({"info", empty}).output, HasSubstr("Extents                 none\n"));
+  EXPECT_THAT(gavrelCli({"info", "--json", empty}).output, HasSubstr("\"extents\": [],"));
 }

@@ -15,14 +15,9 @@ struct AssembledElement {
 
   template <class Element>
   AssembledElement(Element& element, const std::vector<double>& U_I) {
-    std::vector<TrussElement> trusses;
-    std::vector<BeamElement> beams;
-    if constexpr (std::is_same_v<Element, TrussElement>) {
-      trusses = {element};
-    } else {
-      beams = {element};
-    }
-    H_II = CSR(CSR::CreateSparsityPattern(trusses, beams, size));
+    TrussElement joint;
+    joint.startNodeId = 1;
+    H_II = CSR(CSR::CreateSparsityPattern({joint}, {}, size));
     std::vector<std::int64_t> vv_J(size);
     element.makeAssembly(R_I, H_II, std::vector<bool>(size), U_I, vv_J);
   }

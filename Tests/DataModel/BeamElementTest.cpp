@@ -42,14 +42,12 @@ TEST(BeamElement, AssemblesItsTableInGlobalAxes) {
       const AssembledElement assembled(beam, atRest);
       std::vector<double> expected(size * size);
       for (const Entry& entry : expectedEntries(beam, isReversed)) {
-        const std::size_t row = (entry.row + (isReversed ? 6 : 0)) % size;
-        const std::size_t column = (entry.column + (isReversed ? 6 : 0)) % size;
+        const std::size_t shift = isReversed ? 6 : 0;
+        const std::size_t row = (entry.row + shift) % size, column = (entry.column + shift) % size;
         expected[row * size + column] = expected[column * size + row] = entry.value;
       }
-      for (std::size_t row = 0; row < size; ++row) {
-        for (std::size_t column = 0; column < size; ++column)
-          EXPECT_DOUBLE_EQ(assembled.H(row, column), expected[row * size + column]) << row << ", " << column;
-      }
+      for (std::size_t i = 0; i < size * size; ++i)
+        EXPECT_DOUBLE_EQ(assembled.H(i / size, i % size), expected[i]) << i / size << ", " << i % size;
     }
   }
 }

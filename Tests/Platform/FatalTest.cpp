@@ -3,27 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <limits>
 #include <vector>
 
 #include "Tests/TemporaryFolder.h"
 
 namespace {
 
-constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-
-TEST(Fatal, IndexOutsideTheArrayEndsTheProcess) {
+TEST(Fatal, IndexOutsideTheArrayAndOverflowEndTheProcess) {
   std::vector<int> U_I{10, 20, 30};
   at(U_I, 2, "U_I") = 31;
   EXPECT_EQ(at(U_I, 2, "U_I"), 31);
-  for (const std::int64_t index :
-       {std::int64_t{-1}, std::int64_t{3}, largest, std::numeric_limits<std::int64_t>::min()}) {
+  for (const std::int64_t index : {-1L, 3L, INT64_MIN}) {
     EXPECT_DEATH(static_cast<void>(at(U_I, index, "U_I")),
                  "^Fatal error: index " + std::to_string(index) + " is outside U_I, which has 3 entries\n$");
   }
-}
-
-TEST(Fatal, OverflowingProductEndsTheProcess) {
+  constexpr std::int64_t largest = INT64_MAX;
   EXPECT_EQ(checkedProduct(6, -largest / 6, 1, "too large"), -largest / 6 * 6 + 1);
   EXPECT_DEATH(static_cast<void>(checkedProduct(6, largest / 6 + 1, 0, "too large")), "^Fatal error: too large\n$");
   EXPECT_DEATH(static_cast<void>(checkedProduct(6, -(largest / 6) - 1, 0, "too large")), "too large");
@@ -32,9 +26,8 @@ TEST(Fatal, OverflowingProductEndsTheProcess) {
 
 TEST(Fatal, WritesPendingOutputBeforeItEndsTheProcess) {
   const TemporaryFolder folder;
-  const auto printed = folder / "printed";
   const auto printAndFail = [&] {
-    if (std::freopen(printed.c_str(), "w", stdout) == nullptr) return;
+    if (std::freopen((folder / "printed").c_str(), "w", stdout) == nullptr) return;
     std::fputs("printed before", stdout);
     fatal("the end");
   };

@@ -154,8 +154,7 @@ TEST(SparseCholesky, NamesTheUnknownAmongOthersThatAreZero) {
   for (const std::size_t unknown : {1u, 101u, 239u}) {
     Stored matrix(40, 6, random);
     matrix.fill(0.1, random);
-    matrix.values[index(matrix.starts[unknown - 1]) + 1] =
-        1000;  // no positive pivot is left once the one before is gone
+    matrix.values[index(matrix.starts[unknown - 1]) + 1] = 1000;  // too strong a tie to the unknown before
     SparseCholesky cholesky;
     const auto fault = cholesky.factorize(matrix.view());
     ASSERT_TRUE(fault);

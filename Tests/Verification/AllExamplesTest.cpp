@@ -1,7 +1,5 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
@@ -16,14 +14,6 @@ namespace {
 
 using Forces = std::vector<std::array<double, 3>>;
 
-std::vector<std::string> exampleNames() {
-  std::vector<std::string> names;
-  for (const auto& file : std::filesystem::directory_iterator(GAVREL_EXAMPLES))
-    if (file.path().extension() == ".json") names.push_back(file.path().stem());
-  std::ranges::sort(names);
-  return names;
-}
-
 std::array<double, 3> components(const Vector3& v) {
   return {v.x, v.y, v.z};
 }
@@ -33,42 +23,31 @@ std::array<double, 3> components(const Vector3& v) {
 Forces barForcesOnNodes(const SolvedExample& solved) {
   Forces forces(static_cast<std::size_t>(solved.project->nodeCount()));
   for (const TrussElement& truss : *solved.project->trussElements) {
-    auto chord = components(solved.coordinates(truss.endNodeId) - solved.coordinates(truss.startNodeId));
-    if (truss.isNonLinear)
-      for (std::size_t k = 0; k < chord.size(); ++k) {
-        const auto direction = static_cast<std::int64_t>(k);
-        chord[k] += solved.U(truss.endNodeId, direction) - solved.U(truss.startNodeId, direction);
-      }
+    const auto [start, end] = std::pair{truss.startNodeId, truss.endNodeId};
+    auto chord = components(solved.coordinates(end) - solved.coordinates(start));
+    for (std::int64_t k = 0; truss.isNonLinear && k < 3; ++k)
+      chord.at(static_cast<std::size_t>(k)) += solved.U(end, k) - solved.U(start, k);
     const double tension = truss.axialForce() / std::hypot(chord[0], chord[1], chord[2]);
     for (std::size_t k = 0; k < chord.size(); ++k) {
-      forces.at(static_cast<std::size_t>(truss.startNodeId))[k] += tension * chord[k];
-      forces.at(static_cast<std::size_t>(truss.endNodeId))[k] -= tension * chord[k];
+      forces.at(static_cast<std::size_t>(start))[k] += tension * chord[k];
+      forces.at(static_cast<std::size_t>(end))[k] -= tension * chord[k];
     }
   }
   return forces;
 }
 
-TEST(AllExamples, AreFilesAsTheProgramWritesThem) {
-  const auto names = exampleNames();
-  ASSERT_THAT(names, testing::IsSupersetOf({"single-bar", "snap-through", "cantilever"}));
-  for (const auto& name : names) {
-    SCOPED_TRACE(name);
-    const auto bytes = readFile(GAVREL_EXAMPLES "/" + name + ".json");
-    ASSERT_TRUE(bytes) << bytes.failure().reason;
-    const auto project = decodeProject(*bytes);
-    ASSERT_TRUE(project) << project.failure().reason;
-    const auto again = encodeProject(**project);
-    ASSERT_TRUE(again) << again.failure().reason;
-    EXPECT_TRUE(*again == *bytes) << "reading and writing changes the file";
-  }
-}
-
 /// Each free node is in equilibrium under its load and its bars, which makes the reactions balance the loads: every
 /// bar pulls at both ends alike. Bars alone must manage, since beams contribute stiffness but no internal force; the
 /// cantilever has no bars.
-TEST(AllExamples, AreInEquilibriumByTheirBars) {
-  for (const auto& name : exampleNames()) {
+TEST(AllExamples, AreAsTheProgramWritesThemAndInEquilibriumByTheirBars) {
+  int examples = 0;
+  for (const auto& file : std::filesystem::directory_iterator(GAVREL_EXAMPLES)) {
+    if (file.path().extension() != ".json") continue;
+    ++examples;
+    const std::string name = file.path().stem();
     SCOPED_TRACE(name);
+    const std::string text = *readFile(file.path());
+    EXPECT_TRUE(*encodeProject(**decodeProject(text)) == text) << "reading and writing changes the file";
     if (name == "cantilever") continue;
     const SolvedExample solved = solveExample(name);
     const Project& project = *solved.project;
@@ -87,6 +66,7 @@ TEST(AllExamples, AreInEquilibriumByTheirBars) {
     EXPECT_GT(loads, 0);
     EXPECT_LT(residual, 1e-5 * loads);
   }
+  EXPECT_GE(examples, 15);
 }
 
 }  // namespace

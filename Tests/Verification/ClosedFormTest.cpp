@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
@@ -50,12 +49,11 @@ TEST(ClosedForm, BracedPanel) {
   const double H = 24e3;
   EXPECT_THAT(solved.force(3, 0), closeTo(-H * 5 / 4));
   EXPECT_EQ(solved.force(2, 1), 0);
-  EXPECT_GT(solved.bar(2, 1).currentStrain, 0) << "out because it is stretched";
+  EXPECT_GT(solved.bar(2, 1).currentStrain, 0);
   EXPECT_THAT(solved.force(2, 0), closeTo(H * 3 / 4));
   EXPECT_THAT(solved.force(3, 1), DoubleNear(0, 1e-6 * H));
   const double sway = H * (25.0 / 16 * 5 / (E * 5e-4) + 9.0 / 16 * 3 / (E * 1e-3));
-  EXPECT_THAT(solved.U(0, 0), closeTo(sway));
-  EXPECT_THAT(solved.U(1, 0), closeTo(sway));
+  for (const std::int64_t node : {0, 1}) EXPECT_THAT(solved.U(node, 0), closeTo(sway));
   EXPECT_THAT(solved.U(0, 1), closeTo(H * 3 / 4 * 3 / (E * 1e-3)));
   EXPECT_EQ(solved.norms.size(), 3U);
 }
@@ -77,11 +75,9 @@ TEST(ClosedForm, SnapThrough) {
   const double q = -(h * w - w * w / 2);
   ASSERT_THAT((*solved.project->F_I)[6 * 2 + 2], closeTo(2 * EAL3 * q * (h - w)));
   EXPECT_THAT(solved.U(2, 2), closeTo(-w));
-  EXPECT_THAT(solved.U(2, 0), DoubleNear(0, 1e-9 * w));
-  EXPECT_THAT(solved.U(2, 1), DoubleNear(0, 1e-9 * w));
+  for (const std::int64_t across : {0, 1}) EXPECT_THAT(solved.U(2, across), DoubleNear(0, 1e-9 * w));
   const double force = EAL3 * q * std::hypot(std::sqrt(18), h - w);
-  EXPECT_THAT(solved.force(0, 2), closeTo(force));
-  EXPECT_THAT(solved.force(1, 2), closeTo(force));
+  for (const std::int64_t foot : {0, 1}) EXPECT_THAT(solved.force(foot, 2), closeTo(force));
   EXPECT_THAT(solved.force(3, 2), DoubleNear(0, 1e-9 * std::abs(force)));
   expectQuadraticConvergence(solved.norms);
 }
@@ -138,7 +134,6 @@ TEST(ClosedForm, Cantilever) {
     EXPECT_THAT(solved.U(node, 2), closeTo(-50 * P * x * x * (3 * L - x) / (6 * EI))) << node;
     EXPECT_THAT(solved.U(node, 4), closeTo(-50 * P * x * (2 * L - x) / (2 * EI))) << node;
   }
-  EXPECT_THAT(solved.U(0, 2), closeTo(-50 * P * L * L * L / (3 * EI)));
   EXPECT_EQ(solved.norms.size(), 50U);
   EXPECT_THAT(solved.norms, Each(1.0));
 }

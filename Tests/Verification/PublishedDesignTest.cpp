@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -17,14 +16,14 @@ using testing::DoubleNear;
 double weight(const SolvedExample& truss) {
   constexpr double density = 0.1;  // lb/in^3
   double sum = 0;
-  for (const TrussElement& bar : *truss.project->trussElements) sum += density * bar.area * truss.barLength(bar);
+  for (const TrussElement& bar : *truss.project->trussElements)
+    sum += density * bar.area * length(truss.coordinates(bar.startNodeId) - truss.coordinates(bar.endNodeId));
   return sum;
 }
 
 double largestDisplacement(const SolvedExample& truss) {
-  double largest = 0;
-  for (const double u : *truss.project->U_I) largest = std::max(largest, std::abs(u));
-  return largest;
+  const auto [least, greatest] = std::ranges::minmax(*truss.project->U_I);
+  return std::max(-least, greatest);
 }
 
 double stress(const TrussElement& bar) {
@@ -37,9 +36,9 @@ double stress(const TrussElement& bar) {
 TEST(PublishedDesign, TenBarTruss) {
   const SolvedExample truss = solveExample("ten-bar-truss");
   EXPECT_THAT(weight(truss), DoubleNear(5060.85, 0.005));
-  EXPECT_THAT(truss.U(0, 1), DoubleNear(-2.0, 5e-5)) << "the upper node of the free end is at its limit";
+  EXPECT_THAT(truss.U(0, 1), DoubleNear(-2.0, 5e-5));
   EXPECT_LT(largestDisplacement(truss), 2.0 + 5e-5);
-  EXPECT_THAT(stress(truss.bar(2, 3)), DoubleNear(25e3, 5)) << "the post in the middle is at its limit";
+  EXPECT_THAT(stress(truss.bar(2, 3)), DoubleNear(25e3, 5));
   for (const TrussElement& bar : *truss.project->trussElements) EXPECT_LT(std::abs(stress(bar)), 25e3 + 5);
   EXPECT_EQ(truss.norms.size(), 2U);
 }

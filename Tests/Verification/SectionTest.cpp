@@ -51,9 +51,7 @@ Resultant loadsBeyond(const Project& project, int axis, double place) {
 
 void expectNear(const Resultant& actual, const Resultant& expected) {
   constexpr double tolerance = 1e-6 * 1000;  // the loads are of the order of 1000
-  EXPECT_NEAR(actual.force.x, expected.force.x, tolerance);
-  EXPECT_NEAR(actual.force.y, expected.force.y, tolerance);
-  EXPECT_NEAR(actual.force.z, expected.force.z, tolerance);
+  EXPECT_LE(length(actual.force - expected.force), tolerance);
   EXPECT_NEAR(actual.momentAboutY, expected.momentAboutY, tolerance);
 }
 
@@ -67,10 +65,9 @@ TEST(Section, LatticeCarriesItsLoadThroughEveryLayer) {
 
 TEST(Section, BridgeCarriesShearAndBendingOfASimpleBeam) {
   const SolvedExample example = solveExample("bridge");
-  constexpr double span = 40;
   for (const double x : {2.5, 7.5, 12.5, 17.5, 22.5, 37.5}) {
     Resultant expected = loadsBeyond(*example.project, 0, x);
-    expected.add({0, 0, 500}, {span, 0, 0});  // by symmetry each end bears half of the load
+    expected.add({0, 0, 500}, {40, 0, 0});  // by symmetry each end bears half of the load
     const Resultant actual = carriedBy(*example.project, 0, x);
     expected.force.y = actual.force.y;  // held sideways at both ends, so this one depends on the stiffnesses
     expectNear(actual, expected);

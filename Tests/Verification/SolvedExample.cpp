@@ -12,8 +12,7 @@ double SolvedExample::U(std::int64_t node, std::int64_t direction) const {
 }
 
 Vector3 SolvedExample::coordinates(std::int64_t node) const {
-  const auto first = static_cast<std::size_t>(3 * node);
-  return {project->X_I->at(first), project->X_I->at(first + 1), project->X_I->at(first + 2)};
+  return *project->getNodeCoordinates(node);
 }
 
 const TrussElement& SolvedExample::bar(std::int64_t a, std::int64_t b) const {
@@ -24,10 +23,6 @@ const TrussElement& SolvedExample::bar(std::int64_t a, std::int64_t b) const {
   if (found == project->trussElements->end())
     throw std::runtime_error("no bar between nodes " + std::to_string(a) + " and " + std::to_string(b));
   return *found;
-}
-
-double SolvedExample::barLength(const TrussElement& truss) const {
-  return length(coordinates(truss.startNodeId) - coordinates(truss.endNodeId));
 }
 
 SolvedExample solveExample(const std::string& name) {

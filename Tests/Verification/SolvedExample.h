@@ -21,8 +21,6 @@ struct SolvedExample {
   /// The bar between two nodes, whichever of them it starts at; fails the test if there is none.
   [[nodiscard]] const TrussElement& bar(std::int64_t a, std::int64_t b) const;
   [[nodiscard]] double force(std::int64_t a, std::int64_t b) const { return bar(a, b).axialForce(); }
-  /// Length of a bar by its nodes' coordinates.
-  [[nodiscard]] double barLength(const TrussElement& truss) const;
 };
 
 /// Reads and solves Examples/`name`.json; keeps the solver's lines off the test's output.

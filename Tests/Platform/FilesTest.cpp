@@ -8,7 +8,9 @@
 
 #include <cstdio>
 #include <string>
+#include <thread>
 
+#include "Platform/FileBytes.h"
 #include "Tests/TemporaryFolder.h"
 
 namespace {
@@ -26,7 +28,8 @@ std::string reasonOf(const std::optional<Failure>& failure) {
 }
 
 /// For the end of a child process: tells the parent what went wrong and exits, without any clean-up of the parent's.
-void reportAndExit(const std::optional<Failure>& failure) {
+void replaceAndExit(const fs::path& file, const std::string& bytes) {
+  const auto failure = replaceFile(file, bytes);
   std::fputs(reasonOf(failure).c_str(), stderr);
   ::_exit(failure ? 3 : 0);
 }
@@ -49,23 +52,16 @@ TEST(AtomicFile, ReplacesTheContentAndKeepsThePermissions) {
   EXPECT_EQ(folder.entries(), 1);
 }
 
-TEST(AtomicFile, CreatesAFileWithTheUsersPermissions) {
-  const TemporaryFolder folder;
-  const mode_t old = ::umask(027);
-  const auto failure = replaceFile(folder / "file", std::string("\0\n", 2));
-  EXPECT_EQ(::umask(old), 027u) << "the mask is the user's";
-  EXPECT_EQ(reasonOf(failure), "none");
-  EXPECT_EQ(folder.get("file"), std::string("\0\n", 2));
-  EXPECT_EQ(permissions(folder / "file"), 0640u);
-}
-
-TEST(AtomicFile, WritesInTheCurrentFolder) {
+TEST(AtomicFile, CreatesAFileWithTheUsersPermissionsInTheCurrentFolder) {
   const TemporaryFolder folder;
   const auto before = fs::current_path();
   fs::current_path(folder.path());
-  EXPECT_EQ(reasonOf(replaceFile("bare", "content")), "none");
+  const mode_t old = ::umask(027);
+  EXPECT_EQ(reasonOf(replaceFile("file", std::string("\0\n", 2))), "none");
+  EXPECT_EQ(::umask(old), 027u);
   fs::current_path(before);
-  EXPECT_EQ(folder.get("bare"), "content");
+  EXPECT_EQ(folder.get("file"), std::string("\0\n", 2));
+  EXPECT_EQ(permissions(folder / "file"), 0640u);
 }
 
 TEST(AtomicFile, FollowsAndKeepsSymbolicLinks) {
@@ -94,61 +90,60 @@ TEST(AtomicFile, FollowsAndKeepsSymbolicLinks) {
   EXPECT_TRUE(fs::is_symlink(folder / "sub/hop"));
 }
 
-TEST(AtomicFile, RefusesALinkThatLeadsNowhere) {
-  const TemporaryFolder folder;
-  fs::create_symlink("loop", folder / "loop");
-  EXPECT_THAT(reasonOf(replaceFile(folder / "loop", "new")), HasSubstr("symbolic links"));
-  EXPECT_TRUE(fs::is_symlink(folder / "loop"));
-  EXPECT_EQ(folder.entries(), 1);
-}
-
 TEST(AtomicFile, TellsWhyNothingCanBeWritten) {
   const TemporaryFolder folder;
   EXPECT_EQ(reasonOf(replaceFile(folder.path(), "x")),
             "cannot write \"" + folder.path().string() + "\": Is a directory");
-  EXPECT_THAT(reasonOf(replaceFile(folder / "missing/file", "x")),
-              HasSubstr("missing/file\": No such file or directory"));
+  EXPECT_THAT(reasonOf(replaceFile(folder / "a/b", "x")), HasSubstr("a/b\": No such file or directory"));
   folder.put("file", "old");
   EXPECT_THAT(reasonOf(replaceFile(folder / "file/below", "x")), HasSubstr("Not a directory"));
-  EXPECT_EQ(folder.entries(), 1);
+  fs::create_symlink("loop", folder / "loop");
+  EXPECT_THAT(reasonOf(replaceFile(folder / "loop", "new")), HasSubstr("symbolic links"));
+  EXPECT_TRUE(fs::is_symlink(folder / "loop"));
+  EXPECT_EQ(folder.entries(), 2);
 }
 
-TEST(AtomicFile, LeavesTheOldFileWhenTheDiskIsFull) {
+TEST(AtomicFile, LeavesTheOldFileWhenItCannotBeReplaced) {
   const TemporaryFolder folder;
+  fs::permissions(folder.path(), fs::perms::all);
   const auto file = folder.put("file", "old");
   const auto writeTooMuch = [&] {
     ::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{4096, 4096};
     ::setrlimit(RLIMIT_FSIZE, &limit);
-    reportAndExit(replaceFile(file, std::string(100000, 'x')));
+    replaceAndExit(file, std::string(100000, 'x'));
   };
   EXPECT_EXIT(writeTooMuch(), testing::ExitedWithCode(3), "cannot write \".*/file\": File too large");
   EXPECT_EQ(folder.get("file"), "old");
-  EXPECT_EQ(folder.entries(), 1);
-}
-
-TEST(AtomicFile, DoesNotReplaceAReadOnlyFile) {
-  const TemporaryFolder folder;
-  fs::permissions(folder.path(), fs::perms::all);
-  const auto file = folder.put("file", "old");
-  ::chmod(file.c_str(), 0444);
-  const auto writeAsUser = [&] {
+  const auto writeAsUser = [](const fs::path& to) {
     becomeOrdinaryUser();
-    reportAndExit(replaceFile(file, "new"));
+    replaceAndExit(to, "new");
   };
-  EXPECT_EXIT(writeAsUser(), testing::ExitedWithCode(3), "Permission denied");
+  ::chmod(file.c_str(), 0444);
+  EXPECT_EXIT(writeAsUser(file), testing::ExitedWithCode(3), "Permission denied");
   EXPECT_EQ(folder.get("file"), "old");
   EXPECT_EQ(folder.entries(), 1);
+  EXPECT_EXIT(writeAsUser("/dev/null"), testing::ExitedWithCode(0), "none");  // devices are written directly
+  EXPECT_EXIT(writeAsUser("/dev/full"), testing::ExitedWithCode(3), "\"/dev/full\": No space left on device");
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
-TEST(AtomicFile, WritesDevicesDirectly) {
-  const auto writeTo = [](const char* device) {
-    becomeOrdinaryUser();
-    reportAndExit(replaceFile(device, "gone"));
-  };
-  EXPECT_EXIT(writeTo("/dev/null"), testing::ExitedWithCode(0), "none");
-  EXPECT_EXIT(writeTo("/dev/full"), testing::ExitedWithCode(3), "cannot write \"/dev/full\": No space left on device");
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+TEST(FileBytes, ReadsFilesOfAllSizes) {
+  const TemporaryFolder folder;
+  for (const std::size_t size : {0u, 1u, 65535u, 65536u, 65537u, 300000u}) {
+    std::string content(size, 'a');
+    if (size > 1) content[size / 2] = '\0';
+    EXPECT_EQ(*readFile(folder.put("file", content)), content);
+  }
+}
+
+TEST(FileBytes, ReadsAPipeToItsEnd) {
+  const TemporaryFolder folder;
+  const auto pipe = folder / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const std::string content(200000, 'p');
+  std::jthread writer([&] { std::ofstream(pipe) << content; });
+  EXPECT_EQ(*readFile(pipe), content);
 }
 
 }  // namespace
