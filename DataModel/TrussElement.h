@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <tuple>
 #include <vector>
 

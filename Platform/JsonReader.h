@@ -62,15 +62,15 @@ class JsonDocument {
   simdjson::ondemand::document document_;
 };
 
-/// The typed readers throw JsonError for a value of another type. A whole number may be written with a fraction of zero
-/// or an exponent ("3", "3.0", "3e0"); a boolean is no number.
-void readJson(JsonValue json, std::string& value);
-
 /// Ends the reading of a value that is not of the expected type.
 [[noreturn]] void throwUnexpected(std::string_view expectedType, JsonValue json);
 
 /// Reads a whole number that is not written as one ("3.0").
 void readWholeNumber(JsonValue json, std::int64_t& value);
+
+/// The typed readers throw JsonError for a value of another type. A whole number may be written with a fraction of zero
+/// or an exponent ("3", "3.0", "3e0"); a boolean is no number.
+void readJson(JsonValue json, std::string& value);
 
 inline void readJson(JsonValue json, double& value) {
   if (json.get_double().get(value) != simdjson::SUCCESS) throwUnexpected("a number", json);
