@@ -34,20 +34,6 @@ void requireFinite(const std::string& key, const std::vector<Record>& elements) 
   }
 }
 
-/// What keeps the project from being written.
-std::optional<Failure> whyNotWritable(const Project& project) {
-  try {
-    if (!simdjson::validate_utf8(*project.name)) throw JsonError("the project's name is not valid UTF-8");
-    requireFinite("trussElements", *project.trussElements);
-    requireFinite("beamElements", *project.beamElements);
-    requireFinite("X_I", *project.X_I);
-    requireFinite("F_I", *project.F_I);
-  } catch (const JsonError& error) {
-    return Failure{error.what()};
-  }
-  return std::nullopt;
-}
-
 void write(JsonWriter& json, const Project& project) {
   json.beginObject();
   json.key("name");
@@ -123,8 +109,21 @@ std::shared_ptr<Project> projectOf(Contents contents) {
 
 }  // namespace
 
+std::optional<Failure> whyNotEncodable(const Project& project) {
+  try {
+    if (!simdjson::validate_utf8(*project.name)) throw JsonError("the project's name is not valid UTF-8");
+    requireFinite("trussElements", *project.trussElements);
+    requireFinite("beamElements", *project.beamElements);
+    requireFinite("X_I", *project.X_I);
+    requireFinite("F_I", *project.F_I);
+  } catch (const JsonError& error) {
+    return Failure{error.what()};
+  }
+  return std::nullopt;
+}
+
 Result<std::string> encodeProject(const Project& project) {
-  if (auto fault = whyNotWritable(project)) return *fault;
+  if (auto fault = whyNotEncodable(project)) return *fault;
   JsonWriter json;
   write(json, project);
   return json.take();
@@ -141,7 +140,7 @@ Result<std::shared_ptr<Project>> decodeProject(std::string json) {
 }
 
 std::optional<Failure> writeProject(const Project& project, const std::filesystem::path& path) {
-  if (auto fault = whyNotWritable(project)) return fault;
+  if (auto fault = whyNotEncodable(project)) return fault;
   return replaceFile(path, [&project](const ByteSink& sink) {
     JsonWriter json(sink);
     write(json, project);

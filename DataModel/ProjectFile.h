@@ -9,8 +9,11 @@
 #include "Platform/JsonWriter.h"
 #include "Platform/Result.h"
 
-/// The project as JSON text: name, elements with all stored fields, coordinates, loads and restraints. Fails if a
-/// number is not finite or the name is not valid UTF-8, and says which.
+/// What keeps the project from being kept in a file: a number that is not finite, or a name that is not valid UTF-8.
+[[nodiscard]] std::optional<Failure> whyNotEncodable(const Project& project);
+
+/// The project as JSON text: name, elements with all stored fields, coordinates, loads and restraints. Fails if the
+/// project cannot be encoded.
 [[nodiscard]] Result<std::string> encodeProject(const Project& project);
 
 /// The project that `json` describes. Element fields are taken as stored; displacements and work arrays are zeros.

@@ -1,8 +1,11 @@
 #include "Platform/NumberText.h"
 
+#include <locale.h>
+
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -30,6 +33,16 @@ std::string numberText(double number) {
   std::string text(shortestDigits(buffer, number));
   if (text.find_first_of(".e") == std::string::npos) text += ".0";
   return text;
+}
+
+std::optional<double> parseNumber(const std::string& text) {
+  static const locale_t plainLocale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  // strtod skips leading white space, which is no part of a number here.
+  if (text.empty() || text.find_first_of(" \t\n\v\f\r") == 0) return std::nullopt;
+  char* end = nullptr;
+  const double number = ::strtod_l(text.c_str(), &end, plainLocale);
+  if (end != text.c_str() + text.size()) return std::nullopt;
+  return number;
 }
 
 void appendJsonNumber(std::string& text, double number) {

@@ -65,4 +65,28 @@ TEST(NumberText, ReadsBackToTheSameBits) {
   }
 }
 
+TEST(ParseNumber, TakesNothingButANumber) {
+  const struct {
+    const char* text;
+    double number;
+  } numbers[] = {{"0", 0},
+                 {"-1", -1},
+                 {"+2.5", 2.5},
+                 {"100e3", 1e5},
+                 {"1E-05", 1e-5},
+                 {".5", 0.5},
+                 {"5.", 5},
+                 {"0x1p3", 8},
+                 {"-0XAp0", -10},
+                 {"1e400", Limits::infinity()},
+                 {"1e-400", 0},
+                 {"inf", Limits::infinity()},
+                 {"-Infinity", -Limits::infinity()}};
+  for (const auto& c : numbers) EXPECT_EQ(parseNumber(c.text), c.number) << c.text;
+  EXPECT_TRUE(std::isnan(parseNumber("NaN").value()));
+  for (const auto* text : {"", " 1", "1 ", "\t1", "1,000", "1,5", "abc", "1e", "0x", "--1", "1.0.0", "1_000", "in"})
+    EXPECT_EQ(parseNumber(text), std::nullopt) << '"' << text << '"';
+  EXPECT_EQ(parseNumber(std::string("1\0", 2)), std::nullopt);
+}
+
 }  // namespace

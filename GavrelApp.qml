@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Controls
+import Gavrel.PreviewContent
+
+/// The main window: menus, the working surface and the status line.
+ApplicationWindow {
+    id: window
+
+    required property ProjectViewModel projectViewModel
+
+    width: 1200
+    height: 800
+    minimumWidth: 800
+    minimumHeight: 500
+    visible: true
+    title: projectViewModel.currentFileName !== "" ? projectViewModel.currentFileName : projectViewModel.projectName
+    palette: appearance.dark ? darkPalette : lightPalette
+
+    DesktopAppearance {
+        id: appearance
+    }
+
+    LightPalette {
+        id: lightPalette
+    }
+
+    DarkPalette {
+        id: darkPalette
+    }
+
+    menuBar: MainMenu {
+        content: content
+    }
+
+    ContentView {
+        id: content
+
+        anchors.fill: parent
+        projectViewModel: window.projectViewModel
+    }
+
+    footer: StatusLine {
+        projectViewModel: window.projectViewModel
+        calculation: content.calculation
+    }
+}

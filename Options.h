@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <variant>
+
+/// What the command line asks for.
+struct Options {
+  std::optional<std::filesystem::path> file;        ///< project to open
+  std::optional<std::filesystem::path> screenshot;  ///< picture to write instead of opening a window
+  int width = 1600;                                 ///< of the picture, in pixels
+  int height = 1000;
+  double magnification = 1.0;
+  bool strain = false;
+  bool solve = false;
+  bool dark = false;
+};
+
+/// Reads the arguments, or prints help, version or what is wrong with them and returns the exit code: 0, or 64 for
+/// arguments that make no sense.
+[[nodiscard]] std::variant<Options, int> readOptions(int argc, char** argv);

@@ -1,0 +1,4 @@
+#pragma once
+
+/// What a click in the 3D view does: inspect, or collect nodes for a new truss or beam.
+enum class AppMode { normal, addingTruss, addingBeam };

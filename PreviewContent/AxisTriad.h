@@ -1,0 +1,14 @@
+#pragma once
+
+#include "PreviewContent/CameraOverlay.h"
+
+/// Shows where the scene's axes point.
+class AxisTriad : public CameraOverlay {
+  Q_OBJECT
+  QML_ELEMENT
+
+ public:
+  using CameraOverlay::CameraOverlay;
+
+  void paint(QPainter* painter) override;
+};

@@ -1,0 +1,72 @@
+#include "PreviewContent/Calculation.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <algorithm>
+#include <array>
+
+void Calculation::setProjectViewModel(ProjectViewModel* value) {
+  viewModel_ = value;
+  // A result that no longer belongs to what is drawn is not boasted of.
+  connect(value, &ProjectViewModel::projectChanged, this, [this] {
+    if (running_ || !solved_) return;
+    solved_ = false;
+    emit changed();
+  });
+}
+
+bool Calculation::converged() const {
+  return solved_ && residual_ < Project::convergenceTolerance;
+}
+
+QString Calculation::outcome() const {
+  const QString residual = QString::asprintf("residual %.1e", residual_);
+  if (running_) return step_ == 0 ? tr("Solving…") : tr("Solving: step %1, %2").arg(step_).arg(residual);
+  if (!solved_) return {};
+  if (!converged()) return tr("Not converged after %1 steps, %2").arg(step_).arg(residual);
+  return step_ == 1 ? tr("Converged in 1 step, %1").arg(residual)
+                    : tr("Converged in %1 steps, %2").arg(step_).arg(residual);
+}
+
+void Calculation::run() {
+  if (running_) return;
+  running_ = true;
+  qApp->installEventFilter(this);
+  show(0, 0);
+  const auto project = *viewModel_->project;
+  project->Solve([this](int step, double residual) { show(step, residual); });
+  QCoreApplication::processEvents();  // drops what was typed during the last step
+  qApp->removeEventFilter(this);
+  solved_ = true;
+  viewModel_->setProject(project);
+  running_ = false;
+  emit changed();
+}
+
+void Calculation::show(int step, double residual) {
+  step_ = step;
+  residual_ = residual;
+  emit changed();
+  QCoreApplication::processEvents();
+}
+
+bool Calculation::eventFilter(QObject* watched, QEvent* event) {
+  constexpr std::array dropped{QEvent::MouseButtonPress,
+                               QEvent::MouseButtonRelease,
+                               QEvent::MouseButtonDblClick,
+                               QEvent::MouseMove,
+                               QEvent::Wheel,
+                               QEvent::KeyPress,
+                               QEvent::KeyRelease,
+                               QEvent::Shortcut,
+                               QEvent::ShortcutOverride,
+                               QEvent::TouchBegin,
+                               QEvent::TouchUpdate,
+                               QEvent::TouchEnd,
+                               QEvent::NativeGesture,
+                               QEvent::HoverMove,
+                               QEvent::Drop,
+                               QEvent::Close};
+  if (event->type() == QEvent::Close) event->ignore();
+  return std::ranges::find(dropped, event->type()) != dropped.end() || QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,80 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Gavrel.PreviewContent
+
+/// The ten commands below the 3D area.
+RowLayout {
+    id: root
+
+    required property Item commands
+    property bool compact: false
+    readonly property ProjectViewModel model: commands.projectViewModel
+    readonly property bool enoughNodes: model.selectedNodesForTruss.length >= 2
+
+    spacing: compact ? 4 : 8
+
+    component Command: Button {
+        horizontalPadding: root.compact ? 6 : 12
+        verticalPadding: 6
+        focusPolicy: Qt.TabFocus
+    }
+
+    Command {
+        objectName: "addNode"
+        text: qsTr("Add Node")
+        onClicked: root.commands.addNode()
+    }
+    Command {
+        objectName: "selectForTruss"
+        text: root.model.appMode === AppMode.addingTruss ? qsTr("Done Selecting") : qsTr("Select for Truss")
+        enabled: root.model.appMode !== AppMode.addingBeam
+        onClicked: root.commands.toggleMode(AppMode.addingTruss)
+    }
+    Command {
+        objectName: "selectForBeam"
+        text: root.model.appMode === AppMode.addingBeam ? qsTr("Done Selecting") : qsTr("Select for Beam")
+        enabled: root.model.appMode !== AppMode.addingTruss
+        onClicked: root.commands.toggleMode(AppMode.addingBeam)
+    }
+    Command {
+        objectName: "addTruss"
+        text: qsTr("Add Truss")
+        enabled: root.enoughNodes && root.model.appMode === AppMode.addingTruss
+        onClicked: root.commands.showingTrussConfigSheet = true
+    }
+    Command {
+        objectName: "addBeam"
+        text: qsTr("Add Beam")
+        enabled: root.enoughNodes && root.model.appMode === AppMode.addingBeam
+        onClicked: root.commands.showingBeamConfigSheet = true
+    }
+    Command {
+        objectName: "calculate"
+        text: qsTr("Calculate")
+        onClicked: root.commands.calculation.run()
+    }
+    ProminentButton {
+        objectName: "showStrain"
+        text: qsTr("Show Strain")
+        horizontalPadding: root.compact ? 6 : 12
+        verticalPadding: 6
+        focusPolicy: Qt.TabFocus
+        onClicked: root.commands.toggleStrain()
+    }
+    Command {
+        objectName: "save"
+        text: qsTr("Save")
+        onClicked: root.commands.save()
+    }
+    Command {
+        objectName: "saveAs"
+        text: qsTr("Save As...")
+        onClicked: root.commands.showSavePanel()
+    }
+    Command {
+        objectName: "open"
+        text: qsTr("Open...")
+        onClicked: root.commands.showOpenPanel()
+    }
+}

@@ -1,0 +1,202 @@
+import QtCore
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Gavrel.PreviewContent
+
+/// The main window's working surface: magnification, the 3D area, and the command row.
+Item {
+    id: root
+
+    required property ProjectViewModel projectViewModel
+    property bool showingAddNodeSheet: false
+    property bool showingTrussConfigSheet: false
+    property bool showingBeamConfigSheet: false
+    property real displacementMagnification: 1.0
+
+    readonly property alias calculation: solver
+    readonly property alias visualization: view
+    readonly property bool compact: width < 1000
+
+    function toggleMode(target) {
+        projectViewModel.appMode = projectViewModel.appMode === AppMode.normal ? target : AppMode.normal;
+        projectViewModel.selectedNodesForTruss = [];
+    }
+
+    function addNode() {
+        projectViewModel.appMode = AppMode.normal;
+        showingAddNodeSheet = true;
+    }
+
+    function toggleStrain() {
+        projectViewModel.isStrainVisualizationActive = !projectViewModel.isStrainVisualizationActive;
+    }
+
+    function save() {
+        if (!projectViewModel.saveProject())
+            showSavePanel();
+    }
+
+    function showSavePanel() {
+        savePanel.selectedFile = savePanel.currentFolder + "/"
+            + encodeURIComponent(projectViewModel.projectName.replace(/\//g, "-") + ".json");
+        savePanel.open();
+    }
+
+    function showOpenPanel() {
+        openPanel.open();
+    }
+
+    function selectionMessage(nodes, mode) {
+        const word = mode === AppMode.addingTruss ? "truss" : "beam";
+        const command = mode === AppMode.addingTruss ? "Truss" : "Beam";
+        if (nodes.length === 0)
+            return "No nodes selected for " + word + ".";
+        if (nodes.length === 1)
+            return "One node selected for " + word + ": " + nodes[0];
+        if (nodes.length === 2)
+            return "Two nodes selected for " + word + ": " + nodes[0] + ", " + nodes[1] + ". 'Add " + command
+                + " (Configure)' button is now enabled.";
+        return "More than two nodes selected for " + word + ".";
+    }
+
+    Connections {
+        target: root.projectViewModel
+
+        function onSelectedNodesForTrussChanged() {
+            const model = root.projectViewModel;
+            if (model.appMode !== AppMode.normal)
+                StandardOutput.print(root.selectionMessage(model.selectedNodesForTruss, model.appMode));
+        }
+
+        function onProjectLoaded() {
+            view.showWhole();
+        }
+    }
+
+    Calculation {
+        id: solver
+
+        projectViewModel: root.projectViewModel
+    }
+
+    ColumnLayout {
+        anchors {
+            fill: parent
+            margins: 8
+        }
+        spacing: 8
+
+        RowLayout {
+            Layout.leftMargin: 8
+            Layout.rightMargin: 8
+            spacing: 8
+
+            Label {
+                text: qsTr("Magnification:")
+            }
+            Slider {
+                id: magnification
+
+                objectName: "magnification"
+                Layout.fillWidth: true
+                from: 0.0
+                to: 10.0
+                value: root.displacementMagnification
+                onMoved: root.displacementMagnification = value
+                Accessible.name: qsTr("Magnification")
+            }
+            Label {
+                objectName: "magnificationText"
+                Layout.minimumWidth: widest.width
+                horizontalAlignment: Text.AlignRight
+                text: NumberFormat.fixed(root.displacementMagnification, 1)
+
+                TextMetrics {
+                    id: widest
+
+                    text: "10.0"
+                }
+            }
+        }
+
+        VisualizationView {
+            id: view
+
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            projectViewModel: root.projectViewModel
+            displacementMagnification: root.displacementMagnification
+            isStrainVisualizationActive: root.projectViewModel.isStrainVisualizationActive
+            paused: solver.running
+        }
+
+        CommandRow {
+            Layout.alignment: Qt.AlignHCenter
+            commands: root
+            compact: root.compact
+        }
+    }
+
+    Sheet {
+        presented: root.showingAddNodeSheet
+        onDismissed: root.showingAddNodeSheet = false
+
+        AddNodeView {
+            projectViewModel: root.projectViewModel
+        }
+    }
+
+    Sheet {
+        presented: root.showingTrussConfigSheet
+        onDismissed: root.showingTrussConfigSheet = false
+        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? trussForm : null
+    }
+
+    Sheet {
+        presented: root.showingBeamConfigSheet
+        onDismissed: root.showingBeamConfigSheet = false
+        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? beamForm : null
+    }
+
+    Component {
+        id: trussForm
+
+        AddTrussView {
+            nodeIDs: root.projectViewModel.selectedNodesForTruss
+            projectViewModel: root.projectViewModel
+        }
+    }
+
+    Component {
+        id: beamForm
+
+        AddBeamView {
+            nodeIDs: root.projectViewModel.selectedNodesForTruss
+            projectViewModel: root.projectViewModel
+        }
+    }
+
+    component JsonPanel: FileDialog {
+        nameFilters: [qsTr("JSON files (*.json)")]
+        defaultSuffix: "json"
+        currentFolder: StandardPaths.writableLocation(StandardPaths.DocumentsLocation)
+    }
+
+    JsonPanel {
+        id: savePanel
+
+        title: qsTr("Save Project")
+        fileMode: FileDialog.SaveFile
+        onAccepted: root.projectViewModel.saveProject(selectedFile)
+    }
+
+    JsonPanel {
+        id: openPanel
+
+        title: qsTr("Open Project")
+        fileMode: FileDialog.OpenFile
+        onAccepted: root.projectViewModel.loadProject(selectedFile)
+    }
+}

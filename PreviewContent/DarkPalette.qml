@@ -1,0 +1,26 @@
+import QtQuick
+
+Palette {
+    window: "#26282c"
+    windowText: "#e6e8eb"
+    base: "#1b1d20"
+    alternateBase: "#222428"
+    text: "#e6e8eb"
+    placeholderText: "#7d838c"
+    button: "#3a3d43"
+    buttonText: "#e6e8eb"
+    brightText: "#ffffff"
+    highlight: "#3f7fe0"
+    highlightedText: "#ffffff"
+    light: "#4a4e55"
+    midlight: "#42464c"
+    mid: "#15171a"
+    dark: "#101113"
+    shadow: "#000000"
+    link: "#7fb0ff"
+    toolTipBase: "#33363b"
+    toolTipText: "#e6e8eb"
+    disabled.text: "#767b83"
+    disabled.windowText: "#767b83"
+    disabled.buttonText: "#767b83"
+}

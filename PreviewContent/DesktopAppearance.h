@@ -1,0 +1,29 @@
+#pragma once
+
+#include <qqml.h>
+#include <QDBusVariant>
+#include <QObject>
+
+/// Whether the desktop asks for dark windows, kept up to date: what its settings portal says or, where there is none,
+/// what the palette of its theme looks like.
+class DesktopAppearance : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  Q_PROPERTY(bool dark READ dark NOTIFY darkChanged)
+
+ public:
+  explicit DesktopAppearance(QObject* parent = nullptr);
+
+  [[nodiscard]] bool dark() const { return dark_; }
+
+ signals:
+  void darkChanged();
+
+ private slots:
+  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+ private:
+  void setDark(bool value);
+
+  bool dark_ = false;
+};

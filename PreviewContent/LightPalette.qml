@@ -1,0 +1,26 @@
+import QtQuick
+
+Palette {
+    window: "#f3f4f6"
+    windowText: "#1c1f24"
+    base: "#ffffff"
+    alternateBase: "#f0f1f4"
+    text: "#1c1f24"
+    placeholderText: "#8a9099"
+    button: "#fbfbfc"
+    buttonText: "#1c1f24"
+    brightText: "#ffffff"
+    highlight: "#2f6fd6"
+    highlightedText: "#ffffff"
+    light: "#ffffff"
+    midlight: "#e3e5ea"
+    mid: "#c3c7cf"
+    dark: "#9aa0aa"
+    shadow: "#5a6069"
+    link: "#1f5fc4"
+    toolTipBase: "#ffffff"
+    toolTipText: "#1c1f24"
+    disabled.text: "#9aa0a9"
+    disabled.windowText: "#9aa0a9"
+    disabled.buttonText: "#9aa0a9"
+}

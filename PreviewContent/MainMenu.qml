@@ -1,0 +1,125 @@
+import QtQuick
+import QtQuick.Controls
+import Gavrel.PreviewContent
+
+/// The menu bar of the main window.
+MenuBar {
+    id: root
+
+    required property ContentView content
+    readonly property VisualizationView visualization: content.visualization
+
+    signal checkForUpdates()
+    signal aboutRequested()
+    signal helpRequested()
+
+    Menu {
+        title: qsTr("&Gavrel")
+
+        Action {
+            text: qsTr("&About Gavrel")
+            onTriggered: root.aboutRequested()
+        }
+        Action {
+            text: qsTr("Check for &Updates...")
+            shortcut: "Ctrl+U"
+            onTriggered: root.checkForUpdates()
+        }
+        MenuSeparator {}
+        Action {
+            text: qsTr("&Quit")
+            shortcut: StandardKey.Quit
+            onTriggered: Qt.quit()
+        }
+    }
+
+    Menu {
+        title: qsTr("&File")
+
+        Action {
+            text: qsTr("&New")
+            shortcut: StandardKey.New
+            onTriggered: root.content.projectViewModel.newProject()
+        }
+        Action {
+            text: qsTr("&Open…")
+            shortcut: StandardKey.Open
+            onTriggered: root.content.showOpenPanel()
+        }
+        MenuSeparator {}
+        Action {
+            text: qsTr("&Save")
+            shortcut: StandardKey.Save
+            onTriggered: root.content.save()
+        }
+        Action {
+            text: qsTr("Save &As…")
+            shortcut: "Ctrl+Shift+S"
+            onTriggered: root.content.showSavePanel()
+        }
+    }
+
+    Menu {
+        title: qsTr("&View")
+
+        Action {
+            text: qsTr("&Fit to Structure")
+            shortcut: "Ctrl+0"
+            onTriggered: root.visualization.camera.fit()
+        }
+        MenuSeparator {}
+        Action {
+            text: qsTr("Fr&ont")
+            shortcut: "Ctrl+1"
+            onTriggered: root.visualization.camera.show(ViewCamera.Front)
+        }
+        Action {
+            text: qsTr("&Top")
+            shortcut: "Ctrl+2"
+            onTriggered: root.visualization.camera.show(ViewCamera.Top)
+        }
+        Action {
+            text: qsTr("&Right")
+            shortcut: "Ctrl+3"
+            onTriggered: root.visualization.camera.show(ViewCamera.Right)
+        }
+        Action {
+            text: qsTr("&Isometric")
+            shortcut: "Ctrl+4"
+            onTriggered: root.visualization.camera.show(ViewCamera.Isometric)
+        }
+        MenuSeparator {}
+        Action {
+            text: qsTr("&Show Strain")
+            checkable: true
+            checked: root.content.projectViewModel.isStrainVisualizationActive
+            onTriggered: root.content.toggleStrain()
+        }
+        Action {
+            text: qsTr("&Node Numbers")
+            checkable: true
+            checked: root.visualization.showsNodeNumbers
+            onToggled: root.visualization.showsNodeNumbers = checked
+        }
+        Action {
+            text: qsTr("&Element Numbers")
+            checkable: true
+            checked: root.visualization.showsElementNumbers
+            onToggled: root.visualization.showsElementNumbers = checked
+        }
+        Action {
+            text: qsTr("Rendering S&tatistics")
+            checkable: true
+            onToggled: root.visualization.options = checked ? 3 : 2
+        }
+    }
+
+    Menu {
+        title: qsTr("&Help")
+
+        Action {
+            text: qsTr("&Mouse and Keys")
+            onTriggered: root.helpRequested()
+        }
+    }
+}

@@ -1,0 +1,232 @@
+#include "PreviewContent/ProjectViewModel.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "DataModel/ProjectFile.h"
+#include "Platform/Console.h"
+#include "Platform/Fatal.h"
+#include "Platform/NumberText.h"
+
+namespace {
+
+// The bar that ties a new node to the one before, whatever the truss form proposes.
+constexpr double automaticArea = 25.0;
+constexpr double automaticYoungModulus = 100000.0;
+
+std::optional<std::filesystem::path> pathOf(const QUrl& url) {
+  if (url.isEmpty()) return std::nullopt;
+  return std::filesystem::path(url.toLocalFile().toStdString());
+}
+
+}  // namespace
+
+ProjectViewModel::ProjectViewModel(QObject* parent)
+    : QObject(parent),
+      project(objectWillChange, std::make_shared<Project>()),
+      appMode(objectWillChange, AppMode::normal),
+      selectedNodesForTruss(objectWillChange),
+      lastUsedStartX(objectWillChange, QStringLiteral("0.0")),
+      lastUsedStartY(objectWillChange, QStringLiteral("0.0")),
+      lastUsedStartZ(objectWillChange, QStringLiteral("0.0")),
+      lastUsedConnectToLast(objectWillChange, true),
+      numberOfNodes(objectWillChange, (*project)->nodeCount()),
+      isStrainVisualizationActive(objectWillChange, false) {}
+
+void ProjectViewModel::addNode(const Vector3& nodeCoordinates, bool connectedToLast) {
+  const std::int64_t previous = *numberOfNodes - 1;
+  const std::int64_t newId = *numberOfNodes;
+  (*project)->addNode(nodeCoordinates);
+  numberOfNodes.edit() = checkedProduct(1, newId, 1, "The number of nodes");
+  if (connectedToLast && previous != -1) addTruss(previous, newId, automaticArea, automaticYoungModulus);
+  announce();
+  printLine("Added Node: id " + std::to_string(newId) + " at (" + numberText(nodeCoordinates.x) + ", " +
+            numberText(nodeCoordinates.y) + ", " + numberText(nodeCoordinates.z) + ")");
+}
+
+void ProjectViewModel::addTruss(qint64 startNodeId, qint64 endNodeId, double area, double youngModulus) {
+  Project& model = **project;
+  const auto start = model.getNodeCoordinates(startNodeId);
+  const auto end = model.getNodeCoordinates(endNodeId);
+  if (!start || !end) {
+    printLine("Error: Could not find coordinates for nodes " + std::to_string(startNodeId) + " or " +
+              std::to_string(endNodeId) + " to add truss.");
+    return;
+  }
+  const TrussElement truss(std::ssize(*model.trussElements), startNodeId, endNodeId, *start, *end, area, youngModulus,
+                           /*isCompressionOnly=*/false, /*isNonLinear=*/true);
+  model.trussElements.edit().push_back(truss);
+  announce();
+  printLine("Added Truss: Nodes " + std::to_string(startNodeId) + ", " + std::to_string(endNodeId) + " with Area " +
+            numberText(area) + ", E " + numberText(youngModulus));
+}
+
+void ProjectViewModel::addBeam(qint64 startNodeId, qint64 endNodeId, double area, double iy, double iz,
+                               double youngModulus, double shearModulus) {
+  Project& model = **project;
+  const auto start = model.getNodeCoordinates(startNodeId);
+  const auto end = model.getNodeCoordinates(endNodeId);
+  if (!start || !end) {
+    printLine("Error: Could not find coordinates for nodes to add beam.");
+    return;
+  }
+  const BeamElement beam(std::ssize(*model.beamElements), startNodeId, endNodeId, *start, *end, area, iy, iz,
+                         youngModulus, shearModulus, /*isNonLinear=*/false);
+  model.beamElements.edit().push_back(beam);
+  announce();
+  printLine("Added Beam: Nodes " + std::to_string(startNodeId) + ", " + std::to_string(endNodeId));
+}
+
+bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& target) {
+  const auto report = [](const Failure& failure) {
+    printLine("Failed to save project: " + failure.reason);
+    return false;
+  };
+  if (const auto failure = whyNotEncodable(**project)) return report(*failure);
+  if (target) {
+    currentFileUrl = target;
+    emit currentFileChanged();
+  }
+  if (!currentFileUrl) {
+    printLine("No save location specified. Use 'Save As...'");
+    return false;
+  }
+  if (const auto failure = writeProject(**project, *currentFileUrl)) return report(*failure);
+  printLine("Project saved successfully to " + currentFileUrl->filename().string());
+  return true;
+}
+
+bool ProjectViewModel::saveProject(const QUrl& target) {
+  return saveProject(pathOf(target));
+}
+
+bool ProjectViewModel::loadProject(const std::optional<std::filesystem::path>& source) {
+  if (!source) {
+    printLine("No load file specified. Use 'Open...'");
+    return false;
+  }
+  auto loaded = readProject(*source);
+  if (!loaded) printLine("Failed to load project: " + loaded.failure().reason);
+  auto next = loaded ? std::move(*loaded) : std::make_shared<Project>();
+  const std::int64_t nodes = next->nodeCount();
+  project.edit() = std::move(next);
+  numberOfNodes.edit() = nodes;
+  currentFileUrl = loaded ? source : std::nullopt;
+  announce();
+  if (loaded) printLine("Project loaded successfully from " + source->filename().string());
+  emit currentFileChanged();
+  emit projectLoaded();
+  return bool(loaded);
+}
+
+bool ProjectViewModel::loadProject(const QUrl& source) {
+  return loadProject(pathOf(source));
+}
+
+void ProjectViewModel::newProject() {
+  setAppMode(AppMode::normal);
+  setSelectedNodesForTruss({});
+  project.edit() = std::make_shared<Project>();
+  numberOfNodes.edit() = 0;
+  currentFileUrl.reset();
+  announce();
+  emit currentFileChanged();
+  emit projectLoaded();
+}
+
+NodeContents ProjectViewModel::nodeContents(qint64 nodeID) const {
+  const Project& model = **project;
+  const Vector3 X = model.getNodeCoordinates(nodeID).value_or(Vector3{});
+  const Vector3 U = model.getNodeDisplacement(nodeID).value_or(Vector3{});
+  const Vector3 F = model.getNodeForce(nodeID).value_or(Vector3{});
+  const auto restraints = model.getNodeRestraints(nodeID).value_or(Project::Restraints{});
+  return {X.x, X.y, X.z, U.x, U.y, U.z, F.x, F.y, F.z, restraints.x, restraints.y, restraints.z};
+}
+
+void ProjectViewModel::setLoadAndRestraint(qint64 nodeID, double x, double y, double z, bool rx, bool ry, bool rz) {
+  (*project)->setLoadAndRestraint(nodeID, {x, y, z}, rx, ry, rz);
+  announce();
+}
+
+TrussContents ProjectViewModel::trussContents(qint64 elementID) const {
+  const auto& trusses = *(*project)->trussElements;
+  const auto truss = std::ranges::find(trusses, elementID, &TrussElement::id);
+  if (truss == trusses.end()) return {};
+  return {true, truss->area, truss->isNonLinear};
+}
+
+void ProjectViewModel::setNonLinear(qint64 position, bool isNonLinear) {
+  at((*project)->trussElements.edit(), position, "trussElements").isNonLinear = isNonLinear;
+  emit projectChanged();
+}
+
+void ProjectViewModel::setProject(std::shared_ptr<Project> value) {
+  set(project, std::move(value), &ProjectViewModel::projectChanged);
+}
+
+void ProjectViewModel::setAppMode(AppMode value) {
+  set(appMode, value, &ProjectViewModel::appModeChanged);
+}
+
+void ProjectViewModel::setSelectedNodesForTruss(std::vector<std::int64_t> value) {
+  const bool changes = value != *selectedNodesForTruss;
+  selectedNodesForTruss.edit() = std::move(value);
+  if (changes) emit selectedNodesForTrussChanged();
+}
+
+void ProjectViewModel::setLastUsedStartX(const QString& value) {
+  set(lastUsedStartX, value, &ProjectViewModel::lastUsedChanged);
+}
+
+void ProjectViewModel::setLastUsedStartY(const QString& value) {
+  set(lastUsedStartY, value, &ProjectViewModel::lastUsedChanged);
+}
+
+void ProjectViewModel::setLastUsedStartZ(const QString& value) {
+  set(lastUsedStartZ, value, &ProjectViewModel::lastUsedChanged);
+}
+
+void ProjectViewModel::setLastUsedConnectToLast(bool value) {
+  set(lastUsedConnectToLast, value, &ProjectViewModel::lastUsedChanged);
+}
+
+void ProjectViewModel::setIsStrainVisualizationActive(bool value) {
+  set(isStrainVisualizationActive, value, &ProjectViewModel::isStrainVisualizationActiveChanged);
+}
+
+template <class Value>
+void ProjectViewModel::set(Published<Value>& property, Value value, void (ProjectViewModel::*changed)()) {
+  property.edit() = std::move(value);
+  emit(this->*changed)();
+}
+
+void ProjectViewModel::announce() {
+  objectWillChange.announce();
+  emit projectChanged();
+}
+
+QVariantList ProjectViewModel::selectedNodes() const {
+  QVariantList list;
+  for (const std::int64_t node : *selectedNodesForTruss) list.append(QVariant::fromValue<qint64>(node));
+  return list;
+}
+
+void ProjectViewModel::setSelectedNodes(const QVariantList& value) {
+  std::vector<std::int64_t> nodes;
+  for (const QVariant& node : value) nodes.push_back(node.toLongLong());
+  setSelectedNodesForTruss(std::move(nodes));
+}
+
+qint64 ProjectViewModel::numberOfElements() const {
+  const Project& model = **project;
+  return std::ssize(*model.trussElements) + std::ssize(*model.beamElements);
+}
+
+QString ProjectViewModel::projectName() const {
+  return QString::fromStdString(*(*project)->name);
+}
+
+QString ProjectViewModel::currentFileName() const {
+  return currentFileUrl ? QString::fromStdString(currentFileUrl->filename().string()) : QString();
+}

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QUrl>
+#include <QVariantList>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "DataModel/Project.h"
+#include "Platform/Observable.h"
+#include "PreviewContent/AppMode.h"
+#include "PreviewContent/SheetContents.h"
+
+/// The one observable object between the user interface and the model. Observers of `objectWillChange` are told before
+/// each change of a published property; the notifications of the Qt properties follow the change. Each operation says
+/// what it did in one line on standard output.
+class ProjectViewModel : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(int appMode READ modeNumber WRITE setModeNumber NOTIFY appModeChanged)
+  Q_PROPERTY(
+      QVariantList selectedNodesForTruss READ selectedNodes WRITE setSelectedNodes NOTIFY selectedNodesForTrussChanged)
+  Q_PROPERTY(QString lastUsedStartX READ startX WRITE setLastUsedStartX NOTIFY lastUsedChanged)
+  Q_PROPERTY(QString lastUsedStartY READ startY WRITE setLastUsedStartY NOTIFY lastUsedChanged)
+  Q_PROPERTY(QString lastUsedStartZ READ startZ WRITE setLastUsedStartZ NOTIFY lastUsedChanged)
+  Q_PROPERTY(bool lastUsedConnectToLast READ connectToLast WRITE setLastUsedConnectToLast NOTIFY lastUsedChanged)
+  Q_PROPERTY(qint64 numberOfNodes READ nodeCounter NOTIFY projectChanged)
+  Q_PROPERTY(qint64 numberOfElements READ numberOfElements NOTIFY projectChanged)
+  Q_PROPERTY(QString projectName READ projectName NOTIFY projectChanged)
+  Q_PROPERTY(bool isStrainVisualizationActive READ strainActive WRITE setIsStrainVisualizationActive NOTIFY
+                 isStrainVisualizationActiveChanged)
+  Q_PROPERTY(QString currentFileName READ currentFileName NOTIFY currentFileChanged)
+
+ public:
+  Observable objectWillChange;
+
+  Published<std::shared_ptr<Project>> project;
+  Published<AppMode> appMode;
+  Published<std::vector<std::int64_t>> selectedNodesForTruss;
+  Published<QString> lastUsedStartX;
+  Published<QString> lastUsedStartY;
+  Published<QString> lastUsedStartZ;
+  Published<bool> lastUsedConnectToLast;
+  Published<std::int64_t> numberOfNodes;  ///< counted beside the project; the next node's identifier
+  Published<bool> isStrainVisualizationActive;
+  std::optional<std::filesystem::path> currentFileUrl;  ///< last saved to or opened
+
+  /// An empty project named "New Project" in normal mode.
+  explicit ProjectViewModel(QObject* parent = nullptr);
+
+  /// Appends a node and, if asked to and if there is one, ties it to the one before with a bar of area 25 and Young's
+  /// modulus 100000.
+  void addNode(const Vector3& nodeCoordinates, bool connectedToLast);
+  Q_INVOKABLE void addNode(double x, double y, double z, bool connectedToLast) { addNode({x, y, z}, connectedToLast); }
+
+  /// Appends a non-linear bar that takes tension and compression. Nodes that do not exist are reported and nothing is
+  /// added; negative identifiers are fatal.
+  Q_INVOKABLE void addTruss(qint64 startNodeId, qint64 endNodeId, double area, double youngModulus);
+
+  /// Appends a linear beam with second moments of area iy and iz; nodes as in addTruss.
+  Q_INVOKABLE void addBeam(qint64 startNodeId, qint64 endNodeId, double area, double iy, double iz, double youngModulus,
+                           double shearModulus);
+
+  /// Writes the project to `target`, which becomes the current file even if the write fails, or to the current file.
+  /// False, with the reason on standard output, if there is neither or the file could not be written.
+  bool saveProject(const std::optional<std::filesystem::path>& target);
+  Q_INVOKABLE bool saveProject(const QUrl& target = {});
+
+  /// Replaces the project by that in the file. One that cannot be read is reported on standard output and leaves an
+  /// empty project and no current file.
+  bool loadProject(const std::optional<std::filesystem::path>& source);
+  Q_INVOKABLE bool loadProject(const QUrl& source);
+
+  /// Starts again with an empty project without a file, in normal mode with nothing selected.
+  Q_INVOKABLE void newProject();
+
+  /// Reads a node's entries; a negative identifier is fatal.
+  [[nodiscard]] Q_INVOKABLE NodeContents nodeContents(qint64 nodeID) const;
+
+  /// Replaces a node's load and translational restraints and announces the change.
+  Q_INVOKABLE void setLoadAndRestraint(qint64 nodeID, double x, double y, double z, bool rx, bool ry, bool rz);
+
+  /// The first truss with this identifier.
+  [[nodiscard]] Q_INVOKABLE TrussContents trussContents(qint64 elementID) const;
+
+  /// Makes the truss at this position of the list linear or non-linear; a position outside the list is fatal.
+  Q_INVOKABLE void setNonLinear(qint64 position, bool isNonLinear);
+
+  /// Publishes a project: another one, or the same after a change in place.
+  void setProject(std::shared_ptr<Project> value);
+
+  void setAppMode(AppMode value);
+  void setSelectedNodesForTruss(std::vector<std::int64_t> value);
+  void setLastUsedStartX(const QString& value);
+  void setLastUsedStartY(const QString& value);
+  void setLastUsedStartZ(const QString& value);
+  void setLastUsedConnectToLast(bool value);
+  void setIsStrainVisualizationActive(bool value);
+
+ signals:
+  void appModeChanged();
+  void selectedNodesForTrussChanged();
+  void lastUsedChanged();
+  void projectChanged();  ///< the project is another one, or something in it has changed
+  void projectLoaded();   ///< the project is another one
+  void isStrainVisualizationActiveChanged();
+  void currentFileChanged();
+
+ private:
+  void announce();
+  template <class Value>
+  void set(Published<Value>& property, Value value, void (ProjectViewModel::*changed)());
+
+  [[nodiscard]] int modeNumber() const { return static_cast<int>(*appMode); }
+  void setModeNumber(int value) { setAppMode(static_cast<AppMode>(value)); }
+  [[nodiscard]] QVariantList selectedNodes() const;
+  void setSelectedNodes(const QVariantList& value);
+  [[nodiscard]] QString startX() const { return *lastUsedStartX; }
+  [[nodiscard]] QString startY() const { return *lastUsedStartY; }
+  [[nodiscard]] QString startZ() const { return *lastUsedStartZ; }
+  [[nodiscard]] bool connectToLast() const { return *lastUsedConnectToLast; }
+  [[nodiscard]] bool strainActive() const { return *isStrainVisualizationActive; }
+  [[nodiscard]] qint64 nodeCounter() const { return *numberOfNodes; }
+  [[nodiscard]] qint64 numberOfElements() const;
+  [[nodiscard]] QString projectName() const;
+  [[nodiscard]] QString currentFileName() const;
+};

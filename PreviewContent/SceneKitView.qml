@@ -1,0 +1,149 @@
+import QtQuick
+import QtQuick3D
+import Gavrel.PreviewContent
+
+/// The 3D area: draws the project's scene, and lets the user turn it and click on it.
+Item {
+    id: root
+
+    required property ProjectViewModel projectViewModel
+    property int options: 2
+    property real displacementMagnification: 1
+    property bool isStrainVisualizationActive: false
+    property bool paused: false
+    property bool showsNodeNumbers: false
+    property bool showsElementNumbers: false
+    readonly property alias camera: viewCamera
+    readonly property alias contents: sceneContents
+    readonly property int shapeSides: sceneContents.tubes.size > 20000 ? 6 : sceneContents.tubes.size > 2000 ? 10 : 20
+
+    signal nodeSelected(var node)
+    signal elementSelected(var element)
+
+    SceneContents {
+        id: sceneContents
+
+        projectViewModel: root.projectViewModel
+        displacementMagnification: root.displacementMagnification
+        isStrainVisualizationActive: root.isStrainVisualizationActive
+        paused: root.paused
+        onNodeSelected: node => root.nodeSelected(node)
+        onElementSelected: element => root.elementSelected(element)
+    }
+
+    ViewCamera {
+        id: viewCamera
+
+        contents: sceneContents
+        width: root.width
+        height: root.height
+    }
+
+    component Shapes: Model {
+        id: shapes
+
+        required property int shape
+
+        pickable: false
+        geometry: ShapeGeometry {
+            shape: shapes.shape
+            sides: root.shapeSides
+        }
+        materials: ShapeMaterial {
+            thickening: viewCamera.thickening
+            isBall: shapes.shape === ShapeGeometry.Ball
+        }
+    }
+
+    View3D {
+        id: view
+
+        anchors.fill: parent
+        camera: camera
+        environment: SceneEnvironment {
+            backgroundMode: SceneEnvironment.Color
+            clearColor: sceneContents.background
+            antialiasingMode: SceneEnvironment.MSAA
+            antialiasingQuality: SceneEnvironment.Medium
+            tonemapMode: SceneEnvironment.TonemapModeNone
+        }
+
+        PerspectiveCamera {
+            id: camera
+
+            position: viewCamera.position
+            rotation: viewCamera.rotation
+            fieldOfView: viewCamera.fieldOfView
+            clipNear: viewCamera.clipNear
+            clipFar: viewCamera.clipFar
+        }
+        Shapes {
+            shape: ShapeGeometry.Ball
+            instancing: sceneContents.balls
+        }
+        Shapes {
+            shape: ShapeGeometry.Tube
+            instancing: sceneContents.tubes
+        }
+        Shapes {
+            shape: ShapeGeometry.Cone
+            instancing: sceneContents.cones
+        }
+        Shapes {
+            shape: ShapeGeometry.Ball
+            instancing: sceneContents.highlightedBall
+        }
+        Shapes {
+            shape: ShapeGeometry.Tube
+            instancing: sceneContents.highlightedTube
+        }
+    }
+
+    SceneLabels {
+        anchors.fill: parent
+        camera: viewCamera
+        nodeNumbers: root.showsNodeNumbers
+        elementNumbers: root.showsElementNumbers
+        visible: nodeNumbers || elementNumbers
+    }
+
+    Navigation {
+        anchors.fill: parent
+        camera: viewCamera
+        enabled: (root.options & 2) !== 0
+        selecting: root.projectViewModel.appMode !== AppMode.normal
+        onHoverEnded: sceneContents.clearHighlight()
+    }
+
+    AxisTriad {
+        anchors {
+            left: parent.left
+            bottom: parent.bottom
+            margins: 8
+        }
+        width: 90
+        height: 90
+        camera: viewCamera
+    }
+
+    StrainLegend {
+        anchors {
+            right: parent.right
+            top: parent.top
+            margins: 12
+        }
+        legend: root.isStrainVisualizationActive ? sceneContents.strainLegend : ({ shown: false })
+    }
+
+    RenderingStatistics {
+        anchors {
+            left: parent.left
+            top: parent.top
+            margins: 12
+        }
+        visible: (root.options & 1) !== 0
+        view: view
+        shapes: sceneContents.balls.size + sceneContents.tubes.size + sceneContents.cones.size
+        triangles: 0
+    }
+}

@@ -1,0 +1,12 @@
+import QtQuick
+import QtQuick3D
+
+/// Lights an instanced shape as the scene's lights do: ambient light, and white light from above and in front.
+CustomMaterial {
+    property real thickening: 0
+    property bool isBall: false
+
+    shadingMode: CustomMaterial.Unshaded
+    vertexShader: "shape.vert"
+    fragmentShader: "shape.frag"
+}

@@ -1,0 +1,81 @@
+import QtQuick
+import Gavrel.PreviewContent
+
+/// What the colours of bars say: the extreme strains in numbers, with the colours between them.
+Rectangle {
+    id: root
+
+    required property var legend
+
+    implicitWidth: row.width + 24
+    implicitHeight: row.height + title.height + 26
+    radius: 6
+    color: "#d9202328"
+    visible: legend.shown
+    Accessible.role: Accessible.Graphic
+    Accessible.name: visible ? qsTr("Strain from %1 to %2").arg(upper.text).arg(lower.text) : ""
+
+    component Entry: Text {
+        color: "#f2f3f5"
+        font.pixelSize: 12
+    }
+
+    Entry {
+        id: title
+
+        x: 12
+        y: 8
+        text: qsTr("Strain")
+        font.bold: true
+    }
+
+    Row {
+        id: row
+
+        x: 12
+        y: title.height + 14
+        spacing: 8
+
+        Column {
+            Repeater {
+                model: root.legend.shown ? root.legend.colors : []
+
+                Rectangle {
+                    required property color modelData
+
+                    width: 16
+                    height: 7
+                    color: modelData
+                }
+            }
+        }
+        Column {
+            spacing: 3
+
+            Entry {
+                id: upper
+
+                objectName: "legendMax"
+                text: root.legend.shown ? NumberFormat.significant(root.legend.max, 4) : ""
+            }
+            Entry {
+                text: qsTr("shortest")
+                opacity: 0.7
+            }
+            Item {
+                width: 1
+                height: 16 * 7 + 7 - 2 * (upper.height + lower.height) - 4 * 3
+            }
+            Entry {
+                text: qsTr("longest")
+                opacity: 0.7
+            }
+            Entry {
+                id: lower
+
+                objectName: "legendMin"
+                text: root.legend.shown ? NumberFormat.significant(root.legend.min, 4) : ""
+            }
+        }
+    }
+}

@@ -1,0 +1,139 @@
+#include "PreviewContent/ViewCamera.h"
+
+#include <QMatrix3x3>
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+constexpr double pi = std::numbers::pi;
+constexpr double turnPerHeight = pi;    // of a drag from the picture's lower edge to its upper one
+constexpr double thinnestPixels = 2.5;  // radius of what is thinnestLength thick, as it is drawn at least
+constexpr double thinnestLength = 0.1;
+
+QVector3D single(const Vector3& v) {
+  return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
+}
+
+}  // namespace
+
+void ViewCamera::setContents(SceneContents* value) {
+  contents_ = value;
+  connect(value, &SceneContents::updated, this, &ViewCamera::changed);
+  emit changed();
+}
+
+void ViewCamera::setWidth(double value) {
+  camera_.width = std::max(value, 1.0);
+  moved(fitted_);
+}
+
+void ViewCamera::setHeight(double value) {
+  camera_.height = std::max(value, 1.0);
+  moved(fitted_);
+}
+
+QVector3D ViewCamera::position() const {
+  return single(contents_ ? camera_.position - contents_->origin() : camera_.position);
+}
+
+QQuaternion ViewCamera::rotation() const {
+  const auto [right, up, back] = camera_.axes();
+  return QQuaternion::fromAxes(single(right), single(up), single(back));
+}
+
+double ViewCamera::clipNear() const {
+  return contents_ ? camera_.clipPlanes(contents_->bounds()).near : 0.1;
+}
+
+double ViewCamera::clipFar() const {
+  return contents_ ? camera_.clipPlanes(contents_->bounds()).far : 1000;
+}
+
+double ViewCamera::thickening() const {
+  return thinnestPixels * camera_.pixelAngle() / thinnestLength;
+}
+
+void ViewCamera::grab(double x, double y) {
+  reference_ = hitAt(x, y).value_or(contents_->bounds().centre());
+}
+
+void ViewCamera::orbit(double dx, double dy) {
+  const double perPixel = turnPerHeight / camera_.height;
+  camera_.orbit(reference_, -dx * perPixel, dy * perPixel);
+  moved(false);
+}
+
+void ViewCamera::pan(double dx, double dy) {
+  camera_.pan(reference_, dx, dy);
+  moved(false);
+}
+
+void ViewCamera::zoom(double factor, double x, double y) {
+  auto reference = hitAt(x, y);
+  if (!reference) {
+    // Beside everything: as deep as the middle of the structure.
+    const Ray ray = rayAt(x, y);
+    const double depthOfOne = camera_.depth(ray.at(1));
+    reference = ray.at(std::abs(camera_.depth(contents_->bounds().centre())) / depthOfOne);
+  }
+  camera_.zoom(*reference, factor, std::max(contents_->bounds().radius() * 1e-4, 1e-6));
+  moved(false);
+}
+
+void ViewCamera::show(StandardView view) {
+  switch (view) {
+    case Front:
+      camera_.yaw = camera_.pitch = 0;
+      break;
+    case Top:
+      camera_.yaw = 0;
+      camera_.pitch = -pi / 2;
+      break;
+    case Right:
+      camera_.yaw = pi / 2;
+      camera_.pitch = 0;
+      break;
+    case Isometric:
+      camera_.yaw = pi / 4;
+      camera_.pitch = -std::atan(std::numbers::sqrt2 / 2);
+      break;
+    case Overview:
+      camera_.yaw = pi / 7;
+      camera_.pitch = -pi / 9;
+      break;
+  }
+  fit();
+}
+
+void ViewCamera::fit() {
+  moved(true);
+}
+
+void ViewCamera::moved(bool fitted) {
+  fitted_ = fitted;
+  if (fitted_) camera_.fit(contents_->bounds());
+  emit changed();
+}
+
+void ViewCamera::click(double x, double y) {
+  contents_->click(rayAt(x, y));
+}
+
+bool ViewCamera::hover(double x, double y) {
+  return contents_->highlight(rayAt(x, y));
+}
+
+Ray ViewCamera::rayAt(double x, double y) const {
+  Ray ray = camera_.ray(x, y);
+  ray.thickening = thickening();
+  return ray;
+}
+
+std::optional<Vector3> ViewCamera::hitAt(double x, double y) const {
+  const Ray ray = rayAt(x, y);
+  const auto hits = hitTest(contents_->scene(), ray);
+  if (hits.empty()) return std::nullopt;
+  return ray.at(hits.front().distance);
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <qqml.h>
+#include <QObject>
+#include <QPointF>
+#include <QPointer>
+#include <QQuaternion>
+#include <QVector3D>
+#include <optional>
+
+#include "PreviewContent/SceneContents.h"
+#include "Scene/OrbitCamera.h"
+
+/// The user's camera: what mouse, trackpad, keys and menu do to it, and what the renderer needs to know of it.
+class ViewCamera : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  Q_PROPERTY(SceneContents* contents READ contents WRITE setContents REQUIRED)
+  Q_PROPERTY(double width READ width WRITE setWidth NOTIFY changed)
+  Q_PROPERTY(double height READ height WRITE setHeight NOTIFY changed)
+  Q_PROPERTY(QVector3D position READ position NOTIFY changed)
+  Q_PROPERTY(QQuaternion rotation READ rotation NOTIFY changed)
+  Q_PROPERTY(double fieldOfView READ fieldOfView CONSTANT)
+  Q_PROPERTY(double clipNear READ clipNear NOTIFY changed)
+  Q_PROPERTY(double clipFar READ clipFar NOTIFY changed)
+  Q_PROPERTY(double thickening READ thickening NOTIFY changed)
+
+ public:
+  enum StandardView { Front, Top, Right, Isometric, Overview };
+  Q_ENUM(StandardView)
+
+  using QObject::QObject;
+
+  [[nodiscard]] SceneContents* contents() const { return contents_; }
+  void setContents(SceneContents* value);
+  [[nodiscard]] const OrbitCamera& camera() const { return camera_; }
+
+  [[nodiscard]] double width() const { return camera_.width; }
+  void setWidth(double value);
+  [[nodiscard]] double height() const { return camera_.height; }
+  void setHeight(double value);
+
+  [[nodiscard]] QVector3D position() const;
+  [[nodiscard]] QQuaternion rotation() const;
+  [[nodiscard]] double fieldOfView() const { return OrbitCamera::fieldOfView; }
+  [[nodiscard]] double clipNear() const;
+  [[nodiscard]] double clipFar() const;
+  /// How many times as thick as it is a shape is drawn, per unit of distance, so that it is seen from afar; see Ray.
+  [[nodiscard]] double thickening() const;
+
+  /// Begins a drag at a point of the picture: what is there stays under the pointer or in the middle of the turn.
+  Q_INVOKABLE void grab(double x, double y);
+  /// Turns the camera as if the pointer, moved by (dx, dy) pixels, turned the structure.
+  Q_INVOKABLE void orbit(double dx, double dy);
+  Q_INVOKABLE void pan(double dx, double dy);
+  /// Looks `factor` times as large at what is at this point of the picture.
+  Q_INVOKABLE void zoom(double factor, double x, double y);
+
+  /// Turns to a standard direction and fits.
+  Q_INVOKABLE void show(StandardView view);
+  /// Looks at the whole structure, in the present direction.
+  Q_INVOKABLE void fit();
+
+  Q_INVOKABLE void click(double x, double y);
+  /// True if a click there would pick something.
+  Q_INVOKABLE bool hover(double x, double y);
+
+ signals:
+  void changed();
+
+ private:
+  /// Tells of a new view; `fitted` if it shows the whole structure and is to do so when the picture's size changes.
+  void moved(bool fitted);
+  [[nodiscard]] Ray rayAt(double x, double y) const;
+  [[nodiscard]] std::optional<Vector3> hitAt(double x, double y) const;
+
+  QPointer<SceneContents> contents_;
+  OrbitCamera camera_;
+  Vector3 reference_;  // what the present drag is about
+  bool fitted_ = false;
+};

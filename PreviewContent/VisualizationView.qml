@@ -1,0 +1,94 @@
+import QtQuick
+import Gavrel.PreviewContent
+
+/// The 3D area with the sheets that a click on a node or an element opens.
+///
+/// A click on a node asks for both sheets, since its last digit also selects an element. The node's sheet is then shown
+/// first, and the element's after it is closed.
+Item {
+    id: root
+
+    required property ProjectViewModel projectViewModel
+    property real displacementMagnification: 1
+    property bool isStrainVisualizationActive: false
+
+    property var selectedNode: null
+    property var selectedElement: null
+    property bool showingNodeDetailSheet: false
+    property bool showingElementDetailSheet: false
+    // What the sheets are about: the selections at the time of their opening.
+    property var shownNode: null
+    property var shownElement: null
+
+    property alias options: sceneView.options
+    property alias paused: sceneView.paused
+    property alias showsNodeNumbers: sceneView.showsNodeNumbers
+    property alias showsElementNumbers: sceneView.showsElementNumbers
+    readonly property alias camera: sceneView.camera
+
+    onSelectedNodeChanged: showingNodeDetailSheet = projectViewModel.appMode === AppMode.normal && selectedNode !== null
+    onSelectedElementChanged: showingElementDetailSheet = selectedElement !== null
+    // Later, when a click has made both of its selections.
+    onShowingNodeDetailSheetChanged: Qt.callLater(present)
+    onShowingElementDetailSheetChanged: Qt.callLater(present)
+
+    function present() {
+        if (showingNodeDetailSheet)
+            shownNode = selectedNode;
+        if (showingElementDetailSheet)
+            shownElement = selectedElement;
+        nodeSheet.presented = showingNodeDetailSheet;
+        elementSheet.presented = showingElementDetailSheet && !showingNodeDetailSheet;
+    }
+
+    /// Looks at the whole structure from the side and from above.
+    function showWhole() {
+        sceneView.contents.update();
+        sceneView.camera.show(ViewCamera.Overview);
+    }
+
+    SceneKitView {
+        id: sceneView
+
+        anchors.fill: parent
+        projectViewModel: root.projectViewModel
+        displacementMagnification: root.displacementMagnification
+        isStrainVisualizationActive: root.isStrainVisualizationActive
+        onNodeSelected: node => root.selectedNode = node
+        onElementSelected: element => root.selectedElement = element
+    }
+
+    Sheet {
+        id: nodeSheet
+
+        onDismissed: root.showingNodeDetailSheet = false
+        content: root.selectedNode !== null && root.projectViewModel.appMode === AppMode.normal ? nodeDetail : null
+    }
+
+    Sheet {
+        id: elementSheet
+
+        onDismissed: root.showingElementDetailSheet = false
+        content: root.selectedElement !== null ? elementDetail : null
+    }
+
+    Component {
+        id: nodeDetail
+
+        NodeDetailView {
+            nodeID: root.shownNode
+            projectViewModel: root.projectViewModel
+            onSelectionCleared: root.selectedNode = null
+        }
+    }
+
+    Component {
+        id: elementDetail
+
+        TrussDetailView {
+            elementID: root.shownElement
+            projectViewModel: root.projectViewModel
+            onSelectionCleared: root.selectedElement = null
+        }
+    }
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <vector>
+
+#include "DataModel/Vector3.h"
+#include "Scene/Scene.h"
+
+/// A half-line from `origin` along `direction`, which needs no unit length.
+struct Ray {
+  Vector3 origin;
+  Vector3 direction;
+  /// How many times as thick as it is a shape counts per unit of distance from the origin, but once at least: what a
+  /// viewer draws thicker than it is, so that it can be seen from afar, can be hit as it is drawn. 0 hits the shapes
+  /// exactly.
+  double thickening = 0;
+
+  /// The point at this distance from the origin, where the direction has length 1.
+  [[nodiscard]] Vector3 at(double distance) const {
+    return {origin.x + direction.x * distance, origin.y + direction.y * distance, origin.z + direction.z * distance};
+  }
+};
+
+struct HitTestResult {
+  const SceneNode* node = nullptr;  ///< the node that holds the shape
+  double distance = 0;              ///< from the ray's origin to the point that was hit, in the scene's units
+};
+
+/// Every shape that the ray meets, nearest first, once each. A shape that holds the ray's origin is met where the ray
+/// leaves it. Shapes with numbers that are not finite, and shapes flattened to nothing, are never met.
+[[nodiscard]] std::vector<HitTestResult> hitTest(const Scene& scene, const Ray& ray);

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <optional>
+
+#include "DataModel/Vector3.h"
+#include "Scene/Bounds.h"
+#include "Scene/HitTest.h"
+
+/// A perspective camera that a user turns about things, with y kept upright. Points on the picture are in pixels from
+/// its upper left corner.
+class OrbitCamera {
+ public:
+  static constexpr double fieldOfView = 60;  ///< vertical, in degrees
+
+  /// Right, up and backward: the camera's own axes in the scene.
+  struct Axes {
+    Vector3 right;
+    Vector3 up;
+    Vector3 back;
+  };
+
+  Vector3 position{0, 5, 10};
+  double yaw = 0;    ///< turn about y, in radians; at 0 the camera looks along -z
+  double pitch = 0;  ///< upward slope of the line of sight, in radians, from -π/2 to π/2
+  double width = 1;  ///< of the picture, in pixels
+  double height = 1;
+
+  [[nodiscard]] Axes axes() const;
+
+  /// Turns the camera about `pivot`, which keeps its place on the picture, to the left and downward.
+  void orbit(const Vector3& pivot, double left, double down);
+
+  /// Moves so that what is as deep in the picture as `reference` follows the pointer by (dx, dy) pixels.
+  void pan(const Vector3& reference, double dx, double dy);
+
+  /// Moves towards (factor > 1) or away from `reference`, which keeps its place on the picture, so that it looks
+  /// `factor` times as large. Stops at `closest` before it.
+  void zoom(const Vector3& reference, double factor, double closest);
+
+  /// Looks along the present direction from where the box fills the picture.
+  void fit(const Bounds& box);
+
+  /// The line of sight through a point of the picture, with directions of length 1.
+  [[nodiscard]] Ray ray(double x, double y) const;
+
+  struct PicturePoint {
+    double x, y;
+    double depth;
+  };
+  /// Where a point is seen; nothing for one behind the camera.
+  [[nodiscard]] std::optional<PicturePoint> project(const Vector3& point) const;
+
+  /// Distance along the line of sight; negative behind the camera.
+  [[nodiscard]] double depth(const Vector3& point) const;
+
+  struct ClipPlanes {
+    double near;
+    double far;
+  };
+  /// Planes that cut away nothing of the box, but what is too near for a depth buffer that reaches to its far end.
+  [[nodiscard]] ClipPlanes clipPlanes(const Bounds& box) const;
+
+  /// Length that a pixel covers at a distance of 1.
+  [[nodiscard]] double pixelAngle() const;
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <array>
+
+#include "DataModel/Vector3.h"
+#include "Scene/Scene.h"
+
+/// An affine map x -> M x + t of points.
+struct Transform {
+  std::array<Vector3, 3> columns{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};  ///< images of the unit vectors: the columns of M
+  Vector3 translation;
+
+  [[nodiscard]] Vector3 direction(const Vector3& v) const;
+  [[nodiscard]] Vector3 point(const Vector3& p) const;
+  /// The map that applies `inner` first, then this one.
+  [[nodiscard]] Transform operator*(const Transform& inner) const;
+};
+
+/// From the node's own axes to its parent's: scale, then rotation (Rodrigues' formula), then position.
+[[nodiscard]] Transform transformOf(const SceneNode& node);

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Options.h"
+
+/// Draws the project as `options` ask, seen as a whole from an isometric direction, and writes the picture. Returns the
+/// exit code: 0, or 1 with a line on standard error that says why there is no picture.
+[[nodiscard]] int writeScreenshot(const Options& options);

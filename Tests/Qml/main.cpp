@@ -1,0 +1,26 @@
+#include <QtQml/qqmlextensionplugin.h>
+#include <QtQuickTest/quicktest.h>
+#include <QQmlContext>
+#include <QQmlEngine>
+
+#include "CapturedOutput.h"
+
+Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
+
+/// Lets the tests import the program's QML modules and read what it prints ("standardOutput").
+class Setup : public QObject {
+  Q_OBJECT
+
+ public slots:
+  void qmlEngineAvailable(QQmlEngine* engine) {
+    engine->addImportPath("qrc:/qt/qml");
+    engine->rootContext()->setContextProperty("standardOutput", &output_);
+  }
+
+ private:
+  CapturedOutput output_;
+};
+
+QUICK_TEST_MAIN_WITH_SETUP(qml_tests, Setup)
+
+#include "main.moc"

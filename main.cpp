@@ -1,0 +1,30 @@
+#include <QtQml/qqmlextensionplugin.h>
+#include <QGuiApplication>
+#include <QQuickStyle>
+#include <QQuickWindow>
+
+#include "GavrelApp.h"
+#include "Options.h"
+#include "Screenshot.h"
+
+Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
+
+int main(int argc, char** argv) {
+  // Before the application object, which needs a display: help and usage errors do without.
+  auto asked = readOptions(argc, argv);
+  if (const int* status = std::get_if<int>(&asked)) return *status;
+  const Options& options = std::get<Options>(asked);
+
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+  QQuickStyle::setStyle(QStringLiteral("Fusion"));
+  QGuiApplication application(argc, argv);
+  QGuiApplication::setApplicationName(QStringLiteral("gavrel"));
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Gavrel"));
+  QGuiApplication::setApplicationVersion(QStringLiteral(GAVREL_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("gavrel"));
+
+  if (options.screenshot) return writeScreenshot(options);
+  GavrelApp app;
+  if (!app.start(options.file)) return 1;
+  return QGuiApplication::exec();
+}
