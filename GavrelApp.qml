@@ -8,8 +8,8 @@ ApplicationWindow {
 
     required property ProjectViewModel projectViewModel
 
-    width: 1200
-    height: 800
+    width: Math.min(1200, Screen.desktopAvailableWidth)
+    height: Math.min(800, Screen.desktopAvailableHeight)
     minimumWidth: 800
     minimumHeight: 500
     visible: true
@@ -30,6 +30,8 @@ ApplicationWindow {
 
     menuBar: MainMenu {
         content: content
+        onAboutRequested: about.open()
+        onHelpRequested: controls.open()
     }
 
     ContentView {
@@ -37,6 +39,14 @@ ApplicationWindow {
 
         anchors.fill: parent
         projectViewModel: window.projectViewModel
+    }
+
+    AboutDialog {
+        id: about
+    }
+
+    ControlsDialog {
+        id: controls
     }
 
     footer: StatusLine {

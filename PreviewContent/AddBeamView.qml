@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.PreviewContent
 import "Form.js" as Form

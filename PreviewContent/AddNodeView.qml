@@ -89,9 +89,8 @@ Item {
                 onTextEdited: root.startZ = text
             }
         }
-        Switch {
+        SmallSwitch {
             objectName: "connectToLast"
-            leftPadding: 0
             text: qsTr("Connect to Last")
             checked: root.connectToLast
             onToggled: root.connectToLast = checked

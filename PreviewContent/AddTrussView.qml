@@ -49,7 +49,7 @@ Item {
 
         FormHeader {
             title: qsTr("Configure New Truss")
-            nodes: root.nodeIDs[0] + qsTr(" and ") + root.nodeIDs[1]
+            nodes: root.nodeIDs.slice(0, 2).join(qsTr(" and "))
         }
         Label {
             text: qsTr("Properties:")

@@ -12,11 +12,16 @@ RowLayout {
     readonly property ProjectViewModel model: commands.projectViewModel
     readonly property bool enoughNodes: model.selectedNodesForTruss.length >= 2
 
-    spacing: compact ? 4 : 8
+    readonly property int buttonPadding: compact ? 5 : 12
+    readonly property int buttonFont: compact ? 12 : 13
+
+    spacing: compact ? 3 : 8
 
     component Command: Button {
-        horizontalPadding: root.compact ? 6 : 12
+        implicitWidth: implicitContentWidth + leftPadding + rightPadding
+        horizontalPadding: root.buttonPadding
         verticalPadding: 6
+        font.pixelSize: root.buttonFont
         focusPolicy: Qt.TabFocus
     }
 
@@ -57,8 +62,10 @@ RowLayout {
     ProminentButton {
         objectName: "showStrain"
         text: qsTr("Show Strain")
-        horizontalPadding: root.compact ? 6 : 12
+        implicitWidth: implicitContentWidth + leftPadding + rightPadding
+        horizontalPadding: root.buttonPadding
         verticalPadding: 6
+        font.pixelSize: root.buttonFont
         focusPolicy: Qt.TabFocus
         onClicked: root.commands.toggleStrain()
     }

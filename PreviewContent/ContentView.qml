@@ -1,4 +1,3 @@
-import QtCore
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Dialogs
@@ -39,12 +38,14 @@ Item {
     }
 
     function showSavePanel() {
-        savePanel.selectedFile = savePanel.currentFolder + "/"
+        savePanel.currentFolder = projectViewModel.currentFolder;
+        savePanel.selectedFile = projectViewModel.currentFolder + "/"
             + encodeURIComponent(projectViewModel.projectName.replace(/\//g, "-") + ".json");
         savePanel.open();
     }
 
     function showOpenPanel() {
+        openPanel.currentFolder = projectViewModel.currentFolder;
         openPanel.open();
     }
 
@@ -181,7 +182,6 @@ Item {
     component JsonPanel: FileDialog {
         nameFilters: [qsTr("JSON files (*.json)")]
         defaultSuffix: "json"
-        currentFolder: StandardPaths.writableLocation(StandardPaths.DocumentsLocation)
     }
 
     JsonPanel {
@@ -189,6 +189,7 @@ Item {
 
         title: qsTr("Save Project")
         fileMode: FileDialog.SaveFile
+        acceptLabel: qsTr("Save")
         onAccepted: root.projectViewModel.saveProject(selectedFile)
     }
 

@@ -19,11 +19,13 @@ RowLayout {
     }
     Button {
         objectName: "cancel"
+        horizontalPadding: 10
         text: qsTr("Cancel")
         onClicked: root.canceled()
     }
     ProminentButton {
         objectName: "confirm"
+        horizontalPadding: 10
         text: root.confirmText
         onClicked: root.confirmed()
     }

@@ -12,15 +12,19 @@ ColumnLayout {
     spacing: 6
 
     Label {
+        id: title
+
         text: root.title
         font.bold: true
         font.pixelSize: 16
     }
     Label {
-        id: nodesLabel
-
         objectName: "nodes"
         Layout.fillWidth: true
+        // As wide as the fields below, not as the list of nodes.
+        Layout.preferredWidth: 1
+        wrapMode: Text.Wrap
+        maximumLineCount: 6
         elide: Text.ElideRight
         text: qsTr("Between nodes: ") + root.nodes
     }
@@ -28,6 +32,6 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.topMargin: 4
         implicitHeight: 1
-        color: nodesLabel.palette.mid
+        color: Qt.alpha(title.palette.windowText, 0.2)
     }
 }

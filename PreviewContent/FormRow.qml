@@ -17,7 +17,7 @@ RowLayout {
     spacing: 8
 
     Label {
-        Layout.preferredWidth: 120
+        Layout.preferredWidth: 10 * font.pixelSize
         text: root.label
     }
     NumberField {

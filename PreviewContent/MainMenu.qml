@@ -13,7 +13,7 @@ MenuBar {
     signal aboutRequested()
     signal helpRequested()
 
-    Menu {
+    CommandMenu {
         title: qsTr("&Gavrel")
 
         Action {
@@ -33,7 +33,7 @@ MenuBar {
         }
     }
 
-    Menu {
+    CommandMenu {
         title: qsTr("&File")
 
         Action {
@@ -59,7 +59,7 @@ MenuBar {
         }
     }
 
-    Menu {
+    CommandMenu {
         title: qsTr("&View")
 
         Action {
@@ -90,6 +90,13 @@ MenuBar {
         }
         MenuSeparator {}
         Action {
+            text: qsTr("&z Axis Upright")
+            checkable: true
+            checked: root.visualization.camera.zUp
+            onTriggered: root.visualization.camera.zUp = checked
+        }
+        MenuSeparator {}
+        Action {
             text: qsTr("&Show Strain")
             checkable: true
             checked: root.content.projectViewModel.isStrainVisualizationActive
@@ -114,7 +121,7 @@ MenuBar {
         }
     }
 
-    Menu {
+    CommandMenu {
         title: qsTr("&Help")
 
         Action {

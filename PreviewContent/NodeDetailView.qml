@@ -64,25 +64,10 @@ Item {
         Accessible.name: qsTr("Load %1").arg(placeholderText)
     }
 
-    component Restraint: Switch {
-        id: restraint
-
+    component Restraint: SmallSwitch {
         Layout.fillWidth: true
         Layout.preferredWidth: 1
-        padding: 0
-        spacing: 2
-        implicitHeight: indicator.height + 2 + label.implicitHeight
-        Component.onCompleted: {
-            indicator.x = 0;
-            indicator.y = 0;
-        }
-        contentItem: Label {
-            id: label
-
-            verticalAlignment: Text.AlignBottom
-            font.pixelSize: 12
-            text: restraint.text
-        }
+        font.pixelSize: 11
     }
 
     ColumnLayout {

@@ -8,10 +8,17 @@ TextField {
 
     property bool invalid: false
 
+    leftPadding: 6
+    rightPadding: 6
     selectByMouse: true
-    inputMethodHints: Qt.ImhFormattedNumbersOnly
+    inputMethodHints: Qt.ImhPreferNumbers | Qt.ImhNoPredictiveText
     Accessible.name: placeholderText
-    onTextEdited: invalid = false
+    Accessible.description: invalid ? qsTr("Not a number") : ""
+    onTextChanged: invalid = false
+    onActiveFocusChanged: {
+        if (activeFocus && (focusReason === Qt.TabFocusReason || focusReason === Qt.BacktabFocusReason))
+            selectAll();
+    }
 
     /// The number, or undefined if the text is none.
     function check() {
@@ -20,14 +27,16 @@ TextField {
         return number;
     }
 
-    Rectangle {
-        anchors.fill: parent
-        visible: root.invalid
-        radius: 2
-        color: "#22e03030"
+    background: Rectangle {
+        implicitWidth: 120
+        implicitHeight: 26
+        radius: 4
+        color: root.palette.base
         border {
-            width: 2
-            color: "#e03030"
+            width: root.invalid || root.activeFocus ? 2 : 1
+            // A red that can be told from light and dark surroundings.
+            color: root.invalid ? "#e5484d" : root.activeFocus ? root.palette.highlight
+                 : Qt.alpha(root.palette.text, 0.3)
         }
     }
 }

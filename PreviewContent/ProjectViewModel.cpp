@@ -1,5 +1,7 @@
 #include "PreviewContent/ProjectViewModel.h"
 
+#include <QDir>
+#include <QStandardPaths>
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -17,7 +19,8 @@ constexpr double automaticYoungModulus = 100000.0;
 
 std::optional<std::filesystem::path> pathOf(const QUrl& url) {
   if (url.isEmpty()) return std::nullopt;
-  return std::filesystem::path(url.toLocalFile().toStdString());
+  // Qt's own file panel leaves out the scheme.
+  return std::filesystem::path((url.isLocalFile() ? url.toLocalFile() : url.path()).toStdString());
 }
 
 }  // namespace
@@ -229,4 +232,13 @@ QString ProjectViewModel::projectName() const {
 
 QString ProjectViewModel::currentFileName() const {
   return currentFileUrl ? QString::fromStdString(currentFileUrl->filename().string()) : QString();
+}
+
+QUrl ProjectViewModel::currentFolder() const {
+  if (currentFileUrl) {
+    const auto folder = std::filesystem::absolute(*currentFileUrl).parent_path();
+    return QUrl::fromLocalFile(QString::fromStdString(folder.string()));
+  }
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QUrl::fromLocalFile(QDir(documents).exists() ? documents : QDir::homePath());
 }

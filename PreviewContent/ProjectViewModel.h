@@ -33,6 +33,7 @@ class ProjectViewModel : public QObject {
   Q_PROPERTY(bool isStrainVisualizationActive READ strainActive WRITE setIsStrainVisualizationActive NOTIFY
                  isStrainVisualizationActiveChanged)
   Q_PROPERTY(QString currentFileName READ currentFileName NOTIFY currentFileChanged)
+  Q_PROPERTY(QUrl currentFolder READ currentFolder NOTIFY currentFileChanged)
 
  public:
   Observable objectWillChange;
@@ -127,4 +128,6 @@ class ProjectViewModel : public QObject {
   [[nodiscard]] qint64 numberOfElements() const;
   [[nodiscard]] QString projectName() const;
   [[nodiscard]] QString currentFileName() const;
+  /// Where the user's files are likely to be: beside the current one, or among the documents.
+  [[nodiscard]] QUrl currentFolder() const;
 };

@@ -1,5 +1,6 @@
 #include "PreviewContent/SceneContents.h"
 
+#include <cmath>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -106,10 +107,18 @@ void SceneContents::fillTables() {
                            : std::holds_alternative<Tube>(node.content) ? tubes_
                                                                         : cones_;
     table.append(world, stretch, origin_, node.color);
-    if (!std::holds_alternative<Sphere>(node.content)) bounds_.add(world.translation, stretch.x);
+    if (!std::holds_alternative<Sphere>(node.content))
+      bounds_.add(world.translation, std::holds_alternative<Cone>(node.content) ? stretch.y : stretch.x);
   });
   for (InstanceTable* table : {&balls_, &tubes_, &cones_}) table->publish();
   showHighlight(nullptr);
+}
+
+std::vector<Vector3> SceneContents::shapeCentres() const {
+  std::vector<Vector3> centres;
+  forEachShape(scene().rootNode,
+               [&centres](const SceneNode&, const Transform& world) { centres.push_back(world.translation); });
+  return centres;
 }
 
 QColor SceneContents::background() const {
@@ -125,6 +134,17 @@ QVariantMap SceneContents::strainLegend() const {
     colors.append(toQColor(SceneKitView::colorForStrain(strain, min, max)));
   }
   return {{"shown", min <= max}, {"min", min}, {"max", max}, {"colors", colors}};
+}
+
+bool SceneContents::loadsActAlongZ() const {
+  const auto& loads = *(*viewModel_->project)->F_I;
+  double y = 0;
+  double z = 0;
+  for (std::size_t dof = 0; dof + 2 < loads.size(); dof += dofsPerNode) {
+    y += std::abs(loads[dof + 1]);
+    z += std::abs(loads[dof + 2]);
+  }
+  return z > y;
 }
 
 void SceneContents::click(const Ray& ray) {

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QVariant>
 #include <memory>
+#include <vector>
 
 #include "PreviewContent/Coordinator.h"
 #include "PreviewContent/InstanceTable.h"
@@ -40,6 +41,7 @@ class SceneContents : public QObject {
   [[nodiscard]] const Scene& scene() const { return coordinator_->scene; }
   /// Around all shapes.
   [[nodiscard]] const Bounds& bounds() const { return bounds_; }
+  [[nodiscard]] std::vector<Vector3> shapeCentres() const;
   /// The point of the scene that the renderer draws at its own zero.
   [[nodiscard]] const Vector3& origin() const { return origin_; }
 
@@ -60,6 +62,9 @@ class SceneContents : public QObject {
   /// Draws what a click along the ray would pick in a lighter colour. True if there is something.
   bool highlight(const Ray& ray);
   Q_INVOKABLE void clearHighlight();
+
+  /// Whether the loads act along z rather than along y, so that z is likely to be upright.
+  [[nodiscard]] Q_INVOKABLE bool loadsActAlongZ() const;
 
   /// Does at once what is scheduled.
   Q_INVOKABLE void update();

@@ -51,6 +51,7 @@ Item {
         }
         materials: ShapeMaterial {
             thickening: viewCamera.thickening
+            lightDirection: viewCamera.lightDirection
             isBall: shapes.shape === ShapeGeometry.Ball
         }
     }

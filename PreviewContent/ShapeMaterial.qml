@@ -5,6 +5,7 @@ import QtQuick3D
 CustomMaterial {
     property real thickening: 0
     property bool isBall: false
+    property vector3d lightDirection: Qt.vector3d(0, 0.70710678, 0.70710678)
 
     shadingMode: CustomMaterial.Unshaded
     vertexShader: "shape.vert"

@@ -54,7 +54,10 @@ Popup {
             dismissed();
     }
 
-    function confirm() {
+    function confirm(event) {
+        // A key held down since before the sheet came confirms nothing.
+        if (event.isAutoRepeat)
+            return;
         const focused = frame.Window.activeFocusItem;
         if (focused instanceof Button)
             focused.clicked();
@@ -66,10 +69,33 @@ Popup {
         color: "#66000000"
     }
 
-    background: Rectangle {
-        radius: 8
-        color: root.palette.window
-        border.color: root.palette.mid
+    background: Item {
+        implicitWidth: 200
+        implicitHeight: 100
+
+        // The shadow: ever wider and fainter, and a little lower than the sheet.
+        Repeater {
+            model: 8
+
+            Rectangle {
+                required property int index
+
+                anchors {
+                    fill: parent
+                    margins: -index
+                    topMargin: 3 - index
+                    bottomMargin: -3 - index
+                }
+                radius: 8 + index
+                color: "#0a000000"
+            }
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: 8
+            color: root.palette.window
+            border.color: Qt.alpha(root.palette.windowText, 0.2)
+        }
     }
 
     contentItem: FocusScope {
@@ -79,8 +105,8 @@ Popup {
         implicitHeight: loader.implicitHeight
 
         Keys.onEscapePressed: root.cancel()
-        Keys.onReturnPressed: root.confirm()
-        Keys.onEnterPressed: root.confirm()
+        Keys.onReturnPressed: event => root.confirm(event)
+        Keys.onEnterPressed: event => root.confirm(event)
 
         Loader {
             id: loader

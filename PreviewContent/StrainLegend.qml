@@ -49,8 +49,9 @@ Rectangle {
                 }
             }
         }
-        Column {
-            spacing: 3
+        Item {
+            width: Math.max(upper.width, lower.width, meaning.width)
+            height: 16 * 7 + 7
 
             Entry {
                 id: upper
@@ -59,21 +60,17 @@ Rectangle {
                 text: root.legend.shown ? NumberFormat.significant(root.legend.max, 4) : ""
             }
             Entry {
-                text: qsTr("shortest")
-                opacity: 0.7
-            }
-            Item {
-                width: 1
-                height: 16 * 7 + 7 - 2 * (upper.height + lower.height) - 4 * 3
-            }
-            Entry {
-                text: qsTr("longest")
-                opacity: 0.7
+                id: meaning
+
+                anchors.verticalCenter: parent.verticalCenter
+                text: qsTr("+ shortened\n− stretched")
+                opacity: 0.75
             }
             Entry {
                 id: lower
 
                 objectName: "legendMin"
+                anchors.bottom: parent.bottom
                 text: root.legend.shown ? NumberFormat.significant(root.legend.min, 4) : ""
             }
         }

@@ -34,8 +34,10 @@ Item {
         dismiss();
     }
 
+    // Three of them have to fit into the frame, whatever the font.
     component Choice: Button {
-        implicitWidth: implicitContentWidth + 20
+        implicitWidth: implicitContentWidth + 16
+        font.pixelSize: 12
         visible: root.truss.found
     }
 

@@ -34,6 +34,16 @@ void ViewCamera::setHeight(double value) {
   moved(fitted_);
 }
 
+void ViewCamera::setZUp(bool value) {
+  if (value == camera_.zUp) return;
+  camera_.zUp = value;
+  fit();
+}
+
+QVector3D ViewCamera::lightDirection() const {
+  return camera_.zUp ? QVector3D(0, -1, 1).normalized() : QVector3D(0, 1, 1).normalized();
+}
+
 QVector3D ViewCamera::position() const {
   return single(contents_ ? camera_.position - contents_->origin() : camera_.position);
 }
@@ -113,7 +123,7 @@ void ViewCamera::fit() {
 
 void ViewCamera::moved(bool fitted) {
   fitted_ = fitted;
-  if (fitted_) camera_.fit(contents_->bounds());
+  if (fitted_) camera_.fit(contents_->shapeCentres());
   emit changed();
 }
 

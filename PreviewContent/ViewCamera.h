@@ -18,6 +18,8 @@ class ViewCamera : public QObject {
   Q_PROPERTY(SceneContents* contents READ contents WRITE setContents REQUIRED)
   Q_PROPERTY(double width READ width WRITE setWidth NOTIFY changed)
   Q_PROPERTY(double height READ height WRITE setHeight NOTIFY changed)
+  Q_PROPERTY(bool zUp READ zUp WRITE setZUp NOTIFY changed)
+  Q_PROPERTY(QVector3D lightDirection READ lightDirection NOTIFY changed)
   Q_PROPERTY(QVector3D position READ position NOTIFY changed)
   Q_PROPERTY(QQuaternion rotation READ rotation NOTIFY changed)
   Q_PROPERTY(double fieldOfView READ fieldOfView CONSTANT)
@@ -40,6 +42,12 @@ class ViewCamera : public QObject {
   [[nodiscard]] double height() const { return camera_.height; }
   void setHeight(double value);
 
+  /// Whether z is kept upright instead of y. A change shows the whole structure from the like direction.
+  [[nodiscard]] bool zUp() const { return camera_.zUp; }
+  void setZUp(bool value);
+
+  /// Towards the light, which turns with the upright axis: from above and in front.
+  [[nodiscard]] QVector3D lightDirection() const;
   [[nodiscard]] QVector3D position() const;
   [[nodiscard]] QQuaternion rotation() const;
   [[nodiscard]] double fieldOfView() const { return OrbitCamera::fieldOfView; }

@@ -32,6 +32,17 @@ Item {
     onShowingNodeDetailSheetChanged: Qt.callLater(present)
     onShowingElementDetailSheetChanged: Qt.callLater(present)
 
+    // Only a change of value counts; assigning the same value would tell of a change, too.
+    function selectNode(node) {
+        if (node !== selectedNode)
+            selectedNode = node;
+    }
+
+    function selectElement(element) {
+        if (element !== selectedElement)
+            selectedElement = element;
+    }
+
     function present() {
         if (showingNodeDetailSheet)
             shownNode = selectedNode;
@@ -41,9 +52,10 @@ Item {
         elementSheet.presented = showingElementDetailSheet && !showingNodeDetailSheet;
     }
 
-    /// Looks at the whole structure from the side and from above.
+    /// Looks at the whole structure from the side and from above, with the axis upright along which the loads act.
     function showWhole() {
         sceneView.contents.update();
+        sceneView.camera.zUp = sceneView.contents.loadsActAlongZ();
         sceneView.camera.show(ViewCamera.Overview);
     }
 
@@ -54,8 +66,18 @@ Item {
         projectViewModel: root.projectViewModel
         displacementMagnification: root.displacementMagnification
         isStrainVisualizationActive: root.isStrainVisualizationActive
-        onNodeSelected: node => root.selectedNode = node
-        onElementSelected: element => root.selectedElement = element
+        onNodeSelected: node => root.selectNode(node)
+        onElementSelected: element => root.selectElement(element)
+    }
+
+    Text {
+        anchors.centerIn: parent
+        visible: root.projectViewModel.numberOfNodes === 0
+        horizontalAlignment: Text.AlignHCenter
+        lineHeight: 1.4
+        font.pixelSize: 15
+        color: "#f4f4f4"
+        text: qsTr("An empty structure\nAdd Node begins it, Open... brings one back")
     }
 
     Sheet {

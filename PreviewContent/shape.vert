@@ -1,6 +1,5 @@
 VARYING vec3 surfaceColor;
 
-const vec3 lightDirection = vec3(0.0, 0.70710678, 0.70710678);
 const float ambient = 1.0 / 3.0;
 
 void MAIN()

@@ -7,7 +7,8 @@
 namespace {
 
 constexpr double pi = std::numbers::pi;
-constexpr double margin = 1.08;        // of a fitted picture
+constexpr double margin = 1.1;         // of a fitted picture
+constexpr double closestFit = 2;       // what a single node is looked at from
 constexpr double deepestRatio = 1e-4;  // of near to far: what 24 bits of depth resolve
 
 double dot(const Vector3& a, const Vector3& b) {
@@ -40,7 +41,8 @@ double tangentOfHalf() {
 
 OrbitCamera::Axes OrbitCamera::axes() const {
   const double cy = std::cos(yaw), sy = std::sin(yaw), cp = std::cos(pitch), sp = std::sin(pitch);
-  return {{cy, 0, -sy}, {sy * sp, cp, cy * sp}, {sy * cp, -sp, cy * cp}};
+  const auto upright = [this](const Vector3& v) { return zUp ? Vector3{v.x, -v.z, v.y} : v; };
+  return {upright({cy, 0, -sy}), upright({sy * sp, cp, cy * sp}), upright({sy * cp, -sp, cy * cp})};
 }
 
 void OrbitCamera::orbit(const Vector3& pivot, double left, double down) {
@@ -66,23 +68,26 @@ void OrbitCamera::zoom(const Vector3& reference, double factor, double closest) 
   if (distance > 0) position = along(position, offset, 1 - wanted / distance);
 }
 
-void OrbitCamera::fit(const Bounds& box) {
+void OrbitCamera::fit(const std::vector<Vector3>& points) {
+  Bounds box;
+  for (const Vector3& point : points) box.add(point, 0);
   if (box.empty()) return;
   const Axes a = axes();
   const Vector3 centre = box.centre();
   const double vertical = tangentOfHalf() / margin;
   const double horizontal = vertical * width / height;
-  // A corner (r, u, b) in the camera's axes, seen from (x, y, d), is in the picture where |r - x| <= (d - b) horizontal
+  // A point (r, u, b) in the camera's axes, seen from (x, y, d), is in the picture where |r - x| <= (d - b) horizontal
   // and |u - y| <= (d - b) vertical.
   Interval across;
   Interval upward;
-  for (const Vector3& corner : box.corners()) {
-    const Vector3 offset = corner - centre;
+  for (const Vector3& point : points) {
+    const Vector3 offset = point - centre;
     const double towards = dot(offset, a.back);
+    if (!std::isfinite(towards)) continue;
     across.add(dot(offset, a.right), towards * horizontal);
     upward.add(dot(offset, a.up), towards * vertical);
   }
-  const double distance = std::max(across.half() / horizontal, upward.half() / vertical);
+  const double distance = std::max({across.half() / horizontal, upward.half() / vertical, closestFit});
   position = along(along(along(centre, a.right, across.middle()), a.up, upward.middle()), a.back, distance);
 }
 

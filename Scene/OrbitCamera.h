@@ -1,13 +1,14 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "DataModel/Vector3.h"
 #include "Scene/Bounds.h"
 #include "Scene/HitTest.h"
 
-/// A perspective camera that a user turns about things, with y kept upright. Points on the picture are in pixels from
-/// its upper left corner.
+/// A perspective camera that a user turns about things, with y or z kept upright. Points on the picture are in pixels
+/// from its upper left corner.
 class OrbitCamera {
  public:
   static constexpr double fieldOfView = 60;  ///< vertical, in degrees
@@ -20,7 +21,8 @@ class OrbitCamera {
   };
 
   Vector3 position{0, 5, 10};
-  double yaw = 0;    ///< turn about y, in radians; at 0 the camera looks along -z
+  bool zUp = false;  ///< whether z is upright instead of y
+  double yaw = 0;    ///< turn about the upright axis, in radians; at 0 the camera looks along -z, or along y if z is up
   double pitch = 0;  ///< upward slope of the line of sight, in radians, from -π/2 to π/2
   double width = 1;  ///< of the picture, in pixels
   double height = 1;
@@ -37,8 +39,9 @@ class OrbitCamera {
   /// `factor` times as large. Stops at `closest` before it.
   void zoom(const Vector3& reference, double factor, double closest);
 
-  /// Looks along the present direction from where the box fills the picture.
-  void fit(const Bounds& box);
+  /// Looks along the present direction from where the points fill the picture. Points with numbers that are not finite
+  /// do not count; nothing happens without points.
+  void fit(const std::vector<Vector3>& points);
 
   /// The line of sight through a point of the picture, with directions of length 1.
   [[nodiscard]] Ray ray(double x, double y) const;

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Tests/EndToEnd/Image.h"
+#include "Tests/TemporaryFolder.h"
+
+/// The real program on a display of its own, seen and worked as a person does: by pictures, mouse and keys. What does
+/// not come about within half a minute throws.
+class Desktop {
+ public:
+  /// Starts the program with these arguments and a home folder of its own, and waits for its window.
+  explicit Desktop(const std::vector<std::string>& arguments = {});
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+  ~Desktop();
+
+  enum Button { addNode, selectForTruss, selectForBeam, addTruss, addBeam, calculate, showStrain, save, saveAs, open };
+
+  void press(Button button);
+  /// Clicks the node that stands at this place among all nodes counted from the left, of which `count` are seen.
+  void clickNode(std::size_t fromLeft, std::size_t count);
+  void keys(const std::string& names);
+  void type(const std::string& text);
+
+  /// Waits for a line on the program's standard output, counted from the last line waited for, that starts like this.
+  void expectLine(const std::string& start);
+  [[nodiscard]] std::string output() const { return home.get("output.txt"); }
+
+  /// Waits for a window whose title this is a part of.
+  void expectTitle(const std::string& part);
+
+  /// The exit status once the program has ended by itself.
+  int exitStatus();
+
+  TemporaryFolder home;
+
+ private:
+  void run(const std::string& xdotoolCommands);
+  static void settle();
+
+  pid_t program_ = -1;
+  std::size_t read_ = 0;  // bytes of the output that expectLine has passed
+};

@@ -1,0 +1,58 @@
+import QtQuick
+import QtTest
+import Gavrel.PreviewContent
+
+/// Opens the content of a sheet by itself, presses its buttons, and notes what it asks its owner for.
+TestCase {
+    id: test
+
+    property ProjectViewModel model
+    property Item form
+    property var happened: []
+
+    when: windowShown
+    width: 400
+    height: 400
+    visible: true
+
+    function open(component, properties) {
+        form = createTemporaryObject(component, test, Object.assign({ projectViewModel: model }, properties));
+        happened = [];
+        form.dismiss.connect(() => happened.push("dismiss"));
+        form.selectionCleared?.connect(() => happened.push("selectionCleared"));
+    }
+
+    function click(name) {
+        mouseClick(findChild(form, name));
+    }
+
+    /// Types over the texts of the fields, from the first one on.
+    function type(...fields) {
+        form.firstField.forceActiveFocus(Qt.TabFocusReason);
+        for (const text of fields) {
+            keyClick(Qt.Key_Delete);
+            for (const character of text)
+                keyClick(character);
+            keyClick(Qt.Key_Tab);
+        }
+    }
+
+    /// Clicks and returns what was printed then.
+    function printed(name) {
+        standardOutput.start();
+        click(name);
+        return standardOutput.stop();
+    }
+
+    /// The texts that an item shows, in the order of its rows.
+    function texts(item) {
+        if (!item.visible)
+            return [];
+        if (item.text !== undefined)
+            return [item.text];
+        let all = [];
+        for (let i = 0; i < item.children.length; ++i)
+            all = all.concat(texts(item.children[i]));
+        return all;
+    }
+}
