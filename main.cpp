@@ -15,6 +15,8 @@ int main(int argc, char** argv) {
   if (const int* status = std::get_if<int>(&asked)) return *status;
   const Options& options = std::get<Options>(asked);
 
+  // Drawing in the main thread: Qt 6.4 frees a 3D view that goes away while its drawing thread may still be at it.
+  qputenv("QSG_RENDER_LOOP", "basic");
   QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
   QQuickStyle::setStyle(QStringLiteral("Fusion"));
   QGuiApplication application(argc, argv);

@@ -97,6 +97,7 @@ Item {
         }
         FormButtons {
             Layout.topMargin: 6
+            prominent: true
             confirmText: qsTr("Add Beam")
             onCanceled: root.cancel()
             onConfirmed: root.confirm()

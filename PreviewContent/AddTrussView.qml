@@ -75,6 +75,7 @@ Item {
         }
         FormButtons {
             Layout.topMargin: 6
+            prominent: true
             confirmText: qsTr("Add Truss")
             onCanceled: root.cancel()
             onConfirmed: root.confirm()

@@ -8,6 +8,7 @@ RowLayout {
     id: root
 
     required property string confirmText
+    property bool prominent: false
 
     signal canceled()
     signal confirmed()
@@ -23,10 +24,29 @@ RowLayout {
         text: qsTr("Cancel")
         onClicked: root.canceled()
     }
-    ProminentButton {
-        objectName: "confirm"
-        horizontalPadding: 10
-        text: root.confirmText
-        onClicked: root.confirmed()
+    Loader {
+        sourceComponent: root.prominent ? prominentButton : plainButton
+    }
+
+    Component {
+        id: plainButton
+
+        Button {
+            objectName: "confirm"
+            horizontalPadding: 10
+            text: root.confirmText
+            onClicked: root.confirmed()
+        }
+    }
+
+    Component {
+        id: prominentButton
+
+        ProminentButton {
+            objectName: "confirm"
+            horizontalPadding: 10
+            text: root.confirmText
+            onClicked: root.confirmed()
+        }
     }
 }
