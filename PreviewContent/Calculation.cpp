@@ -2,8 +2,18 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QEventLoop>
+#include <QTimer>
 #include <algorithm>
 #include <array>
+
+namespace {
+
+// Milliseconds. A repaint waits for the display; fast steps are not held up by one each.
+constexpr int repaintTime = 20;
+constexpr int longestSilence = 100;
+
+}  // namespace
 
 void Calculation::setProjectViewModel(ProjectViewModel* value) {
   viewModel_ = value;
@@ -35,7 +45,7 @@ void Calculation::run() {
   show(0, 0);
   const auto project = *viewModel_->project;
   project->Solve([this](int step, double residual) { show(step, residual); });
-  QCoreApplication::processEvents();  // drops what was typed during the last step
+  repaint();  // drops what was typed during the last step
   qApp->removeEventFilter(this);
   solved_ = true;
   viewModel_->setProject(project);
@@ -47,7 +57,14 @@ void Calculation::show(int step, double residual) {
   step_ = step;
   residual_ = residual;
   emit changed();
-  QCoreApplication::processEvents();
+  if (step == 0 || sinceRepaint_.hasExpired(longestSilence)) repaint();
+}
+
+void Calculation::repaint() {
+  QEventLoop loop;
+  QTimer::singleShot(repaintTime, &loop, &QEventLoop::quit);
+  loop.exec();
+  sinceRepaint_.start();
 }
 
 bool Calculation::eventFilter(QObject* watched, QEvent* event) {

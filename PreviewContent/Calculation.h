@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qqml.h>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -39,10 +40,12 @@ class Calculation : public QObject {
 
  private:
   void show(int step, double residual);
+  void repaint();
 
   QPointer<ProjectViewModel> viewModel_;
   bool running_ = false;
   bool solved_ = false;
   int step_ = 0;
   double residual_ = 0;
+  QElapsedTimer sinceRepaint_;
 };

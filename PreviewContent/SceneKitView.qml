@@ -15,7 +15,13 @@ Item {
     property bool showsElementNumbers: false
     readonly property alias camera: viewCamera
     readonly property alias contents: sceneContents
-    readonly property int shapeSides: sceneContents.tubes.size > 20000 ? 6 : sceneContents.tubes.size > 2000 ? 10 : 20
+    // Corners of a tube's section, by the number of tubes and by who draws them.
+    readonly property int shapeSides: {
+        const tubes = sceneContents.tubes.size;
+        const fine = tubes <= 2000 ? 20 : tubes <= 20000 ? 12 : 8;
+        return hardware.accelerated ? fine : tubes <= 2000 ? fine : tubes <= 20000 ? 8 : 4;
+    }
+    readonly property bool antialiased: hardware.accelerated || sceneContents.tubes.size <= 5000
 
     signal nodeSelected(var node)
     signal elementSelected(var element)
@@ -39,10 +45,15 @@ Item {
         height: root.height
     }
 
+    GraphicsHardware {
+        id: hardware
+    }
+
     component Shapes: Model {
         id: shapes
 
         required property int shape
+        readonly property int triangles: instancing.size * geometry.triangles
 
         pickable: false
         geometry: ShapeGeometry {
@@ -64,7 +75,7 @@ Item {
         environment: SceneEnvironment {
             backgroundMode: SceneEnvironment.Color
             clearColor: sceneContents.background
-            antialiasingMode: SceneEnvironment.MSAA
+            antialiasingMode: root.antialiased ? SceneEnvironment.MSAA : SceneEnvironment.NoAA
             antialiasingQuality: SceneEnvironment.Medium
             tonemapMode: SceneEnvironment.TonemapModeNone
         }
@@ -79,14 +90,20 @@ Item {
             clipFar: viewCamera.clipFar
         }
         Shapes {
+            id: balls
+
             shape: ShapeGeometry.Ball
             instancing: sceneContents.balls
         }
         Shapes {
+            id: tubes
+
             shape: ShapeGeometry.Tube
             instancing: sceneContents.tubes
         }
         Shapes {
+            id: cones
+
             shape: ShapeGeometry.Cone
             instancing: sceneContents.cones
         }
@@ -145,6 +162,6 @@ Item {
         visible: (root.options & 1) !== 0
         view: view
         shapes: sceneContents.balls.size + sceneContents.tubes.size + sceneContents.cones.size
-        triangles: 0
+        triangles: balls.triangles + tubes.triangles + cones.triangles
     }
 }

@@ -36,15 +36,11 @@ class Mesh {
     }
   }
 
-  /// A disc across the axis that faces up or down.
-  void addDisc(float height, float up, int sides) {
+  /// A disc across the axis that faces down.
+  void addBase(float height, int sides) {
     const auto first = static_cast<quint16>(vertices.size());
-    for (int i = 0; i < sides; ++i) vertices.push_back(onRing({1, height, 0, up}, i, sides));
-    for (int i = 1; i + 1 < sides; ++i) {
-      const auto a = quint16(first + i);
-      const auto b = quint16(first + i + 1);
-      up > 0 ? addTriangle(first, a, b) : addTriangle(first, b, a);
-    }
+    for (int i = 0; i < sides; ++i) vertices.push_back(onRing({1, height, 0, -1}, i, sides));
+    for (int i = 1; i + 1 < sides; ++i) addTriangle(first, quint16(first + i + 1), quint16(first + i));
   }
 
  private:
@@ -70,11 +66,10 @@ Mesh ballMesh(int sides) {
   return mesh;
 }
 
+/// Without its ends, which the balls of the nodes and the heads of arrows hide.
 Mesh tubeMesh(int sides) {
   Mesh mesh;
   mesh.addBand({1, -0.5F, 1, 0}, {1, 0.5F, 1, 0}, sides);
-  mesh.addDisc(-0.5F, -1, sides);
-  mesh.addDisc(0.5F, 1, sides);
   return mesh;
 }
 
@@ -83,7 +78,7 @@ Mesh coneMesh(int sides) {
   Mesh mesh;
   const float slope = std::numbers::sqrt2_v<float> / 2;
   mesh.addBand({1, -0.5F, slope, slope}, {0, 0.5F, slope, slope}, sides);
-  mesh.addDisc(-0.5F, -1, sides);
+  mesh.addBase(-0.5F, sides);
   return mesh;
 }
 
