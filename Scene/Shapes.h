@@ -15,6 +15,10 @@
 template <class Visit>
 void forEachShape(const SceneNode& root, const Visit& visit, const Transform* outer = nullptr) {
   for (const SceneNode& node : root.children) {
+    if (!hasShape(node) && isInParentsAxes(node)) {
+      forEachShape(node, visit, outer);
+      continue;
+    }
     const Transform own = transformOf(node);
     const Transform world = outer == nullptr ? own : *outer * own;
     if (hasShape(node)) visit(node, world);

@@ -1,1 +1,160 @@
+#include "Scene/HitTest.h"
+
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <variant>
+
+#include "Scene/Shapes.h"
+
+namespace {
+
+using Limits = std::numeric_limits<double>;
+
+SceneNode shape(std::variant<Sphere, Tube, Cone> content, const Vector3& position = {}) {
+  SceneNode node;
+  std::visit([&node](const auto& solid) { node.content = solid; }, content);
+  node.position = position;
+  return node;
+}
+
+Scene sceneOf(std::vector<SceneNode> nodes) {
+  Scene scene;
+  scene.rootNode.children = std::move(nodes);
+  return scene;
+}
+
+double distanceTo(const SceneNode& node, const Ray& ray) {
+  const Scene scene = sceneOf({node});
+  const auto hits = hitTest(scene, ray);
+  return hits.empty() ? -1 : hits.front().distance;
+}
+
+/// Whether a point of the shape's own axes is inside it, straight from what the shapes are.
+bool holds(const SceneNode& node, const Vector3& p) {
+  const double across = std::hypot(p.x, p.z);
+  if (const auto* ball = std::get_if<Sphere>(&node.content)) return length(p) <= ball->radius;
+  if (const auto* tube = std::get_if<Tube>(&node.content))
+    return across <= tube->radius && std::abs(p.y) <= tube->height / 2;
+  const auto& cone = std::get<Cone>(node.content);
+  return std::abs(p.y) <= cone.height / 2 && across <= cone.bottomRadius * (0.5 - p.y / cone.height);
+}
+
+/// The least t at which the ray is inside the shape, by steps and then by halving; -1 if there is none.
+double firstInside(const SceneNode& node, const Vector3& origin, const Vector3& direction, double end) {
+  constexpr int steps = 20000;
+  const auto inside = [&](double t) {
+    return holds(node, {origin.x + t * direction.x, origin.y + t * direction.y, origin.z + t * direction.z});
+  };
+  for (int i = 1; i <= steps; ++i) {
+    double high = end * i / steps;
+    if (!inside(high)) continue;
+    double low = end * (i - 1) / steps;
+    for (int halving = 0; halving < 60; ++halving) (inside((low + high) / 2) ? high : low) = (low + high) / 2;
+    return high;
+  }
+  return -1;
+}
+
+TEST(HitTest, MeetsShapesWhereTheyAreUnderAnyTransform) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> unit(-1, 1);
+  const auto vector = [&](double size) {
+    return Vector3{size * unit(random), size * unit(random), size * unit(random)};
+  };
+  int met = 0;
+  for (int i = 0; i < 300; ++i) {
+    SceneNode node = i % 3 == 0 ? shape(Sphere{1}) : i % 3 == 1 ? shape(Tube{0.7, 2.5}) : shape(Cone{1.2, 2});
+    // The ray is chosen in the shape's own axes, and taken out of them by two transforms.
+    const Vector3 o = vector(4);
+    const Vector3 d = vector(1.2) - o;
+    node.position = vector(1e3);
+    node.rotation = {vector(1), 3 * unit(random)};
+    node.scale = {0.3 + std::abs(unit(random)), -0.4 - std::abs(unit(random)), 2};
+    SceneNode group;
+    group.position = vector(10);
+    group.rotation = {vector(1e-200), unit(random)};
+    group.scale = {1, 3, 0.5};
+    const Transform world = transformOf(group) * transformOf(node);
+    group.children = {node};
+    const Scene scene = sceneOf({group});
+    const auto hits = hitTest(scene, {world.point(o), world.direction(d)});
+
+    const double t = firstInside(node, o, d, 2);
+    if (t < 0) continue;
+    ++met;
+    ASSERT_EQ(hits.size(), 1U) << i;
+    EXPECT_EQ(hits[0].node, &scene.rootNode.children[0].children[0]);
+    const double inside = holds(node, o) ? 0 : t * length(world.direction(d));
+    if (inside > 0) {
+      EXPECT_NEAR(hits[0].distance, inside, 1e-9) << i;
+    }
+  }
+  EXPECT_GT(met, 150);
+}
+
+TEST(HitTest, KnowsCapsApexBaseAndGrazes) {
+  const SceneNode ball = shape(Sphere{1}), tube = shape(Tube{1, 4}), cone = shape(Cone{1, 2});
+  const struct {
+    const SceneNode& node;
+    Ray ray;
+    double distance;
+  } cases[] = {
+      {ball, {{0, 0, 5}, {0, 0, -2}}, 4},          {ball, {{0, 0, 5}, {0, 0, 1}}, -1},
+      {ball, {{0, 0, 0}, {1, 1, 0}}, 1},           {ball, {{1 - 1e-9, 0, 5}, {0, 0, -1}}, 5 - std::sqrt(2e-9)},
+      {ball, {{1 + 1e-9, 0, 5}, {0, 0, -1}}, -1},  {tube, {{0.5, 9, 0}, {0, -1, 0}}, 7},
+      {tube, {{1.001, 9, 0}, {0, -1, 0}}, -1},     {tube, {{5, 1.999, 0}, {-1, 0, 0}}, 4},
+      {tube, {{5, 2.001, 0}, {-1, 0, 0}}, -1},     {tube, {{0, 0, 0}, {0, 1, 0}}, 2},
+      {cone, {{0, 5, 0}, {0, -1, 0}}, 4},          {cone, {{0, -5, 0}, {0, 1, 0}}, 4},
+      {cone, {{0.999, -5, 0}, {0, 1, 0}}, 4},      {cone, {{1.001, -5, 0}, {0, 1, 0}}, -1},
+      {cone, {{5, 0, 0}, {-1, 0, 0}}, 4.5},        {cone, {{5, 1.5, 0}, {-1, 0, 0}}, -1},
+      {cone, {{5, 0.999, 0}, {-1, 0, 0}}, 4.9995}, {cone, {{0.5, 5, 0}, {0, -1, 0}}, 5},
+  };
+  for (const auto& c : cases) EXPECT_NEAR(distanceTo(c.node, c.ray), c.distance, 1e-6) << &c - cases;
+}
+
+TEST(HitTest, OrdersByDistanceAndKeepsItsDigitsFarAway) {
+  const Scene scene = sceneOf({shape(Sphere{1}, {0, 0, -9}), shape(Tube{1, 1}, {0, 0, -3}),
+                               shape(Cone{1, 1}, {0, 0, -6}), shape(Sphere{1}, {5, 0, -6})});
+  const auto hits = hitTest(scene, {{0, 0, 0}, {0, 0, -1}});
+  ASSERT_EQ(hits.size(), 3U);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(hits[i].node, &scene.rootNode.children[i == 2 ? 0 : i + 1]);
+
+  const SceneNode far = shape(Tube{0.05, 2}, {1e6, 1e6, -1e4});
+  EXPECT_NEAR(distanceTo(far, {{1e6, 1e6, 0}, {0, 0, -1}}), 1e4 - 0.05, 1e-9);
+  EXPECT_NEAR(distanceTo(far, {{1e6 + 0.0499, 1e6, 0}, {0, 0, -1}}), 1e4, 0.01);
+  EXPECT_EQ(distanceTo(far, {{1e6 + 0.0501, 1e6, 0}, {0, 0, -1}}), -1);
+}
+
+TEST(HitTest, ThickensWhatIsFarAway) {
+  Ray ray{{1, 0, 0}, {0, 0, -1}, 0.1};
+  EXPECT_EQ(distanceTo(shape(Sphere{0.5}, {0, 0, -15}), ray), -1) << "1.5 times as thick is not enough";
+  EXPECT_GT(distanceTo(shape(Sphere{0.5}, {0, 0, -25}), ray), 0);
+  EXPECT_GT(distanceTo(shape(Tube{0.5, 100}, {0, 0, -25}), ray), 0);
+  EXPECT_EQ(distanceTo(shape(Tube{0.5, 0.2}, {0, 3, -25}), ray), -1) << "thicker, but not longer";
+  EXPECT_EQ(distanceTo(shape(Sphere{0}, {1, 0, -25}), ray), -1) << "nothing stays nothing";
+  ray.thickening = 0;
+  EXPECT_EQ(distanceTo(shape(Sphere{0.5}, {0, 0, -25}), ray), -1);
+}
+
+TEST(HitTest, NeverMeetsWhatHasNoProperNumbers) {
+  std::vector<SceneNode> nodes{shape(Tube{1, 0}),
+                               shape(Cone{0, 1}),
+                               shape(Cone{1, Limits::infinity()}),
+                               shape(Sphere{Limits::quiet_NaN()}),
+                               shape(Sphere{1}, {0, Limits::quiet_NaN(), 0}),
+                               shape(Sphere{1})};
+  nodes.back().scale = {1, 0, 1};
+  nodes.push_back(shape(Tube{1, 1}));
+  nodes.back().rotation = {{1, 0, 0}, Limits::quiet_NaN()};
+  nodes.emplace_back().content = Camera{};
+  const Scene scene = sceneOf(nodes);
+  for (const double thickening : {0.0, 1.0}) EXPECT_TRUE(hitTest(scene, {{0, 0, 5}, {0, 0, -1}, thickening}).empty());
+  const Scene ball = sceneOf({shape(Sphere{1})});
+  for (const Vector3& direction : {Vector3{}, {Limits::quiet_NaN(), 0, 1}, {Limits::infinity(), 0, 0}})
+    EXPECT_TRUE(hitTest(ball, {{0, 0, 5}, direction}).empty());
+}
+
+}  // namespace

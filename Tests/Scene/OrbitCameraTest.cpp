@@ -1,0 +1,117 @@
+#include "Scene/OrbitCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <random>
+
+namespace {
+
+constexpr double pi = std::numbers::pi;
+
+OrbitCamera camera() {
+  OrbitCamera c;
+  c.width = 1200;
+  c.height = 700;
+  return c;
+}
+
+void expectSeenAt(const OrbitCamera& c, const Vector3& point, double x, double y) {
+  const auto seen = c.project(point);
+  ASSERT_TRUE(seen);
+  EXPECT_NEAR(seen->x, x, 1e-6);
+  EXPECT_NEAR(seen->y, y, 1e-6);
+}
+
+TEST(OrbitCamera, StartsLevelAndSeesAVerticalAngleOf60Degrees) {
+  const OrbitCamera c = camera();
+  expectSeenAt(c, {0, 5, 0}, 600, 350);
+  expectSeenAt(c, {0, 5 + 10 * std::tan(pi / 6), 0}, 600, 0);
+  EXPECT_FALSE(c.project({0, 5, 11}));
+}
+
+TEST(OrbitCamera, RaysLeadToWhatIsSeen) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> unit(-1, 1);
+  for (int i = 0; i < 100; ++i) {
+    OrbitCamera c = camera();
+    c.zUp = i % 2 == 1;
+    c.yaw = pi * unit(random);
+    c.pitch = pi / 2 * unit(random);
+    const double x = 600 + 600 * unit(random), y = 350 + 350 * unit(random);
+    const Ray ray = c.ray(x, y);
+    EXPECT_NEAR(length(ray.direction), 1, 1e-12);
+    expectSeenAt(c, ray.at(7), x, y);
+  }
+}
+
+TEST(OrbitCamera, TurnsMovesAndZoomsAboutWhatIsHeld) {
+  const Vector3 held{1, 4, -2};
+  OrbitCamera c = camera();
+  const auto before = *c.project(held);
+  c.orbit(held, 0.4, 0.3);
+  expectSeenAt(c, held, before.x, before.y);
+  EXPECT_NEAR(c.depth(held), before.depth, 1e-9);
+  c.orbit(held, 0, 9);
+  EXPECT_EQ(c.pitch, -pi / 2) << "looking straight down is as far as it goes";
+  c = camera();
+  c.pan(held, 30, -20);
+  expectSeenAt(c, held, before.x + 30, before.y - 20);
+  c = camera();
+  c.zoom(held, 2, 0.1);
+  expectSeenAt(c, held, before.x, before.y);
+  EXPECT_NEAR(c.depth(held), before.depth / 2, 1e-9);
+  c.zoom(held, 1e9, 0.1);
+  EXPECT_NEAR(length(held - c.position), 0.1, 1e-9);
+}
+
+TEST(OrbitCamera, FitsPointsOfAnySizeAndCutsNothingAway) {
+  const std::vector<Vector3> unit{{0, 0, 0}, {4, 0, 1}, {4, 3, -2}, {-1, 2, 5}, {NAN, 0, 0}};
+  for (const double scale : {1e-3, 1.0, 1e6}) {
+    for (const bool zUp : {false, true}) {
+      std::vector<Vector3> points;
+      Bounds box;
+      for (const Vector3& p : unit) {
+        points.push_back({p.x * scale + 1e7, p.y * scale, p.z * scale});
+        box.add(points.back(), 0.1);
+      }
+      OrbitCamera c = camera();
+      c.zUp = zUp;
+      c.yaw = 0.6;
+      c.pitch = -0.4;
+      c.fit(points);
+      double closest = 1e9;
+      for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        const auto seen = c.project(points[i]);
+        ASSERT_TRUE(seen);
+        closest = std::min({closest, seen->x, seen->y, c.width - seen->x, c.height - seen->y});
+        const auto [near, far] = c.clipPlanes(box);
+        EXPECT_LT(near, seen->depth);
+        EXPECT_GT(far, seen->depth);
+        EXPECT_GT(near, 0);
+      }
+      EXPECT_GT(closest, 0);
+      if (scale >= 1) {
+        EXPECT_LT(closest, 60) << "one side of the picture is nearly reached";
+      }
+    }
+  }
+  OrbitCamera c = camera();
+  c.fit({});
+  EXPECT_EQ(c.position, camera().position);
+  c.fit({{3, 3, 3}});
+  expectSeenAt(c, {3, 3, 3}, 600, 350);
+}
+
+TEST(OrbitCamera, KeepsTheChosenAxisUpright) {
+  OrbitCamera c = camera();
+  EXPECT_EQ(c.axes().up, (Vector3{0, 1, 0}));
+  c.zUp = true;
+  EXPECT_EQ(c.axes().up, (Vector3{0, 0, 1}));
+  EXPECT_EQ(c.axes().right, (Vector3{1, 0, 0}));
+  EXPECT_EQ(c.axes().back, (Vector3{0, -1, 0})) << "from the front one looks along y";
+}
+
+}  // namespace
