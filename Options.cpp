@@ -1,7 +1,10 @@
 #include "Options.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <string>
+
+#include "Platform/NumberText.h"
 
 namespace {
 
@@ -19,6 +22,11 @@ std::string readSize(const std::string& text, Options& options) {
   options.width = width;
   options.height = height;
   return {};
+}
+
+std::string isLength(const std::string& text) {
+  const auto number = parseNumber(text);
+  return number && std::isfinite(*number) && *number >= 0 ? "" : "a length is a number from 0, not " + text;
 }
 
 }  // namespace
@@ -43,6 +51,7 @@ std::variant<Options, int> readOptions(int argc, char** argv) {
       ->type_name("WxH")
       ->needs(screenshot);
   app.add_option("--magnification", options.magnification, "Drawn length of the largest displacement (1)")
+      ->check(isLength)
       ->needs(screenshot);
   app.add_flag("--strain", options.strain, "Colour bars by strain")->needs(screenshot);
   app.add_flag("--solve", options.solve, "Calculate before drawing")->needs(screenshot);

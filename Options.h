@@ -13,7 +13,6 @@ struct Options {
   double magnification = 1.0;
   bool strain = false;
   bool solve = false;
-  bool dark = false;
 };
 
 /// Reads the arguments, or prints help, version or what is wrong with them and returns the exit code: 0, or 64 for

@@ -2,6 +2,7 @@
 #include <QGuiApplication>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <cstdio>
 
 #include "GavrelApp.h"
 #include "Options.h"
@@ -9,11 +10,25 @@
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
 
+namespace {
+
+/// Qt ends the process without a display; a line and an exit status are kinder.
+bool hasDisplay() {
+  const auto isSet = [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); };
+  if (isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) return true;
+  std::fputs("gavrel needs a display: neither DISPLAY nor WAYLAND_DISPLAY is set.\n", stderr);
+  return false;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   // Before the application object, which needs a display: help and usage errors do without.
   auto asked = readOptions(argc, argv);
   if (const int* status = std::get_if<int>(&asked)) return *status;
   const Options& options = std::get<Options>(asked);
+
+  if (!hasDisplay()) return 1;
 
   // Drawing in the main thread: Qt 6.4 frees a 3D view that goes away while its drawing thread may still be at it.
   qputenv("QSG_RENDER_LOOP", "basic");

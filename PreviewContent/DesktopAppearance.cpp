@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
 
@@ -29,23 +30,26 @@ bool paletteIsDark() {
 DesktopAppearance::DesktopAppearance(QObject* parent) : QObject(parent), dark_(paletteIsDark()) {
   QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return;
-  bus.connect(service, path, settings, QStringLiteral("SettingChanged"), this,
-              SLOT(settingChanged(QString, QString, QDBusVariant)));
+  bus.connect(service, path, settings, QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
   auto question = QDBusMessage::createMethodCall(service, path, settings, QStringLiteral("Read"));
   question << appearance << colorScheme;
   auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
   connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
     const QDBusPendingReply<QDBusVariant> answer = *watcher;
-    if (answer.isValid()) settingChanged(appearance, colorScheme, answer.value());
+    if (answer.isValid()) follow(answer.value().variant());
     watcher->deleteLater();
   });
 }
 
-void DesktopAppearance::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-  if (group != appearance || key != colorScheme) return;
-  QVariant scheme = value.variant();
+void DesktopAppearance::settingChanged(const QDBusMessage& signal) {
+  const QVariantList change = signal.arguments();  // group, key, value
+  if (change.size() == 3 && change[0] == appearance && change[1] == colorScheme)
+    follow(change[2].value<QDBusVariant>().variant());
+}
+
+void DesktopAppearance::follow(QVariant scheme) {
   // Read wraps its answer in one variant more than the signal does.
-  if (scheme.canConvert<QDBusVariant>()) scheme = scheme.value<QDBusVariant>().variant();
+  if (scheme.metaType() == QMetaType::fromType<QDBusVariant>()) scheme = scheme.value<QDBusVariant>().variant();
   const unsigned preference = scheme.toUInt();
   setDark(preference == preferDark || (preference != preferLight && paletteIsDark()));
 }

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <qqml.h>
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
+#include <QVariant>
 
 /// Whether the desktop asks for dark windows, kept up to date: what its settings portal says or, where there is none,
 /// what the palette of its theme looks like.
@@ -20,9 +21,10 @@ class DesktopAppearance : public QObject {
   void darkChanged();
 
  private slots:
-  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+  void settingChanged(const QDBusMessage& signal);
 
  private:
+  void follow(QVariant scheme);
   void setDark(bool value);
 
   bool dark_ = false;

@@ -23,7 +23,7 @@ class SceneKitView {
     static const SCNOptions showsStatistics;
     static const SCNOptions allowsCameraControl;
 
-    [[nodiscard]] bool contains(SCNOptions options) const { return (rawValue & options.rawValue) == options.rawValue; }
+    [[nodiscard]] bool contains(SCNOptions other) const { return (rawValue & other.rawValue) == other.rawValue; }
   };
 
   /// The greatest and the smallest strain of all trusses; `min` is above `max` in a project without any.

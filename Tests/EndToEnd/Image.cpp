@@ -5,15 +5,15 @@
 #include <cstdlib>
 #include <stdexcept>
 
-Image Image::ofScreen() {
-  FILE* pipe = ::popen("import -silent -window root -depth 8 ppm:-", "r");
+Image Image::from(const std::string& command) {
+  FILE* pipe = ::popen(command.c_str(), "r");
   Image image;
   if (pipe == nullptr || std::fscanf(pipe, "P6 %d %d 255", &image.width, &image.height) != 2)
-    throw std::runtime_error("no picture of the screen");
+    throw std::runtime_error("no picture from " + command);
   std::fgetc(pipe);
   image.pixels.resize(std::size_t(image.width) * std::size_t(image.height));
   const auto read = std::fread(image.pixels.data(), sizeof(Pixel), image.pixels.size(), pipe);
-  if (::pclose(pipe) != 0 || read != image.pixels.size()) throw std::runtime_error("half a picture of the screen");
+  if (::pclose(pipe) != 0 || read != image.pixels.size()) throw std::runtime_error("half a picture from " + command);
   return image;
 }
 

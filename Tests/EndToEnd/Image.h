@@ -15,12 +15,16 @@ struct Image {
     int x, y;
   };
 
+  /// What a command writes to its standard output as a portable pixmap.
+  static Image from(const std::string& command);
+
   int width = 0;
   int height = 0;
   std::vector<Pixel> pixels;
 
   /// What the screen shows now.
-  static Image ofScreen();
+  static Image ofScreen() { return from("import -silent -window root -depth 8 ppm:-"); }
+  static Image ofFile(const std::string& path) { return from("convert " + path + " -depth 8 ppm:-"); }
 
   [[nodiscard]] const Pixel& at(int x, int y) const {
     return pixels[std::size_t(y) * std::size_t(width) + std::size_t(x)];
