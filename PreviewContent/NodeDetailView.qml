@@ -10,6 +10,8 @@ Item {
 
     required property var nodeID
     required property ProjectViewModel projectViewModel
+    /// The selection that opened the sheet; null when the sheet is done with it.
+    required property var selectedNodeForSheet
     property string loadX: "0.0"
     property string loadY: "0.0"
     property string loadZ: "0.0"
@@ -21,7 +23,6 @@ Item {
     readonly property Item firstField: xField
 
     signal dismiss()
-    signal selectionCleared()  ///< the owner is to set the selection that opened the sheet to null
 
     implicitWidth: 300
     implicitHeight: 200
@@ -36,7 +37,7 @@ Item {
     }
 
     function cancel() {
-        selectionCleared();
+        selectedNodeForSheet = null;
         dismiss();
     }
 
@@ -47,7 +48,7 @@ Item {
             return;
         }
         projectViewModel.setLoadAndRestraint(nodeID, load[0], load[1], load[2], restX, restY, restZ);
-        selectionCleared();
+        selectedNodeForSheet = null;
         dismiss();
     }
 

@@ -10,12 +10,13 @@ Item {
 
     required property var elementID
     required property ProjectViewModel projectViewModel
+    /// The selection that opened the sheet; null when the sheet is done with it.
+    required property var selectedElementForSheet
 
     readonly property var truss: projectViewModel.trussContents(elementID)
     readonly property Item firstField: cancelButton
 
     signal dismiss()
-    signal selectionCleared()  ///< the owner is to set the selection that opened the sheet to null
 
     implicitWidth: 300
     implicitHeight: 200
@@ -23,14 +24,14 @@ Item {
     /// Leaves the selection as it is where there was no truss to show.
     function cancel() {
         if (truss.found)
-            selectionCleared();
+            selectedElementForSheet = null;
         dismiss();
     }
 
     /// Writes to the position in the list that equals the number, which is where the program's own trusses stand.
     function apply(isNonLinear) {
         projectViewModel.setNonLinear(elementID, isNonLinear);
-        selectionCleared();
+        selectedElementForSheet = null;
         dismiss();
     }
 

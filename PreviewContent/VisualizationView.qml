@@ -100,7 +100,8 @@ Item {
         NodeDetailView {
             nodeID: root.shownNode
             projectViewModel: root.projectViewModel
-            onSelectionCleared: root.selectedNode = null
+            selectedNodeForSheet: root.selectedNode
+            onSelectedNodeForSheetChanged: root.selectNode(selectedNodeForSheet)
         }
     }
 
@@ -110,7 +111,8 @@ Item {
         TrussDetailView {
             elementID: root.shownElement
             projectViewModel: root.projectViewModel
-            onSelectionCleared: root.selectedElement = null
+            selectedElementForSheet: root.selectedElement
+            onSelectedElementForSheetChanged: root.selectElement(selectedElementForSheet)
         }
     }
 }

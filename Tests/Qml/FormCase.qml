@@ -19,7 +19,8 @@ TestCase {
         form = createTemporaryObject(component, test, Object.assign({ projectViewModel: model }, properties));
         happened = [];
         form.dismiss.connect(() => happened.push("dismiss"));
-        form.selectionCleared?.connect(() => happened.push("selectionCleared"));
+        form.selectedNodeForSheetChanged?.connect(() => happened.push(form.selectedNodeForSheet));
+        form.selectedElementForSheetChanged?.connect(() => happened.push(form.selectedElementForSheet));
     }
 
     function click(name) {

@@ -13,13 +13,17 @@ FormCase {
     Component {
         id: nodeSheet
 
-        NodeDetailView {}
+        NodeDetailView {
+            selectedNodeForSheet: nodeID
+        }
     }
 
     Component {
         id: trussSheet
 
-        TrussDetailView {}
+        TrussDetailView {
+            selectedElementForSheet: elementID
+        }
     }
 
     function init() {
@@ -44,7 +48,7 @@ FormCase {
                               "0.0", "0.0", "0.0", "Restrain X", "Restrain Y", "Restrain Z", "Cancel", "Apply"]);
         type("-2.5", "1e3", "0.00001");
         compare(printed("confirm"), []);
-        compare(happened, ["selectionCleared", "dismiss"]);
+        compare(happened, [null, "dismiss"]);
 
         compareNode(["-2.5", "1000.0", "1e-05"], [false, false, false]);
         type("0", "0", "0");
@@ -66,7 +70,7 @@ FormCase {
         compare(happened, []);
         verify(findChild(form, "loadY").invalid && findChild(form, "loadY").activeFocus);
         compare(printed("cancel"), []);
-        compare(happened, ["selectionCleared", "dismiss"]);
+        compare(happened, [null, "dismiss"]);
         compareNode(["0.0", "0.0", "0.0"], [false, false, false]);
     }
 
@@ -78,7 +82,7 @@ FormCase {
         for (const [button, isNonLinear] of [["applyLinear", false], ["cancel", false], ["applyNonlinear", true]]) {
             open(trussSheet, { elementID: 1 });
             compare(printed(button), []);
-            compare(happened, ["selectionCleared", "dismiss"]);
+            compare(happened, [null, "dismiss"]);
             compare(model.trussContents(1).isNonLinear, isNonLinear, button);
             verify(model.trussContents(0).isNonLinear);
         }
