@@ -39,6 +39,4 @@ struct Bounds {
       all[i] = {(i & 1U) != 0 ? high.x : low.x, (i & 2U) != 0 ? high.y : low.y, (i & 4U) != 0 ? high.z : low.z};
     return all;
   }
-
-  bool operator==(const Bounds&) const = default;
 };
