@@ -41,12 +41,13 @@ Span slab(double position, double speed, double limit) {
 }
 
 /// Where a t^2 + 2 b t + c <= 0; for a < 0 only the part on the side of growing t if `later`, else the other.
-Span belowZero(double a, double b, double c, bool later) {
+/// `discriminant`: b^2 - a c, from Lagrange's identity, as this difference cancels where a long tube is met far from
+/// its middle.
+Span belowZero(double a, double b, double c, double discriminant, bool later) {
   if (a == 0) {
     if (b == 0) return c <= 0 ? Span{} : nowhere;
     return b > 0 ? Span{-infinity, -c / (2 * b)} : Span{-c / (2 * b), infinity};
   }
-  const double discriminant = b * b - a * c;
   if (discriminant < 0 && a > 0) return nowhere;
   // The root without cancellation, and the other by their product c / a.
   const double q = -(b + std::copysign(std::sqrt(std::max(discriminant, 0.0)), b));
@@ -60,12 +61,16 @@ Span belowZero(double a, double b, double c, bool later) {
 /// The spans of the line o + t d inside a shape in its own axes; o is near the shape, so that nothing cancels.
 Span inside(const Sphere& ball, double growth, const Vector3& o, const Vector3& d) {
   const double r = ball.radius * growth;
-  return belowZero(dot(d, d), dot(o, d), dot(o, o) - r * r, true);
+  const double a = dot(d, d);
+  const Vector3 moment = cross(o, d);
+  return belowZero(a, dot(o, d), dot(o, o) - r * r, r * r * a - dot(moment, moment), true);
 }
 
 Span inside(const Tube& tube, double growth, const Vector3& o, const Vector3& d) {
   const double r = tube.radius * growth;
-  Span span = belowZero(d.x * d.x + d.z * d.z, o.x * d.x + o.z * d.z, o.x * o.x + o.z * o.z - r * r, true);
+  const double a = d.x * d.x + d.z * d.z;
+  const double moment = o.z * d.x - o.x * d.z;
+  Span span = belowZero(a, o.x * d.x + o.z * d.z, o.x * o.x + o.z * o.z - r * r, r * r * a - moment * moment, true);
   span.cut(slab(o.y, d.y, tube.height / 2));
   return span;
 }
@@ -74,8 +79,10 @@ Span inside(const Cone& cone, double growth, const Vector3& o, const Vector3& d)
   // At depth w below the apex the cone is k w wide.
   const double k = cone.bottomRadius * growth / cone.height;
   const double w = cone.height / 2 - o.y;
+  const Vector3 moment = cross({o.x, -w, o.z}, d);
   Span span = belowZero(d.x * d.x + d.z * d.z - k * k * d.y * d.y, o.x * d.x + o.z * d.z + k * k * w * d.y,
-                        o.x * o.x + o.z * o.z - k * k * w * w, d.y < 0);
+                        o.x * o.x + o.z * o.z - k * k * w * w,
+                        k * k * (moment.x * moment.x + moment.z * moment.z) - moment.y * moment.y, d.y < 0);
   span.cut(slab(o.y, d.y, cone.height / 2));
   return span;
 }
@@ -105,7 +112,9 @@ class HitTester {
       if (outer != nullptr || mayMeet(node)) {
         if (const auto distance = meet(node, outer)) results_.push_back({&node, *distance});
       }
-      if (!node.children.empty()) {
+      if (isInParentsAxes(node)) {
+        test(node, outer);
+      } else if (!node.children.empty()) {
         const Transform own = transformOf(node);
         const Transform world = outer == nullptr ? own : *outer * own;
         test(node, &world);
@@ -132,13 +141,14 @@ class HitTester {
   [[nodiscard]] std::optional<double> meet(const SceneNode& node, const Transform* outer) const {
     const auto [radius, half] = extentOf(node);
     const bool isBall = std::holds_alternative<Sphere>(node.content);
-    if (!(radius > 0) || !(half > 0 || isBall)) return std::nullopt;
+    if (!(radius > 0) || !std::isfinite(half) || !(half > 0 || isBall)) return std::nullopt;
     const Transform own = transformOf(node);
     const Transform world = outer == nullptr ? own : *outer * own;
     const auto& [a, b, c] = world.columns;
     const Vector3 bc = cross(b, c), ca = cross(c, a), ab = cross(a, b);
     const double determinant = dot(a, bc);
-    if (determinant == 0 || !std::isfinite(1 / determinant)) return std::nullopt;
+    // Rounding leaves some volume even to what a turned parent has flattened.
+    if (!(std::abs(determinant) > 1e-14 * length(a) * length(b) * length(c))) return std::nullopt;
     const auto local = [&](const Vector3& v) {
       return Vector3{dot(bc, v) / determinant, dot(ca, v) / determinant, dot(ab, v) / determinant};
     };

@@ -4,14 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <string>
 
 #include "DataModel/ProjectFile.h"
+#include "Platform/Console.h"
 #include "Tests/TemporaryFolder.h"
 
 namespace {
 
 using testing::ElementsAre;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 std::string printed(const std::function<void()>& action) {
@@ -57,41 +60,76 @@ TEST(ProjectViewModel, AddsElementsNumberedByTheirLists) {
   for (const double x : {0.0, 3.0}) model.addNode({x, 4 * x / 3, 0}, false);
   EXPECT_EQ(printed([&] { model.addTruss(1, 0, 0.5, 2e5); }), "Added Truss: Nodes 1, 0 with Area 0.5, E 200000.0\n");
   EXPECT_EQ(printed([&] { model.addBeam(0, 1, 1, 2, 3, 4, 5); }), "Added Beam: Nodes 0, 1\n");
+  model.addBeam(1, 0, 1, 1, 1, 1, 1);
   EXPECT_EQ(printed([&] { model.addTruss(0, 0, 1, 1); }),
             "Warning: Truss element has zero initial length for ID 1.\nAdded Truss: Nodes 0, 0 with Area 1.0, E 1.0\n");
   const Project& project = **model.project;
   EXPECT_EQ(project.trussElements->at(0), TrussElement(0, 1, 0, {3, 4, 0}, {0, 0, 0}, 0.5, 2e5, false, true));
-  EXPECT_THAT(*project.beamElements, ElementsAre(BeamElement(0, 0, 1, {0, 0, 0}, {3, 4, 0}, 1, 2, 3, 4, 5, false)));
+  EXPECT_EQ(project.beamElements->at(0), BeamElement(0, 0, 1, {0, 0, 0}, {3, 4, 0}, 1, 2, 3, 4, 5, false));
   EXPECT_EQ(printed([&] { model.addTruss(0, 7, 1, 1); }),
             "Error: Could not find coordinates for nodes 0 or 7 to add truss.\n");
   EXPECT_EQ(printed([&] { model.addBeam(7, 0, 1, 1, 1, 1, 1); }),
             "Error: Could not find coordinates for nodes to add beam.\n");
-  EXPECT_EQ(project.trussElements->size() + project.beamElements->size(), 3U);
+  EXPECT_EQ(model.property("numberOfElements"), 4);
 }
 
-TEST(ProjectViewModel, AnnouncesBeforeAndNotifiesAfterAChange) {
+TEST(ProjectViewModel, AnnouncesEachPropertyBeforeItChanges) {
+  const struct {
+    const char *name, *signal;
+    QVariant next;
+  } cases[] = {{"appMode", "mode", 2},
+               {"selectedNodesForTruss", "nodes", QVariantList{qint64(4), qint64(1)}},
+               {"lastUsedStartX", "form", "7"},
+               {"lastUsedStartY", "form", "8"},
+               {"lastUsedStartZ", "form", "9"},
+               {"lastUsedConnectToLast", "form", false},
+               {"isStrainVisualizationActive", "strain", true}};
+  for (const auto& [name, signal, next] : cases) {
+    ProjectViewModel model;
+    std::vector<std::pair<std::string, QVariant>> seen;
+    const auto look = [&seen, &model, property = name](const char* when) {
+      return [&seen, &model, property, when] { seen.emplace_back(when, model.property(property)); };
+    };
+    const QVariant old = model.property(name);
+    model.objectWillChange.observe(look("before"));
+    QObject::connect(&model, &ProjectViewModel::appModeChanged, look("mode"));
+    QObject::connect(&model, &ProjectViewModel::selectedNodesForTrussChanged, look("nodes"));
+    QObject::connect(&model, &ProjectViewModel::lastUsedChanged, look("form"));
+    QObject::connect(&model, &ProjectViewModel::isStrainVisualizationActiveChanged, look("strain"));
+    model.setProperty(name, next);
+    EXPECT_THAT(seen, ElementsAre(std::pair("before", old), std::pair(signal, next))) << name;
+  }
+}
+
+TEST(ProjectViewModel, TellsObserversBeforeAChangeAndTheWindowAfterIt) {
+  TemporaryFolder folder;
+  const auto file = folder.put("a.json", R"({"name":"","trussElements":[],"X_I":[1,2,3,4,5],"F_I":[],"D_I":[]})");
   ProjectViewModel model;
-  std::vector<std::string> seen;
-  const auto look = [&](const std::string& when) {
-    return [&, when] { seen.push_back(when + " " + std::to_string(int(*model.appMode))); };
+  const auto tell = [&model](const char* what) {
+    return [&model, what] { printLine(what + std::to_string(*model.numberOfNodes)); };
   };
-  model.objectWillChange.observe(look("before"));
-  QObject::connect(&model, &ProjectViewModel::appModeChanged, look("after"));
-  model.setAppMode(AppMode::addingBeam);
-  EXPECT_THAT(seen, ElementsAre("before 0", "after 2"));
-
-  int announced = 0, notified = 0;
-  model.objectWillChange.observe([&] { ++announced; });
-  QObject::connect(&model, &ProjectViewModel::projectChanged, [&] { ++notified; });
-  model.addNode({0, 0, 0}, false);
-  EXPECT_EQ(announced, 2) << "for the number of nodes, and for the project";
-  EXPECT_EQ(notified, 1);
-
-  int selections = 0;
-  QObject::connect(&model, &ProjectViewModel::selectedNodesForTrussChanged, [&] { ++selections; });
-  model.setSelectedNodesForTruss({1});
-  model.setSelectedNodesForTruss({1});
-  EXPECT_EQ(selections, 1) << "the same nodes again are no change";
+  model.objectWillChange.observe(tell("before "));
+  QObject::connect(&model, &ProjectViewModel::projectChanged, tell("changed "));
+  QObject::connect(&model, &ProjectViewModel::projectLoaded, tell("loaded "));
+  QObject::connect(&model, &ProjectViewModel::currentFileChanged, tell("file "));
+  // Each line has the number of nodes as it is then.
+  const struct {
+    std::function<void()> change;
+    const char* lines;
+  } cases[] = {{[&] { model.addNode(0, 0, 0, true); }, "before 0\nbefore 1\nchanged 1\nAdded Node: [^\n]*\n"},
+               {[&] { model.addNode(1, 0, 0, true); },
+                "before 1\nbefore 2\nchanged 2\nAdded Truss: [^\n]*\nbefore 2\nchanged 2\nAdded Node: [^\n]*\n"},
+               {[&] { model.addBeam(0, 1, 1, 1, 1, 1, 1); }, "before 2\nchanged 2\nAdded Beam: [^\n]*\n"},
+               {[&] { model.setLoadAndRestraint(0, 1, 1, 1, false, false, false); }, "before 2\nchanged 2\n"},
+               {[&] { model.setNonLinear(0, false); }, "changed 2\n"},
+               {[&] { model.saveProject(folder / "b.json"); }, "file 2\nProject saved successfully to b.json\n"},
+               {[&] { model.loadProject(file); },
+                "before 2\nbefore 2\nbefore 1\nchanged 1\nProject loaded successfully from a.json\nfile 1\nloaded 1\n"},
+               {[&] { model.loadProject(std::nullopt); }, "No load file specified. Use 'Open...'\n"},
+               {[&] { model.loadProject(folder / "none"); },
+                "Failed to load project: [^\n]*\nbefore 1\nbefore 1\nbefore 0\nchanged 0\nfile 0\nloaded 0\n"},
+               {[&] { model.newProject(); }, "(before 0\n)+changed 0\nfile 0\nloaded 0\n"}};
+  for (const auto& [change, lines] : cases) EXPECT_THAT(printed(change), MatchesRegex(lines));
 }
 
 TEST(ProjectViewModel, SavesAndLoads) {
@@ -118,11 +156,18 @@ TEST(ProjectViewModel, SavesAndLoads) {
             "Project loaded successfully from a b.json\n");
   EXPECT_NE(*model.project, former);
   EXPECT_EQ(*(*model.project)->trussElements, *former->trussElements);
+  for (const auto& [url, name] : {std::pair("/a%20b.json", "a b.json"), {"/none", ""}}) {  // without a scheme
+    model.loadProject(QUrl(QString::fromStdString(folder.path().string()) + url));
+    EXPECT_EQ(model.property("currentFileName"), name);
+  }
+  model.loadProject(folder / "a b.json");
+  EXPECT_EQ(model.currentFileUrl, folder / "a b.json");
+  EXPECT_EQ(model.property("currentFolder").toUrl().toLocalFile().toStdString(), folder.path());
   EXPECT_EQ(*model.numberOfNodes, 2);
   EXPECT_EQ(stateOf(model), state);
 
   model.newProject();
-  EXPECT_EQ(*model.numberOfNodes, 0);
+  EXPECT_EQ(*model.numberOfNodes + (*model.project)->nodeCount(), 0);
   EXPECT_EQ(*model.appMode, AppMode::normal);
   EXPECT_TRUE(model.selectedNodesForTruss->empty());
   EXPECT_EQ(model.currentFileUrl, std::nullopt);
@@ -175,6 +220,9 @@ TEST(ProjectViewModel, ReadsAndWritesForTheSheets) {
   EXPECT_FALSE(model.trussContents(2).found);
   EXPECT_DEATH(model.setNonLinear(2, true), "Fatal error: ");
   EXPECT_DEATH(model.addTruss(-1, 0, 1, 1), "Fatal error: ");
+  EXPECT_DEATH(model.addBeam(0, -1, 1, 1, 1, 1, 1), "Fatal error: ");
+  model.numberOfNodes.edit() = std::numeric_limits<std::int64_t>::max();
+  EXPECT_DEATH(model.addNode({0, 0, 0}, false), "Fatal error: The number of nodes");
 }
 
 }  // namespace

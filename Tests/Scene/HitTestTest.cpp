@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -65,31 +66,38 @@ TEST(HitTest, MeetsShapesWhereTheyAreUnderAnyTransform) {
     return Vector3{size * unit(random), size * unit(random), size * unit(random)};
   };
   int met = 0;
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 400; ++i) {
     SceneNode node = i % 3 == 0 ? shape(Sphere{1}) : i % 3 == 1 ? shape(Tube{0.7, 2.5}) : shape(Cone{1.2, 2});
     // The ray is chosen in the shape's own axes, and taken out of them by two transforms.
     const Vector3 o = vector(4);
-    const Vector3 d = vector(1.2) - o;
+    const Vector3 target = vector(1.2);
+    const Vector3 d = i % 5 == 0 ? o - target : target - o;
     node.position = vector(1e3);
     node.rotation = {vector(1), 3 * unit(random)};
     node.scale = {0.3 + std::abs(unit(random)), -0.4 - std::abs(unit(random)), 2};
-    SceneNode group;
+    SceneNode group, plain, inner;
     group.position = vector(10);
     group.rotation = {vector(1e-200), unit(random)};
     group.scale = {1, 3, 0.5};
-    const Transform world = transformOf(group) * transformOf(node);
-    group.children = {node};
+    inner.position = vector(10);
+    const Transform world = transformOf(group) * transformOf(inner) * transformOf(node);
+    inner.children = {node};
+    plain.children = {inner};
+    group.children = {plain};
     const Scene scene = sceneOf({group});
+    const Transform own = transformOf(node);
     const auto hits = hitTest(scene, {world.point(o), world.direction(d)});
+    const double alone = distanceTo(node, {own.point(o), own.direction(d)});
 
-    const double t = firstInside(node, o, d, 2);
+    const double t = firstInside(node, o, d, 20);
+    ASSERT_EQ(hits.size(), t < 0 ? 0U : 1U) << i;
+    ASSERT_EQ(alone < 0, t < 0) << i;
     if (t < 0) continue;
     ++met;
-    ASSERT_EQ(hits.size(), 1U) << i;
-    EXPECT_EQ(hits[0].node, &scene.rootNode.children[0].children[0]);
-    const double inside = holds(node, o) ? 0 : t * length(world.direction(d));
-    if (inside > 0) {
-      EXPECT_NEAR(hits[0].distance, inside, 1e-9) << i;
+    EXPECT_EQ(hits[0].node, &scene.rootNode.children[0].children[0].children[0].children[0]);
+    if (!holds(node, o)) {
+      EXPECT_NEAR(hits[0].distance, t * length(world.direction(d)), 1e-9) << i;
+      EXPECT_NEAR(alone, t * length(own.direction(d)), 1e-9) << i;
     }
   }
   EXPECT_GT(met, 150);
@@ -116,16 +124,26 @@ TEST(HitTest, KnowsCapsApexBaseAndGrazes) {
 }
 
 TEST(HitTest, OrdersByDistanceAndKeepsItsDigitsFarAway) {
-  const Scene scene = sceneOf({shape(Sphere{1}, {0, 0, -9}), shape(Tube{1, 1}, {0, 0, -3}),
-                               shape(Cone{1, 1}, {0, 0, -6}), shape(Sphere{1}, {5, 0, -6})});
+  const Scene scene =
+      sceneOf({shape(Sphere{1}, {0, 0, -9}), shape(Tube{1, 1}, {0, 0, -3}), shape(Cone{1, 1}, {0, 0, -6}),
+               shape(Sphere{1}, {5, 0, -6}), shape(Sphere{1}, {0, 0, -9})});
   const auto hits = hitTest(scene, {{0, 0, 0}, {0, 0, -1}});
-  ASSERT_EQ(hits.size(), 3U);
-  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(hits[i].node, &scene.rootNode.children[i == 2 ? 0 : i + 1]);
+  ASSERT_EQ(hits.size(), 4U);
+  for (std::size_t i = 0; i < 4; ++i)
+    EXPECT_EQ(hits[i].node - scene.rootNode.children.data(), (std::array{1, 2, 0, 4})[i]) << "ties: in scene order";
 
   const SceneNode far = shape(Tube{0.05, 2}, {1e6, 1e6, -1e4});
   EXPECT_NEAR(distanceTo(far, {{1e6, 1e6, 0}, {0, 0, -1}}), 1e4 - 0.05, 1e-9);
   EXPECT_NEAR(distanceTo(far, {{1e6 + 0.0499, 1e6, 0}, {0, 0, -1}}), 1e4, 0.01);
   EXPECT_EQ(distanceTo(far, {{1e6 + 0.0501, 1e6, 0}, {0, 0, -1}}), -1);
+
+  for (int i = 0; i < 20; ++i) {
+    const Vector3 centre{1e6 * i, 7e6, -1e7 + 1e5 * i};
+    EXPECT_NEAR(distanceTo(shape(Sphere{0.05}, centre), {{0, 0, 0}, centre}), length(centre) - 0.05, 1e-6);
+  }
+  const SceneNode endless = shape(Tube{0.05, 2e8});
+  EXPECT_NEAR(distanceTo(endless, {{0.03, 9e7 - 60, -80}, {0, 0.6, 0.8}}), 99.95, 1e-6);
+  EXPECT_EQ(distanceTo(endless, {{0.0501, 9e7 - 60, -80}, {0, 0.6, 0.8}}), -1);
 }
 
 TEST(HitTest, ThickensWhatIsFarAway) {
@@ -135,6 +153,11 @@ TEST(HitTest, ThickensWhatIsFarAway) {
   EXPECT_GT(distanceTo(shape(Tube{0.5, 100}, {0, 0, -25}), ray), 0);
   EXPECT_EQ(distanceTo(shape(Tube{0.5, 0.2}, {0, 3, -25}), ray), -1) << "thicker, but not longer";
   EXPECT_EQ(distanceTo(shape(Sphere{0}, {1, 0, -25}), ray), -1) << "nothing stays nothing";
+  EXPECT_GT(distanceTo(shape(Cone{0.5, 1}, {0, 0.45, -25}), ray), 0);
+  // What counts is the point of the axis that is nearest to the ray, here 76 away.
+  const SceneNode upright = shape(Tube{0.5, 200}, {0, 0, -10});
+  EXPECT_GT(distanceTo(upright, {{3.6, 0, 0}, {0, 75, -10}, 0.1}), 0);
+  EXPECT_EQ(distanceTo(upright, {{4, 0, 0}, {0, 75, -10}, 0.1}), -1);
   ray.thickening = 0;
   EXPECT_EQ(distanceTo(shape(Sphere{0.5}, {0, 0, -25}), ray), -1);
 }
@@ -143,6 +166,7 @@ TEST(HitTest, NeverMeetsWhatHasNoProperNumbers) {
   std::vector<SceneNode> nodes{shape(Tube{1, 0}),
                                shape(Cone{0, 1}),
                                shape(Cone{1, Limits::infinity()}),
+                               shape(Tube{1, Limits::infinity()}),
                                shape(Sphere{Limits::quiet_NaN()}),
                                shape(Sphere{1}, {0, Limits::quiet_NaN(), 0}),
                                shape(Sphere{1})};
@@ -150,6 +174,18 @@ TEST(HitTest, NeverMeetsWhatHasNoProperNumbers) {
   nodes.push_back(shape(Tube{1, 1}));
   nodes.back().rotation = {{1, 0, 0}, Limits::quiet_NaN()};
   nodes.emplace_back().content = Camera{};
+  SceneNode twice;
+  twice.scale = {2, 2, 2};
+  twice.children = {shape(Tube{0, 1}), shape(Sphere{0})};
+  nodes.push_back(twice);
+  for (int i = 1; i < 20; ++i) {  // flattened by a parent that is turned as well
+    SceneNode flat, child = shape(Sphere{1});
+    flat.scale = {1, 0, 1};
+    flat.rotation = {{1, 2, 0.3 * i}, 1.1};
+    child.rotation = {{3, 1, -2}, 0.7 * i};
+    flat.children = {child};
+    nodes.push_back(flat);
+  }
   const Scene scene = sceneOf(nodes);
   for (const double thickening : {0.0, 1.0}) EXPECT_TRUE(hitTest(scene, {{0, 0, 5}, {0, 0, -1}, thickening}).empty());
   const Scene ball = sceneOf({shape(Sphere{1})});
