@@ -1,6 +1,5 @@
 #include "PreviewContent/ViewCamera.h"
 
-#include <QMatrix3x3>
 #include <algorithm>
 #include <cmath>
 #include <numbers>

@@ -2,7 +2,6 @@
 
 #include <qqml.h>
 #include <QObject>
-#include <QPointF>
 #include <QPointer>
 #include <QQuaternion>
 #include <QVector3D>
