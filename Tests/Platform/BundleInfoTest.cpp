@@ -1,0 +1,51 @@
+#include "Platform/BundleInfo.h"
+
+#include <gtest/gtest.h>
+
+#include "Tests/TemporaryFolder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string propertyList(const std::string& executable) {
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+         "<key>CFBundleName</key><string>A &amp; Ö</string>"
+         "<key>CFBundleVersion</key><integer>7</integer>"
+         "<key>Nested</key><dict><key>CFBundleVersion</key><string>8</string></dict>"
+         "<key>CFBundleExecutable</key><string>" +
+         executable + "</string></dict></plist>";
+}
+
+TEST(BundleInfo, IsReadFromTheBundleAroundTheProgram) {
+  const TemporaryFolder files;
+  fs::create_directories(files / "a b.app/bin/deep.app");
+  files.put("a b.app/Info.plist", propertyList("bin/deep.app/program"));
+  files.put("a b.app/bin/deep.app/Info.plist", propertyList("other"));
+  const BundleInfo info = BundleInfo::around(files / "a b.app/bin/deep.app/program", {{"CFBundleName", "not this"}});
+  EXPECT_EQ(info.url, files / "a b.app");
+  EXPECT_EQ(info.executable, "bin/deep.app/program");
+  EXPECT_EQ(info.text("CFBundleName"), "A & Ö");
+  EXPECT_EQ(info.text("CFBundleVersion"), std::nullopt);  // no text
+  EXPECT_EQ(info.text("CFBundleShortVersionString"), std::nullopt);
+}
+
+TEST(BundleInfo, ProgramsElsewhereStandInNone) {
+  const TemporaryFolder files;
+  for (const char* folder : {"home.app/build", "other.app/bin", "broken.app/bin", "plain/bin"})
+    fs::create_directories(files / folder);
+  files.put("other.app/Info.plist", propertyList("bin/another"));
+  files.put("broken.app/Info.plist", propertyList("bin/program").substr(0, 150));
+  files.put("plain/Info.plist", propertyList("bin/program"));
+  for (const char* program :
+       {"home.app/build/program", "other.app/bin/program", "broken.app/bin/program", "plain/bin/program"}) {
+    const BundleInfo info = BundleInfo::around(files / program, {{"CFBundleName", "built in"}});
+    EXPECT_EQ(info.url, std::nullopt) << program;
+    EXPECT_EQ(info.text("CFBundleName"), "built in");
+  }
+  EXPECT_EQ(BundleInfo::around("").url, std::nullopt);
+  EXPECT_EQ(runningProgram().filename(), "platform_tests");
+  EXPECT_EQ(BundleInfo::around(runningProgram()).url, std::nullopt);
+}
+
+}  // namespace
