@@ -4,8 +4,14 @@
 #include <QQmlApplicationEngine>
 #include <filesystem>
 #include <optional>
+#include <string>
 
+#include "Managers/UpdateManager.h"
+#include "Platform/BundleInfo.h"
 #include "PreviewContent/ProjectViewModel.h"
+
+/// The bundle that the program runs from or, where it runs from none, the name and version that it was built with.
+[[nodiscard]] BundleInfo mainBundle();
 
 /// The application: owns the objects that live as long as the process, and its one window.
 class GavrelApp : public QObject {
@@ -14,10 +20,12 @@ class GavrelApp : public QObject {
  public:
   explicit GavrelApp(QObject* parent = nullptr);
 
-  /// Opens the window, with the project in `file` if one is given. False if the window could not be made.
-  [[nodiscard]] bool start(const std::optional<std::filesystem::path>& file);
+  /// Opens the window, with the project in `file` if one is given, and looks for updates in silence unless there is an
+  /// `updateFailure` to tell of. False if the window could not be made.
+  [[nodiscard]] bool start(const std::optional<std::filesystem::path>& file, const std::string& updateFailure);
 
   ProjectViewModel projectViewModel;
+  UpdateManager updateManager;
 
  private:
   QQmlApplicationEngine engine_;

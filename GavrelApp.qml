@@ -1,12 +1,19 @@
 import QtQuick
 import QtQuick.Controls
 import Gavrel.PreviewContent
+import Gavrel.Views
 
-/// The main window: menus, the working surface and the status line.
+/// The main window: menus, the working surface and the status line, and the update sheet over them.
 ApplicationWindow {
     id: window
 
     required property ProjectViewModel projectViewModel
+    required property UpdateManager updateManager
+    /// Why an update that was to be installed before this start was not.
+    property string updateFailure
+
+    readonly property bool shouldShowUpdateSheet: ["checking", "updateAvailable", "downloading", "downloaded", "installing",
+        "error"].includes(updateManager.state.name)
 
     width: Math.min(1200, Screen.desktopAvailableWidth)
     height: Math.min(800, Screen.desktopAvailableHeight)
@@ -15,6 +22,13 @@ ApplicationWindow {
     visible: true
     title: projectViewModel.currentFileName !== "" ? projectViewModel.currentFileName : projectViewModel.projectName
     palette: appearance.dark ? darkPalette : lightPalette
+
+    Component.onCompleted: {
+        if (updateFailure !== "")
+            updateManager.installationFailed(updateFailure);
+        else
+            updateManager.checkForUpdates(false);
+    }
 
     DesktopAppearance {
         id: appearance
@@ -32,6 +46,7 @@ ApplicationWindow {
         content: content
         onAboutRequested: about.open()
         onHelpRequested: controls.open()
+        onCheckForUpdates: window.updateManager.checkForUpdates(true)
     }
 
     ContentView {
@@ -47,6 +62,22 @@ ApplicationWindow {
 
     ControlsDialog {
         id: controls
+    }
+
+    // Put away by hand it leaves the update as it is, and comes back with the next panel.
+    Sheet {
+        id: updateSheet
+
+        property bool putAway: false
+        readonly property string panel: window.updateManager.state.name
+
+        onPanelChanged: putAway = false
+        onDismissed: putAway = true
+        presented: window.shouldShowUpdateSheet && !putAway
+
+        UpdateView {
+            updateManager: window.updateManager
+        }
     }
 
     footer: StatusLine {

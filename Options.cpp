@@ -31,10 +31,10 @@ std::string isLength(const std::string& text) {
 
 }  // namespace
 
-std::variant<Options, int> readOptions(int argc, char** argv) {
+std::variant<Options, int> readOptions(int argc, char** argv, const std::string& version) {
   Options options;
   CLI::App app{"Gavrel: three-dimensional frameworks of bars and beams, built by clicking and solved"};
-  app.set_version_flag("--version", "gavrel " GAVREL_VERSION);
+  app.set_version_flag("--version", "gavrel " + version);
   app.footer(
       "Example:\n  gavrel Examples/warren-truss.json\n  gavrel --screenshot truss.png --solve --strain truss.json");
 
@@ -55,6 +55,9 @@ std::variant<Options, int> readOptions(int argc, char** argv) {
       ->needs(screenshot);
   app.add_flag("--strain", options.strain, "Colour bars by strain")->needs(screenshot);
   app.add_flag("--solve", options.solve, "Calculate before drawing")->needs(screenshot);
+
+  constexpr const char* hidden = "";
+  app.add_option("--update-failed", options.updateFailure)->group(hidden);
 
   try {
     app.parse(argc, argv);

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <variant>
 
 /// What the command line asks for.
@@ -13,8 +14,9 @@ struct Options {
   double magnification = 1.0;
   bool strain = false;
   bool solve = false;
+  std::string updateFailure;  ///< why the update was not installed for which the program had ended
 };
 
-/// Reads the arguments, or prints help, version or what is wrong with them and returns the exit code: 0, or 64 for
+/// Reads the arguments, or prints help, the version or what is wrong with them and returns the exit code: 0, or 64 for
 /// arguments that make no sense.
-[[nodiscard]] std::variant<Options, int> readOptions(int argc, char** argv);
+[[nodiscard]] std::variant<Options, int> readOptions(int argc, char** argv, const std::string& version);

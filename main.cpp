@@ -3,12 +3,14 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <cstdio>
+#include <string>
 
 #include "GavrelApp.h"
 #include "Options.h"
 #include "Screenshot.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
+Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 
 namespace {
 
@@ -24,7 +26,8 @@ bool hasDisplay() {
 
 int main(int argc, char** argv) {
   // Before the application object, which needs a display: help and usage errors do without.
-  auto asked = readOptions(argc, argv);
+  const std::string version = mainBundle().text("CFBundleShortVersionString").value_or("");
+  auto asked = readOptions(argc, argv, version);
   if (const int* status = std::get_if<int>(&asked)) return *status;
   const Options& options = std::get<Options>(asked);
 
@@ -37,11 +40,11 @@ int main(int argc, char** argv) {
   QGuiApplication application(argc, argv);
   QGuiApplication::setApplicationName(QStringLiteral("gavrel"));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Gavrel"));
-  QGuiApplication::setApplicationVersion(QStringLiteral(GAVREL_VERSION));
+  QGuiApplication::setApplicationVersion(QString::fromStdString(version));
   QGuiApplication::setDesktopFileName(QStringLiteral("gavrel"));
 
   if (options.screenshot) return writeScreenshot(options);
   GavrelApp app;
-  if (!app.start(options.file)) return 1;
+  if (!app.start(options.file, options.updateFailure)) return 1;
   return QGuiApplication::exec();
 }

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// The ten commands below the 3D area.
 RowLayout {

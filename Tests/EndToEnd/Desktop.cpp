@@ -11,39 +11,20 @@
 
 using namespace std::chrono_literals;
 
-namespace {
-
-constexpr auto patience = 30s;
-
-void waitUntil(const std::string& what, const std::function<bool()>& holds) {
-  const auto end = std::chrono::steady_clock::now() + patience;
-  while (!holds()) {
-    if (std::chrono::steady_clock::now() > end) {
-      static_cast<void>(std::system("import -silent -window root end-to-end-failure.png"));
-      throw std::runtime_error("waited in vain for " + what + "; see end-to-end-failure.png");
-    }
-    std::this_thread::sleep_for(50ms);
-  }
-}
-
-}  // namespace
-
-Desktop::Desktop(const std::vector<std::string>& arguments) {
+Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program) {
   program_ = ::fork();
   if (program_ == 0) {
     const int out = ::open((home / "output.txt").c_str(), O_CREAT | O_WRONLY | O_APPEND, 0600);
     ::dup2(out, STDOUT_FILENO);
     ::setenv("HOME", home.path().c_str(), 1);
     ::setenv("XDG_RUNTIME_DIR", home.path().c_str(), 1);
-    std::vector<char*> argv{const_cast<char*>(GAVREL)};
+    std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
-    ::execv(GAVREL, argv.data());
+    ::execv(program.c_str(), argv.data());
     ::_exit(127);
   }
-  waitUntil("the window", [] { return std::system("xdotool search --onlyvisible --class gavrel >/dev/null") == 0; });
-  run("search --onlyvisible --class gavrel windowfocus --sync");
-  waitUntil("the command row", [] { return Image::ofScreen().buttonRow(10).size() == 10; });
+  expectWindow();
 }
 
 Desktop::~Desktop() {
@@ -52,16 +33,38 @@ Desktop::~Desktop() {
   ::waitpid(program_, nullptr, 0);
 }
 
+void Desktop::expect(const std::string& what, const std::function<bool()>& holds) {
+  constexpr auto patience = 30s;
+  const auto end = std::chrono::steady_clock::now() + patience;
+  while (!holds()) {
+    if (std::chrono::steady_clock::now() > end) {
+      const int taken = std::system("import -silent -window root end-to-end-failure.png");
+      throw std::runtime_error("waited in vain for " + what + (taken == 0 ? "; see end-to-end-failure.png" : ""));
+    }
+    std::this_thread::sleep_for(50ms);
+  }
+}
+
+void Desktop::focusWindow() {
+  expect("the window", [] { return std::system("xdotool search --onlyvisible --class gavrel >/dev/null") == 0; });
+  run("search --onlyvisible --class gavrel windowfocus --sync");
+}
+
+void Desktop::expectWindow() {
+  focusWindow();
+  expect("the command row", [] { return Image::ofScreen().buttonRow(10).size() == 10; });
+}
+
 void Desktop::press(Button button) {
   std::vector<Image::Point> buttons;
-  waitUntil("the command row", [&] { return (buttons = Image::ofScreen().buttonRow(10)).size() == 10; });
+  expect("the command row", [&] { return (buttons = Image::ofScreen().buttonRow(10)).size() == 10; });
   const auto [x, y] = buttons[button];
   run("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
 }
 
 void Desktop::clickNode(std::size_t fromLeft, std::size_t count) {
   std::vector<Image::Point> balls;
-  waitUntil(std::to_string(count) + " nodes", [&] { return (balls = Image::ofScreen().balls()).size() == count; });
+  expect(std::to_string(count) + " nodes", [&] { return (balls = Image::ofScreen().balls()).size() == count; });
   const auto [x, y] = balls[fromLeft];
   run("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
 }
@@ -75,7 +78,7 @@ void Desktop::type(const std::string& text) {
 }
 
 void Desktop::expectLine(const std::string& start) {
-  waitUntil("the line \"" + start + "\" in\n" + output(), [&] {
+  expect("the line \"" + start + "\" in\n" + output(), [&] {
     const std::string text = "\n" + output();
     const auto found = text.find("\n" + start, read_);
     if (found == std::string::npos) return false;
@@ -85,14 +88,13 @@ void Desktop::expectLine(const std::string& start) {
 }
 
 void Desktop::expectTitle(const std::string& part) {
-  waitUntil("the title " + part, [&] {
-    return std::system(("xdotool search --onlyvisible --name '" + part + "' >/dev/null").c_str()) == 0;
-  });
+  expect("the title " + part,
+         [&] { return std::system(("xdotool search --onlyvisible --name '" + part + "' >/dev/null").c_str()) == 0; });
 }
 
 int Desktop::exitStatus() {
   int status = 0;
-  waitUntil("the program's end", [&] { return ::waitpid(program_, &status, WNOHANG) == program_; });
+  expect("the program's end", [&] { return ::waitpid(program_, &status, WNOHANG) == program_; });
   program_ = -1;
   return status;
 }
@@ -103,10 +105,9 @@ void Desktop::run(const std::string& xdotoolCommands) {
   settle();
 }
 
-/// Until two pictures in a row are the same.
 void Desktop::settle() {
   Image last;
-  waitUntil("the picture to settle", [&] {
+  expect("the picture to settle", [&] {
     std::this_thread::sleep_for(100ms);
     Image now = Image::ofScreen();
     const bool same = now.pixels == last.pixels;

@@ -15,7 +15,7 @@
 class Desktop {
  public:
   /// Starts the program with these arguments and a home folder of its own, and waits for its window.
-  explicit Desktop(const std::vector<std::string>& arguments = {});
+  explicit Desktop(const std::vector<std::string>& arguments = {}, const std::string& program = GAVREL);
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
   ~Desktop();
@@ -25,7 +25,7 @@ class Desktop {
   void press(Button button);
   /// Clicks the node that stands at this place among all nodes counted from the left, of which `count` are seen.
   void clickNode(std::size_t fromLeft, std::size_t count);
-  void keys(const std::string& names);
+  static void keys(const std::string& names);
   void type(const std::string& text);
 
   /// Waits for a line on the program's standard output, counted from the last line waited for, that starts like this.
@@ -38,11 +38,21 @@ class Desktop {
   /// The exit status once the program has ended by itself.
   int exitStatus();
 
+  /// Waits for the window of the program, or of one that has followed it, and gives it the focus.
+  static void focusWindow();
+  /// The same, and waits for it to be ready for commands, with no sheet over it.
+  static void expectWindow();
+
+  /// Waits until two pictures of the screen in a row are the same.
+  static void settle();
+
+  /// Waits until `holds`.
+  static void expect(const std::string& what, const std::function<bool()>& holds);
+
   TemporaryFolder home;
 
  private:
-  void run(const std::string& xdotoolCommands);
-  static void settle();
+  static void run(const std::string& xdotoolCommands);
 
   pid_t program_ = -1;
   std::size_t read_ = 0;  // bytes of the output that expectLine has passed

@@ -4,10 +4,13 @@
 #include <QQmlEngine>
 
 #include "CapturedOutput.h"
+#include "UpdateStates.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
+Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 
-/// Lets the tests import the program's QML modules and read what it prints ("standardOutput").
+/// Lets the tests import the program's QML modules and read what it prints ("standardOutput"), and
+/// bring an update manager into its states ("updates").
 class Setup : public QObject {
   Q_OBJECT
 
@@ -15,10 +18,12 @@ class Setup : public QObject {
   void qmlEngineAvailable(QQmlEngine* engine) {
     engine->addImportPath("qrc:/qt/qml");
     engine->rootContext()->setContextProperty("standardOutput", &output_);
+    engine->rootContext()->setContextProperty("updates", &updates_);
   }
 
  private:
   CapturedOutput output_;
+  UpdateStates updates_;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(qml_tests, Setup)

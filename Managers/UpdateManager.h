@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QByteArray>
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <QString>
+#include <QTemporaryFile>
+#include <QThreadPool>
+#include <QUrl>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "Managers/HttpTransfer.h"
+#include "Managers/UpdateState.h"
+#include "Platform/BundleInfo.h"
+#include "Platform/Observable.h"
+
+/// Finds newer versions on the update server, downloads and installs them. How far this is stands in `state`, which
+/// changes on the main thread only; every failure ends there. Observers of `objectWillChange` are told before a change.
+class UpdateManager : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(UpdateState state READ currentState NOTIFY stateChanged)
+  Q_PROPERTY(QString currentVersion READ version CONSTANT)
+  Q_PROPERTY(QString bundleName READ bundleName CONSTANT)
+
+ public:
+  struct Setup {
+    QString versionCheckUrl;                  ///< address of the manifest
+    BundleInfo bundle = {};                   ///< of the running program
+    QByteArray publicKey = {};                ///< Ed25519, 32 bytes; where it is empty, updates need no signature
+    qint64 largestArchive = qint64{1} << 30;  ///< bytes
+    std::chrono::milliseconds silence = std::chrono::minutes(1);  ///< after which a transfer has failed
+    std::function<void()> terminate = {};                         ///< ends the program so that it can be replaced
+  };
+
+  explicit UpdateManager(Setup setup, QObject* parent = nullptr);
+  ~UpdateManager() override;
+
+  Observable objectWillChange;
+  Published<UpdateState> state;
+  Published<QString> currentVersion;  ///< empty if the bundle does not tell
+  Published<qint64> currentBuild;     ///< 0 if the bundle does not tell
+  const QString versionCheckUrl;
+  const QString appIdentifier = QStringLiteral("brantel");  ///< key in the manifest, part of file names
+  std::unique_ptr<HttpTransfer> downloadTask;
+  std::optional<QUrl> updateDirectory;            ///< once an archive is stored
+  std::optional<VersionInfo> pendingVersionInfo;  ///< once a download has begun
+
+  /// Asks the server for its manifest. An explicit check shows that it runs and how it failed; a silent one shows only
+  /// that there is a newer version. Finding none ends either in `idle`.
+  Q_INVOKABLE void checkForUpdates(bool isExplicitCheck);
+
+  /// Returns to `idle`.
+  Q_INVOKABLE void skipUpdate();
+
+  /// Downloads the archive and, where updates are signed, proves its signature.
+  Q_INVOKABLE void downloadUpdate(const VersionInfo& info);
+
+  /// Unpacks the archive in a background thread, starts the script that replaces the bundle and ends the program.
+  Q_INVOKABLE void installUpdate(const VersionInfo& info, const QUrl& archive);
+
+  /// Tells of an installation that failed after the program had ended.
+  Q_INVOKABLE void installationFailed(const QString& reason);
+
+ signals:
+  void stateChanged();
+
+ private:
+  void loadCurrentVersion();
+  void post(UpdateState next);
+  void set(const UpdateState& next);
+  void handleManifest(const QByteArray& json, bool isExplicitCheck);
+  void handleVersionInfo(const VersionInfo& info);
+
+  void didWriteData(qint64 totalBytesWritten, qint64 totalBytesExpected);
+  void didFinishDownloading();
+  void fetchSignature();
+  void storeArchive();
+  void didCompleteWithError(const QString& reason);
+
+  [[nodiscard]] UpdateState currentState() const { return *state; }
+  [[nodiscard]] QString version() const { return *currentVersion; }
+  [[nodiscard]] QString bundleName() const;
+
+  const Setup setup_;
+  QNetworkAccessManager session_;
+  std::unique_ptr<QTemporaryFile> download_;
+  std::unique_ptr<HttpTransfer> signatureTask_;
+  QByteArray signature_;
+  QThreadPool worker_;  // last, so that it is done before anything else goes
+};

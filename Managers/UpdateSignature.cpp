@@ -1,0 +1,36 @@
+#include "Managers/UpdateSignature.h"
+
+#include <openssl/evp.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <memory>
+
+namespace {
+
+const unsigned char* bytes(const QByteArray& array) {
+  return reinterpret_cast<const unsigned char*>(array.constData());
+}
+
+}  // namespace
+
+bool isSigned(const QString& file, const QByteArray& signature, const QByteArray& publicKey) {
+  if (signature.size() != signatureSize || publicKey.size() != publicKeySize) return false;
+  QFile content(file);
+  if (!content.open(QIODevice::ReadOnly)) return false;
+  const unsigned char* const message = content.map(0, content.size());
+  if (message == nullptr) return false;
+
+  using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
+  using Context = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
+  const Key key(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, bytes(publicKey), publicKeySize),
+                &EVP_PKEY_free);
+  const Context context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
+  return key && context && EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, key.get()) == 1 &&
+         EVP_DigestVerify(context.get(), bytes(signature), signatureSize, message,
+                          static_cast<std::size_t>(content.size())) == 1;
+}
+
+QString wrongSignature() {
+  return QCoreApplication::translate("UpdateSignature", "The update is not signed by the makers of this program.");
+}

@@ -1,0 +1,10 @@
+# Read for each kind of package: where it puts the files, and whether it is a bundle.
+list(GET CPACK_INSTALL_CMAKE_PROJECTS 0 build)
+set(CPACK_INSTALL_CMAKE_PROJECTS "${build};gavrel;Unspecified;/")
+if(CPACK_GENERATOR STREQUAL "ZIP")
+  list(APPEND CPACK_INSTALL_CMAKE_PROJECTS "${build};gavrel;bundle;/")
+  set(CPACK_PACKAGING_INSTALL_PREFIX "/Gavrel.app")
+  set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
+else()
+  set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
+endif()

@@ -1,0 +1,163 @@
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <QThread>
+#include <cstdlib>
+#include <fstream>
+
+#include "Managers/VersionInfo.h"
+#include "Tests/EndToEnd/Desktop.h"
+#include "Tests/Managers/UpdateServer.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The update server in a thread of its own, so that it answers while a test waits.
+class ServerThread : public QThread {
+ public:
+  ServerThread() {
+    server.moveToThread(this);
+    start();
+  }
+  ~ServerThread() override {
+    onServer([] { QThread::currentThread()->quit(); });
+    wait();
+  }
+
+  template <class Function>
+  void onServer(Function function) {
+    QMetaObject::invokeMethod(&server, function, Qt::BlockingQueuedConnection);
+  }
+
+  [[nodiscard]] qsizetype requests(const QByteArray& path) {
+    qsizetype count = 0;
+    onServer([&] { count = server.requests.count(path); });
+    return count;
+  }
+
+  UpdateServer server{GAVREL_UPDATE_HOST};
+};
+
+std::string textOf(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Processes that run this program, by number.
+std::vector<std::string> processesOf(const fs::path& program) {
+  std::vector<std::string> found;
+  for (const auto& entry : fs::directory_iterator("/proc")) {
+    std::error_code notOurs;
+    if (fs::read_symlink(entry.path() / "exe", notOurs) == program) found.push_back(entry.path().filename());
+  }
+  return found;
+}
+
+/// Version 1 of the bundle in a folder with a difficult name, and version 2 on the server.
+class Update : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directories(bundle.parent_path());
+    fs::create_directory(files / "update");
+    for (const auto& [folder, version] : {std::pair{bundle.parent_path(), "1.0.0"}, {files / "update", "2.0.0"}}) {
+      const QString path = QString::fromStdString(folder.string());
+      runTool("unzip", {"-q", GAVREL_BUNDLE, "-d", path});
+      runTool("sed",
+              {"-i", QString("/ShortVersion/{n;s/>[^<]*</>%1</}").arg(version), path + "/Gavrel.app/Info.plist"});
+    }
+    const QString update = QString::fromStdString((files / "update").string());
+    runTool("zip", {"-qr", "../update.zip", "Gavrel.app"}, update);
+
+    const std::string server = "http://127.0.0.1:" + std::to_string(thread.server.serverPort());
+    for (const char* name : {"https_proxy", "HTTPS_PROXY"}) ::setenv(name, server.c_str(), 1);
+    for (const char* name : {"no_proxy", "NO_PROXY"}) ::unsetenv(name);
+    ::setenv("SSL_CERT_FILE", thread.server.authority().toUtf8(), 1);
+    ::setenv("TMPDIR", files.path().c_str(), 1);
+  }
+
+  void TearDown() override {
+    for (const std::string& process : processesOf(program)) ::kill(std::stoi(process), SIGKILL);
+  }
+
+  /// Version 1 started, and led to where it ends to be replaced.
+  void installTheUpdate() {
+    Desktop desktop({}, program);
+    Desktop::expect("the silent check", [&] { return thread.requests("/versions.json") == 1; });
+    const VersionInfo offer{"2.0.0", 1, GAVREL_UPDATE_SERVER "/update.zip", "", false, {}};
+    thread.onServer([&] {
+      thread.server.answers["/versions.json"] = {"{\"brantel\":" + encode(offer) + "}"};
+      thread.server.answers["/update.zip"] = {QByteArray::fromStdString(files.get("update.zip"))};
+    });
+    desktop.keys("ctrl+u");
+    Desktop::expect("the explicit check", [&] { return thread.requests("/versions.json") == 2; });
+    Desktop::settle();
+    desktop.keys("Tab Tab space");  // past "Later" to "Download & Install"
+    const fs::path archive = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate/brantel-Update.zip";
+    Desktop::expect("the download", [&] { return fs::exists(archive); });
+    Desktop::settle();
+    desktop.keys("Escape");  // puts the sheet away
+    Desktop::expectWindow();
+    desktop.keys("ctrl+u");
+    Desktop::expect("another check", [&] { return thread.requests("/versions.json") == 3; });
+    Desktop::settle();
+    desktop.keys("Tab Tab space");
+    Desktop::expect("another download", [&] { return thread.requests("/update.zip") == 2; });
+    Desktop::settle();
+    desktop.keys("Tab Tab space");  // past "Cancel" to "Install & Restart"
+    EXPECT_EQ(desktop.exitStatus(), 0);
+  }
+
+  /// The arguments of the process that has followed.
+  std::string follower() {
+    std::vector<std::string> processes;
+    Desktop::expect("the restart", [&] { return (processes = processesOf(program)).size() == 1; });
+    return textOf("/proc/" + processes.front() + "/cmdline").substr(program.string().size() + 1);
+  }
+
+  std::string version() {
+    runTool("sh", {"-c", "\"$0\" --version > version.txt", QString::fromStdString(program.string())},
+            QString::fromStdString(files.path().string()));
+    return files.get("version.txt");
+  }
+
+  TemporaryFolder files;
+  const fs::path bundle = files / "it's \"home\"/Gavrel.app";
+  const fs::path program = bundle / "bin/gavrel";
+  ServerThread thread;
+};
+
+TEST_F(Update, ReplacesTheBundleAndRestarts) {
+  installTheUpdate();
+  EXPECT_EQ(follower(), "");
+  EXPECT_EQ(version(), "gavrel 2.0.0\n");
+  EXPECT_FALSE(fs::exists(bundle.string() + ".old"));
+  // It has found no newer version than itself.
+  Desktop::expect("its silent check", [&] { return thread.requests("/versions.json") == 4; });
+  Desktop::expectWindow();
+}
+
+TEST_F(Update, AFailedCopyIsToldOfByTheFormerVersion) {
+  fs::create_directory(files / "bin");
+  files.put("bin/cp",
+            "#!/bin/sh\nmkdir \"$4/Gavrel.app\"\necho part > \"$4/Gavrel.app/Info.plist\"\necho no room >&2\nexit 1\n");
+  fs::permissions(files / "bin/cp", fs::perms(0755));
+  ::setenv("PATH", ((files / "bin").string() + ":" + std::getenv("PATH")).c_str(), 1);
+  installTheUpdate();
+  EXPECT_EQ(follower(), std::string("--update-failed=no room") + '\0');
+  EXPECT_EQ(version(), "gavrel 1.0.0\n");
+  EXPECT_FALSE(fs::exists(bundle.string() + ".old"));
+  // The sheet tells of it; "OK" ends that.
+  Desktop::focusWindow();
+  Desktop::keys("Tab space");
+  Desktop::expectWindow();
+  EXPECT_EQ(thread.requests("/versions.json"), 3);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleMock(&argc, argv);
+  const QCoreApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
