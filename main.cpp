@@ -1,5 +1,6 @@
 #include <QtQml/qqmlextensionplugin.h>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <cstdio>
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
   QGuiApplication::setApplicationName(QStringLiteral("gavrel"));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Gavrel"));
   QGuiApplication::setApplicationVersion(QString::fromStdString(version));
+  QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/gavrel.svg")));
   QGuiApplication::setDesktopFileName(QStringLiteral("gavrel"));
 
   if (options.screenshot) return writeScreenshot(options);
