@@ -42,15 +42,14 @@ Outcome extract(const QString& archive, const fs::path& folder) {
   return failed("Failed to extract update");
 }
 
-/// Whether a symbolic link in the folder leads out of it.
+/// Whether a symbolic link in the folder leads out of it, be it by way of other links.
 bool leadsOutside(const fs::path& folder) {
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (!entry.is_symlink()) continue;
-    const fs::path target = (entry.path().parent_path() / fs::read_symlink(entry)).lexically_normal();
-    const auto [end, unused] = std::ranges::mismatch(folder, target);
-    if (end != folder.end()) return true;
-  }
-  return false;
+  const fs::path inside = fs::canonical(folder);
+  return std::ranges::any_of(fs::recursive_directory_iterator(folder), [&](const fs::directory_entry& entry) {
+    if (!entry.is_symlink()) return false;
+    const fs::path target = fs::weakly_canonical(entry.path().parent_path() / fs::read_symlink(entry));
+    return std::ranges::mismatch(inside, target).in1 != inside.end();
+  });
 }
 
 /// Why the running bundle cannot be replaced by this one.

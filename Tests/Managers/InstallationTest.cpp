@@ -160,7 +160,9 @@ TEST_F(Installer, ArchivesThatReachOutside) {
   EXPECT_FALSE(fs::exists(files / "evil"));
   EXPECT_TRUE(fs::exists(files / "extracted/evil"));
 
-  for (const char* target : {"/etc", "../..", "bin/../../../x", "../Gavrel.app.other"}) {
+  // "around/.." is the bundle when read as a text, and the folder above it when followed.
+  fs::create_symlink("..", update / "Gavrel.app/bin/around");
+  for (const char* target : {"bin/around/..", "/etc", "../..", "bin/../../../x", "../Gavrel.app.other"}) {
     history.clear();
     fs::remove(files / "update.zip");
     fs::remove(update / "Gavrel.app/link");
