@@ -46,8 +46,11 @@ void Desktop::expect(const std::string& what, const std::function<bool()>& holds
 }
 
 void Desktop::focusWindow() {
-  expect("the window", [] { return std::system("xdotool search --onlyvisible --class gavrel >/dev/null") == 0; });
-  run("search --onlyvisible --class gavrel windowfocus --sync");
+  // Windows that come and go meanwhile make xdotool fail.
+  expect("the window", [] {
+    return std::system("xdotool search --onlyvisible --class gavrel windowfocus --sync >/dev/null 2>&1") == 0;
+  });
+  settle();
 }
 
 void Desktop::expectWindow() {

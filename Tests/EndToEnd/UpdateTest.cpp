@@ -77,6 +77,7 @@ class Update : public testing::Test {
   }
 
   void TearDown() override {
+    ::unsetenv("TMPDIR");
     for (const std::string& process : processesOf(program)) ::kill(std::stoi(process), SIGKILL);
   }
 
