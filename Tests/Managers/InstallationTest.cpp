@@ -52,11 +52,13 @@ class Installer : public ManagerCase {
   /// Zips what stands in the update's folder, and installs it.
   void install(const QStringList& zipOptions = {}) {
     const QString folder = QString::fromStdString(update.string());
+    fs::remove(files / "update.zip");
     runTool("zip", QStringList{"-qry"} + zipOptions + QStringList{"../update.zip", "."}, folder);
     installArchive();
   }
 
   void installArchive() {
+    history.clear();
     start();
     manager->installUpdate({}, QUrl::fromLocalFile(QString::fromStdString((files / "update.zip").string())));
   }
@@ -124,16 +126,12 @@ TEST_F(Installer, UnusableArchives) {
   installArchive();
   expectFailure("Failed to extract update");
 
-  history.clear();
-  fs::remove(files / "update.zip");
   install({"-P", "secret"});
   expectFailure("Failed to extract update");
 
-  history.clear();
   fs::create_directory(files / "outer");
   fs::rename(update, files / "outer/inner");
   fs::rename(files / "outer", update);
-  fs::remove(files / "update.zip");
   install();
   expectFailure("App bundle not found in update");
 }
@@ -143,7 +141,6 @@ TEST_F(Installer, ATruncatedArchiveIsNotInstalled) {
   ASSERT_TRUE(happens([&] { return terminated; }));
   ASSERT_EQ(started(), "new:");
   terminated = false;
-  history.clear();
   fs::remove(files / "install.sh");
   fs::resize_file(files / "update.zip", fs::file_size(files / "update.zip") / 2);
   installArchive();
@@ -163,16 +160,12 @@ TEST_F(Installer, ArchivesThatReachOutside) {
   // "around/.." is the bundle when read as a text, and the folder above it when followed.
   fs::create_symlink("..", update / "Gavrel.app/bin/around");
   for (const char* target : {"bin/around/..", "/etc", "../..", "bin/../../../x", "../Gavrel.app.other"}) {
-    history.clear();
-    fs::remove(files / "update.zip");
     fs::remove(update / "Gavrel.app/link");
     fs::create_symlink(target, update / "Gavrel.app/link");
     install();
     expectFailure("not a self-contained application bundle");
   }
 
-  history.clear();
-  fs::remove(files / "update.zip");
   fs::remove_all(update / "Gavrel.app");
   fs::create_symlink(home / "Gavrel.app", update / "Gavrel.app");
   install();
@@ -185,15 +178,11 @@ TEST_F(Installer, WhatCannotBeReplacedIsLeftAlone) {
   install();
   expectFailure("Gavrel.app.old is in the way");
 
-  history.clear();
   fs::remove(home / "Gavrel.app.old");
-  fs::remove(files / "update.zip");
   fs::rename(update / "Gavrel.app", update / "Other.app");
   install();
   expectFailure("must be called Other.app");
 
-  history.clear();
-  fs::remove(files / "update.zip");
   fs::rename(update / "Other.app/bin/gavrel", update / "Other.app/bin/other");
   install();
   expectFailure("does not contain the program bin/gavrel");
