@@ -121,7 +121,7 @@ void UpdateManager::downloadUpdate(const VersionInfo& info) {
   connect(downloadTask.get(), &HttpTransfer::progressed, this, &UpdateManager::didWriteData);
   connect(downloadTask.get(), &HttpTransfer::finished, this, [this] {
     if (const auto& failure = downloadTask->failure()) return didCompleteWithError(*failure);
-    didFinishDownloading();
+    didFinishDownloadingTo(download_->fileName());
   });
 }
 
@@ -131,15 +131,15 @@ void UpdateManager::didWriteData(qint64 totalBytesWritten, qint64 totalBytesExpe
         .progress = static_cast<double>(totalBytesWritten) / static_cast<double>(totalBytesExpected)});
 }
 
-void UpdateManager::didFinishDownloading() {
+void UpdateManager::didFinishDownloadingTo(const QString& location) {
   if (state->kind != State::downloading || downloadTask->status() != httpOk)
     return post(UpdateState::error(Error::invalidResponse));
   if (!download_->flush()) return didCompleteWithError(download_->errorString());
-  if (setup_.publicKey.isEmpty()) return storeArchive();
-  fetchSignature();
+  if (setup_.publicKey.isEmpty()) return storeArchive(location);
+  fetchSignature(location);
 }
 
-void UpdateManager::fetchSignature() {
+void UpdateManager::fetchSignature(const QString& location) {
   const auto url = secureUrl(pendingVersionInfo->downloadUrl + ".sig");
   if (!url) return didCompleteWithError(wrongSignature());
   auto* signature = new QBuffer(&signature_);
@@ -147,24 +147,23 @@ void UpdateManager::fetchSignature() {
   signatureTask_ =
       std::make_unique<HttpTransfer>(session_, *url, TransferLimits{signatureSize, setup_.silence}, *signature);
   signature->setParent(signatureTask_.get());
-  connect(signatureTask_.get(), &HttpTransfer::finished, this, [this] {
+  connect(signatureTask_.get(), &HttpTransfer::finished, this, [this, location] {
     if (const auto& failure = signatureTask_->failure())
       return didCompleteWithError(tr("The update's signature: %1").arg(*failure));
     if (signatureTask_->status() != httpOk)
       return didCompleteWithError(tr("The update's signature: the server answered %1.").arg(signatureTask_->status()));
-    if (!isSigned(download_->fileName(), signature_, setup_.publicKey)) return didCompleteWithError(wrongSignature());
-    storeArchive();
+    if (!isSigned(location, signature_, setup_.publicKey)) return didCompleteWithError(wrongSignature());
+    storeArchive(location);
   });
 }
 
-void UpdateManager::storeArchive() {
-  const fs::path folder =
-      fs::path(download_->fileName().toStdString()).parent_path() / (appIdentifier + "Update").toStdString();
+void UpdateManager::storeArchive(const QString& location) {
+  const fs::path folder = fs::path(location.toStdString()).parent_path() / (appIdentifier + "Update").toStdString();
   const fs::path archive = folder / (appIdentifier + "-Update.zip").toStdString();
   std::error_code error;
   fs::create_directories(folder, error);
   fs::remove(archive, error);
-  if (!error) fs::rename(download_->fileName().toStdString(), archive, error);
+  if (!error) fs::rename(location.toStdString(), archive, error);
   if (error) return didCompleteWithError(shown(archive) + ": " + QString::fromStdString(error.message()));
   download_->setAutoRemove(false);
   updateDirectory = QUrl::fromLocalFile(shown(folder));

@@ -75,9 +75,9 @@ class UpdateManager : public QObject {
   void handleVersionInfo(const VersionInfo& info);
 
   void didWriteData(qint64 totalBytesWritten, qint64 totalBytesExpected);
-  void didFinishDownloading();
-  void fetchSignature();
-  void storeArchive();
+  void didFinishDownloadingTo(const QString& location);
+  void fetchSignature(const QString& location);
+  void storeArchive(const QString& location);
   void didCompleteWithError(const QString& reason);
 
   [[nodiscard]] UpdateState currentState() const { return *state; }
