@@ -1,6 +1,7 @@
 #include "GavrelApp.h"
 
 #include <QCoreApplication>
+#include <QStandardPaths>
 #include <QUrl>
 #include <QVariantMap>
 
@@ -10,21 +11,37 @@ BundleInfo mainBundle() {
       {{"CFBundleName", "Gavrel"}, {"CFBundleShortVersionString", GAVREL_VERSION}, {"CFBundleVersion", GAVREL_BUILD}});
 }
 
+namespace {
+
+std::filesystem::path recoveryFolder() {
+  return (QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery").toStdString();
+}
+
+}  // namespace
+
 GavrelApp::GavrelApp(QObject* parent)
     : QObject(parent),
       updateManager({.versionCheckUrl = QStringLiteral(GAVREL_UPDATE_SERVER "/versions.json"),
                      .bundle = mainBundle(),
                      .publicKey = QByteArray::fromBase64(GAVREL_UPDATE_PUBLIC_KEY),
-                     .terminate = &QCoreApplication::quit}) {
+                     .terminate = [this] { restart(); }}),
+      recovery(projectViewModel, recoveryFolder()) {
   engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
 }
 
 bool GavrelApp::start(const std::optional<std::filesystem::path>& file, const std::string& updateFailure) {
   engine_.setInitialProperties({{"projectViewModel", QVariant::fromValue(&projectViewModel)},
                                 {"updateManager", QVariant::fromValue(&updateManager)},
+                                {"recovery", QVariant::fromValue(&recovery)},
                                 {"updateFailure", QString::fromStdString(updateFailure)}});
   engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Gavrel/GavrelApp.qml")));
   if (engine_.rootObjects().isEmpty()) return false;
   if (file) projectViewModel.loadProject(file);
   return true;
+}
+
+void GavrelApp::restart() {
+  recovery.flush();
+  engine_.rootObjects().constFirst()->setProperty("asksBeforeClosing", false);
+  QCoreApplication::quit();
 }

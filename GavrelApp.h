@@ -9,6 +9,7 @@
 #include "Managers/UpdateManager.h"
 #include "Platform/BundleInfo.h"
 #include "PreviewContent/ProjectViewModel.h"
+#include "PreviewContent/Recovery.h"
 
 /// The bundle that the program runs from or, where it runs from none, the name and version that it was built with.
 [[nodiscard]] BundleInfo mainBundle();
@@ -26,7 +27,11 @@ class GavrelApp : public QObject {
 
   ProjectViewModel projectViewModel;
   UpdateManager updateManager;
+  Recovery recovery;
 
  private:
+  /// Ends the program without a question; what is not saved is offered at the next start.
+  void restart();
+
   QQmlApplicationEngine engine_;
 };

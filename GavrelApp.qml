@@ -9,6 +9,8 @@ ApplicationWindow {
 
     required property ProjectViewModel projectViewModel
     required property UpdateManager updateManager
+    required property Recovery recovery
+    property bool asksBeforeClosing: true
     /// Why an update that was to be installed before this start was not.
     property string updateFailure
 
@@ -20,7 +22,7 @@ ApplicationWindow {
     minimumWidth: 800
     minimumHeight: 500
     visible: true
-    title: projectViewModel.currentFileName !== "" ? projectViewModel.currentFileName : projectViewModel.projectName
+    title: (projectViewModel.hasUnsavedChanges ? "*" : "") + (projectViewModel.currentFileName || projectViewModel.projectName)
     palette: appearance.dark ? darkPalette : lightPalette
 
     Component.onCompleted: {
@@ -28,6 +30,17 @@ ApplicationWindow {
             updateManager.installationFailed(updateFailure);
         else
             updateManager.checkForUpdates(false);
+        recovery.lookForOffer();
+    }
+
+    onClosing: close => {
+        if (!asksBeforeClosing || !projectViewModel.hasUnsavedChanges)
+            return;
+        close.accepted = false;
+        content.whenSaved(() => {
+            projectViewModel.discardChanges();
+            Qt.quit();
+        });
     }
 
     DesktopAppearance {
@@ -64,6 +77,23 @@ ApplicationWindow {
         id: controls
     }
 
+    Sheet {
+        presented: window.recovery.hasOffer
+        onDismissed: window.recovery.postponeOffer()
+
+        QuestionView {
+            question: qsTr("Restore “%1”?").arg(window.recovery.offeredName)
+            explanation: qsTr("Gavrel ended before this structure was saved.\n\n%1 nodes, %2 elements, last changed %3")
+                .arg(window.recovery.offeredNodes).arg(window.recovery.offeredElements).arg(window.recovery.offeredTime)
+                + (window.recovery.offeredFile !== "" ? qsTr("\nOpened from %1").arg(window.recovery.offeredFile) : "")
+            losing: qsTr("Discard")
+            nothing: qsTr("Later")
+            usual: qsTr("Restore")
+            onLost: window.recovery.discardOffer()
+            onChosen: content.whenSaved(() => window.recovery.restoreOffer())
+        }
+    }
+
     // Put away by hand it leaves the update as it is, and comes back with the next panel.
     Sheet {
         id: updateSheet
@@ -83,5 +113,6 @@ ApplicationWindow {
     footer: StatusLine {
         projectViewModel: window.projectViewModel
         calculation: content.calculation
+        warning: window.recovery.failure !== "" ? qsTr("Changes cannot be kept for recovery: %1").arg(window.recovery.failure) : ""
     }
 }

@@ -34,6 +34,19 @@ Project::Project(std::string name_, std::vector<TrussElement> trussElements_, st
       D_I(*this),
       magnify(magnify_) {}
 
+std::shared_ptr<Project> Project::copy() const {
+  auto copy = std::make_shared<Project>(*name, *trussElements, *beamElements, magnify);
+  copy->X_I.edit() = *X_I;
+  copy->U_I.edit() = *U_I;
+  copy->dU_I = dU_I;
+  copy->F_I.edit() = *F_I;
+  copy->R_I = R_I;
+  copy->D_I.edit() = *D_I;
+  copy->nI = nI;
+  copy->vv_J = vv_J;
+  return copy;
+}
+
 void Project::addNode(const Vector3& coordinates) {
   auto& X = X_I.edit();
   X.insert(X.end(), {coordinates.x, coordinates.y, coordinates.z});

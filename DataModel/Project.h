@@ -54,6 +54,9 @@ class Project : public Observable {
   explicit Project(std::string name = "New Project", std::vector<TrussElement> trussElements = {},
                    std::vector<BeamElement> beamElements = {}, double magnify = 1.0);
 
+  /// Another project with the same structure and state, without observers and without the matrix of the last solve.
+  [[nodiscard]] std::shared_ptr<Project> copy() const;
+
   /// Nodes in the model: a third of the coordinates, rounded down.
   [[nodiscard]] std::int64_t nodeCount() const { return static_cast<std::int64_t>(X_I->size()) / 3; }
 

@@ -40,6 +40,7 @@ QString Calculation::outcome() const {
 
 void Calculation::run() {
   if (running_) return;
+  emit viewModel_->endangered();
   running_ = true;
   qApp->installEventFilter(this);
   show(0, 0);

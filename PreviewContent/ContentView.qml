@@ -13,6 +13,7 @@ Item {
     property bool showingTrussConfigSheet: false
     property bool showingBeamConfigSheet: false
     property real displacementMagnification: 1.0
+    property var waitingAction: null
 
     readonly property alias calculation: solver
     readonly property alias visualization: view
@@ -33,7 +34,9 @@ Item {
     }
 
     function save() {
-        if (!projectViewModel.saveProject())
+        if (projectViewModel.saveProject())
+            goOn();
+        else
             showSavePanel();
     }
 
@@ -44,9 +47,32 @@ Item {
         savePanel.open();
     }
 
+    /// Does this at once, or when the user has answered what is to become of unsaved changes. Not if the answer is to stay.
+    function whenSaved(action) {
+        if (projectViewModel.hasUnsavedChanges)
+            waitingAction = action;
+        else
+            action();
+    }
+
+    function goOn() {
+        const action = waitingAction;
+        waitingAction = null;
+        if (action)
+            action();
+    }
+
+    function newProject() {
+        whenSaved(() => projectViewModel.newProject());
+    }
+
     function showOpenPanel() {
-        openPanel.currentFolder = projectViewModel.currentFolder;
-        openPanel.open();
+        whenSaved(() => openFrom(openPanel));
+    }
+
+    function openFrom(panel) {
+        panel.currentFolder = projectViewModel.currentFolder;
+        panel.open();
     }
 
     function selectionMessage(nodes, mode) {
@@ -161,6 +187,21 @@ Item {
         content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? beamForm : null
     }
 
+    Sheet {
+        presented: root.waitingAction !== null && !savePanel.visible
+        onDismissed: root.waitingAction = null
+
+        QuestionView {
+            question: qsTr("Save the changes to “%1”?").arg(root.projectViewModel.currentFileName || root.projectViewModel.projectName)
+            explanation: qsTr("They are lost otherwise.")
+            losing: qsTr("Discard")
+            nothing: qsTr("Cancel")
+            usual: qsTr("Save")
+            onLost: root.goOn()
+            onChosen: root.save()
+        }
+    }
+
     Component {
         id: trussForm
 
@@ -190,7 +231,13 @@ Item {
         title: qsTr("Save Project")
         fileMode: FileDialog.SaveFile
         acceptLabel: qsTr("Save")
-        onAccepted: root.projectViewModel.saveProject(selectedFile)
+        onAccepted: {
+            if (root.projectViewModel.saveProject(selectedFile))
+                root.goOn();
+            else
+                root.waitingAction = null;
+        }
+        onRejected: root.waitingAction = null
     }
 
     JsonPanel {

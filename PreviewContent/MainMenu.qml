@@ -39,12 +39,17 @@ MenuBar {
         Action {
             text: qsTr("&New")
             shortcut: StandardKey.New
-            onTriggered: root.content.projectViewModel.newProject()
+            onTriggered: root.content.newProject()
         }
         Action {
             text: qsTr("&Open…")
             shortcut: StandardKey.Open
             onTriggered: root.content.showOpenPanel()
+        }
+        Action {
+            text: qsTr("&Restore Previous Structure")
+            enabled: root.content.projectViewModel.hasPrevious
+            onTriggered: root.content.whenSaved(() => root.content.projectViewModel.restorePrevious())
         }
         MenuSeparator {}
         Action {

@@ -43,7 +43,7 @@ void ProjectViewModel::addNode(const Vector3& nodeCoordinates, bool connectedToL
   (*project)->addNode(nodeCoordinates);
   numberOfNodes.edit() = checkedProduct(1, newId, 1, "The number of nodes");
   if (connectedToLast && previous != -1) addTruss(previous, newId, automaticArea, automaticYoungModulus);
-  announce();
+  announceEdit();
   printLine("Added Node: id " + std::to_string(newId) + " at (" + numberText(nodeCoordinates.x) + ", " +
             numberText(nodeCoordinates.y) + ", " + numberText(nodeCoordinates.z) + ")");
 }
@@ -60,7 +60,7 @@ void ProjectViewModel::addTruss(qint64 startNodeId, qint64 endNodeId, double are
   const TrussElement truss(std::ssize(*model.trussElements), startNodeId, endNodeId, *start, *end, area, youngModulus,
                            /*isCompressionOnly=*/false, /*isNonLinear=*/true);
   model.trussElements.edit().push_back(truss);
-  announce();
+  announceEdit();
   printLine("Added Truss: Nodes " + std::to_string(startNodeId) + ", " + std::to_string(endNodeId) + " with Area " +
             numberText(area) + ", E " + numberText(youngModulus));
 }
@@ -77,7 +77,7 @@ void ProjectViewModel::addBeam(qint64 startNodeId, qint64 endNodeId, double area
   const BeamElement beam(std::ssize(*model.beamElements), startNodeId, endNodeId, *start, *end, area, iy, iz,
                          youngModulus, shearModulus, /*isNonLinear=*/false);
   model.beamElements.edit().push_back(beam);
-  announce();
+  announceEdit();
   printLine("Added Beam: Nodes " + std::to_string(startNodeId) + ", " + std::to_string(endNodeId));
 }
 
@@ -96,6 +96,7 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
     return false;
   }
   if (const auto failure = writeProject(**project, *currentFileUrl)) return report(*failure);
+  setHasUnsavedChanges(false);
   printLine("Project saved successfully to " + currentFileUrl->filename().string());
   return true;
 }
@@ -109,18 +110,42 @@ bool ProjectViewModel::loadProject(const std::optional<std::filesystem::path>& s
     printLine("No load file specified. Use 'Open...'");
     return false;
   }
+  emit endangered();
   auto loaded = readProject(*source);
-  if (!loaded) printLine("Failed to load project: " + loaded.failure().reason);
-  auto next = loaded ? std::move(*loaded) : std::make_shared<Project>();
+  if (!loaded) {
+    printLine("Failed to load project: " + loaded.failure().reason);
+    if ((*project)->nodeCount() > 0) previous_ = {*project, currentFileUrl, hasUnsavedChanges_};
+    replace(std::make_shared<Project>(), std::nullopt, false);
+    return false;
+  }
+  replace(std::move(*loaded), source, false, "Project loaded successfully from " + source->filename().string());
+  return true;
+}
+
+void ProjectViewModel::replace(std::shared_ptr<Project> next, const std::optional<std::filesystem::path>& file,
+                               bool unsaved, const std::string& line) {
   const std::int64_t nodes = next->nodeCount();
   project.edit() = std::move(next);
   numberOfNodes.edit() = nodes;
-  currentFileUrl = loaded ? source : std::nullopt;
+  currentFileUrl = file;
   announce();
-  if (loaded) printLine("Project loaded successfully from " + source->filename().string());
+  if (!line.empty()) printLine(line);
   emit currentFileChanged();
+  setHasUnsavedChanges(unsaved);
   emit projectLoaded();
-  return bool(loaded);
+}
+
+void ProjectViewModel::restore(std::shared_ptr<Project> structure, const std::optional<std::filesystem::path>& file) {
+  replace(std::move(structure), file, true);
+  emit structureEdited();
+}
+
+void ProjectViewModel::restorePrevious() {
+  if (!previous_) return;
+  emit endangered();
+  const Previous former = *std::exchange(previous_, std::nullopt);
+  replace(former.project, former.file, former.unsaved);
+  if (former.unsaved) emit structureEdited();
 }
 
 bool ProjectViewModel::loadProject(const QUrl& source) {
@@ -130,12 +155,8 @@ bool ProjectViewModel::loadProject(const QUrl& source) {
 void ProjectViewModel::newProject() {
   setAppMode(AppMode::normal);
   setSelectedNodesForTruss({});
-  project.edit() = std::make_shared<Project>();
-  numberOfNodes.edit() = 0;
-  currentFileUrl.reset();
-  announce();
-  emit currentFileChanged();
-  emit projectLoaded();
+  emit endangered();
+  replace(std::make_shared<Project>(), std::nullopt, false);
 }
 
 NodeContents ProjectViewModel::nodeContents(qint64 nodeID) const {
@@ -149,7 +170,7 @@ NodeContents ProjectViewModel::nodeContents(qint64 nodeID) const {
 
 void ProjectViewModel::setLoadAndRestraint(qint64 nodeID, double x, double y, double z, bool rx, bool ry, bool rz) {
   (*project)->setLoadAndRestraint(nodeID, {x, y, z}, rx, ry, rz);
-  announce();
+  announceEdit();
 }
 
 TrussContents ProjectViewModel::trussContents(qint64 elementID) const {
@@ -162,6 +183,8 @@ TrussContents ProjectViewModel::trussContents(qint64 elementID) const {
 void ProjectViewModel::setNonLinear(qint64 position, bool isNonLinear) {
   at((*project)->trussElements.edit(), position, "trussElements").isNonLinear = isNonLinear;
   emit projectChanged();
+  emit structureEdited();
+  setHasUnsavedChanges(true);
 }
 
 void ProjectViewModel::setProject(std::shared_ptr<Project> value) {
@@ -207,6 +230,16 @@ void ProjectViewModel::set(Published<Value>& property, Value value, void (Projec
 void ProjectViewModel::announce() {
   objectWillChange.announce();
   emit projectChanged();
+}
+
+void ProjectViewModel::announceEdit() {
+  announce();
+  emit structureEdited();
+  setHasUnsavedChanges(true);
+}
+
+void ProjectViewModel::setHasUnsavedChanges(bool value) {
+  if (std::exchange(hasUnsavedChanges_, value) != value) emit unsavedChangesChanged();
 }
 
 QVariantList ProjectViewModel::selectedNodes() const {

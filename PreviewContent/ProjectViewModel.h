@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "DataModel/Project.h"
@@ -34,6 +35,8 @@ class ProjectViewModel : public QObject {
                  isStrainVisualizationActiveChanged)
   Q_PROPERTY(QString currentFileName READ currentFileName NOTIFY currentFileChanged)
   Q_PROPERTY(QUrl currentFolder READ currentFolder NOTIFY currentFileChanged)
+  Q_PROPERTY(bool hasUnsavedChanges READ hasUnsavedChanges NOTIFY unsavedChangesChanged)
+  Q_PROPERTY(bool hasPrevious READ hasPrevious NOTIFY projectChanged)
 
  public:
   Observable objectWillChange;
@@ -78,6 +81,18 @@ class ProjectViewModel : public QObject {
   /// Starts again with an empty project without a file, in normal mode with nothing selected.
   Q_INVOKABLE void newProject();
 
+  /// Publishes a project that is not kept in a file as it is, but may have come from one.
+  void restore(std::shared_ptr<Project> structure, const std::optional<std::filesystem::path>& file);
+
+  /// Brings back what a file that could not be read has replaced.
+  Q_INVOKABLE void restorePrevious();
+  [[nodiscard]] bool hasPrevious() const { return previous_.has_value(); }
+
+  /// Whether the structure has changed since it was opened, saved or begun. A solve changes results only.
+  /// Takes the structure as it is for one that need not be saved.
+  Q_INVOKABLE void discardChanges() { setHasUnsavedChanges(false); }
+  [[nodiscard]] bool hasUnsavedChanges() const { return hasUnsavedChanges_; }
+
   /// Reads a node's entries; a negative identifier is fatal.
   [[nodiscard]] Q_INVOKABLE NodeContents nodeContents(qint64 nodeID) const;
 
@@ -109,11 +124,29 @@ class ProjectViewModel : public QObject {
   void projectLoaded();   ///< the project is another one
   void isStrainVisualizationActiveChanged();
   void currentFileChanged();
+  void structureEdited();  ///< not by opening or beginning another
+  void unsavedChangesChanged();
+  void endangered();  ///< what follows replaces the project, or may end the process
 
  private:
+  /// A project and what is known of it.
+  struct Previous {
+    std::shared_ptr<Project> project;
+    std::optional<std::filesystem::path> file;
+    bool unsaved;
+  };
+
+  void announceEdit();
+  void setHasUnsavedChanges(bool value);
+  /// `line`: what to print of it.
+  void replace(std::shared_ptr<Project> next, const std::optional<std::filesystem::path>& file, bool unsaved,
+               const std::string& line = {});
   void announce();
   template <class Value>
   void set(Published<Value>& property, Value value, void (ProjectViewModel::*changed)());
+
+  bool hasUnsavedChanges_ = false;
+  std::optional<Previous> previous_;
 
   [[nodiscard]] int modeNumber() const { return static_cast<int>(*appMode); }
   void setModeNumber(int value) { setAppMode(static_cast<AppMode>(value)); }

@@ -9,6 +9,8 @@ Pane {
 
     required property ProjectViewModel projectViewModel
     required property Calculation calculation
+    /// What the user should know at once; takes the place of the hint.
+    property string warning
 
     readonly property string hint: {
         const model = projectViewModel;
@@ -46,7 +48,8 @@ Pane {
             objectName: "hint"
             Layout.fillWidth: true
             elide: Text.ElideRight
-            text: root.hint
+            text: root.warning !== "" ? root.warning : root.hint
+            color: root.warning !== "" ? "#d0342c" : palette.windowText
         }
         Label {
             objectName: "counts"

@@ -11,20 +11,31 @@
 
 using namespace std::chrono_literals;
 
-Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program) {
+Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program) : path_(program) {
+  start(arguments);
+  expectWindow();
+}
+
+void Desktop::start(const std::vector<std::string>& arguments) {
   program_ = ::fork();
   if (program_ == 0) {
     const int out = ::open((home / "output.txt").c_str(), O_CREAT | O_WRONLY | O_APPEND, 0600);
     ::dup2(out, STDOUT_FILENO);
     ::setenv("HOME", home.path().c_str(), 1);
     ::setenv("XDG_RUNTIME_DIR", home.path().c_str(), 1);
-    std::vector<char*> argv{const_cast<char*>(program.c_str())};
+    std::vector<char*> argv{const_cast<char*>(path_.c_str())};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
-    ::execv(program.c_str(), argv.data());
+    ::execv(path_.c_str(), argv.data());
     ::_exit(127);
   }
-  expectWindow();
+}
+
+void Desktop::killAndRestart() {
+  ::kill(program_, SIGKILL);
+  ::waitpid(program_, nullptr, 0);
+  start({});
+  focusWindow();
 }
 
 Desktop::~Desktop() {

@@ -35,6 +35,9 @@ class Desktop {
   /// Waits for a window whose title this is a part of.
   void expectTitle(const std::string& part);
 
+  /// Kills the program and starts it again, with the same home folder and no arguments; a sheet may be over its window.
+  void killAndRestart();
+
   /// The exit status once the program has ended by itself.
   int exitStatus();
 
@@ -54,6 +57,9 @@ class Desktop {
  private:
   static void run(const std::string& xdotoolCommands);
 
+  void start(const std::vector<std::string>& arguments);
+
+  const std::string path_;
   pid_t program_ = -1;
   std::size_t read_ = 0;  // bytes of the output that expectLine has passed
 };

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 #include "DataModel/ProjectFile.h"
 #include "Tests/EndToEnd/Desktop.h"
@@ -134,6 +136,33 @@ TEST(Window, ABrokenFileLeavesAnEmptyStructureToWorkOn) {
   EXPECT_EQ(desktop.exitStatus(), 0);
   EXPECT_EQ(readProject(desktop.home / "mended.json").operator bool(), true);
   EXPECT_EQ(files.get("broken.json"), R"({"name": "Half", "X_I": [0, 0,)");
+}
+
+TEST(Window, OffersWhatAKilledProcessHasLeftAndAsksBeforeItGoes) {
+  Desktop desktop;
+  for (int node = 0; node < 2; ++node) {
+    desktop.press(Desktop::addNode);
+    desktop.type(std::to_string(node));
+    desktop.keys("Return");
+    desktop.expectLine("Added Node: id " + std::to_string(node));
+  }
+  desktop.expectTitle("^\\*New Project");
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+  desktop.killAndRestart();
+  desktop.keys("Return");  // Restore
+  desktop.expectTitle("^\\*New Project");
+
+  desktop.keys("ctrl+n");
+  desktop.keys("Escape");  // Cancel
+  desktop.keys("ctrl+q");
+  desktop.keys("Return");  // Save
+  saveAs(desktop, "kept.json");
+  desktop.expectLine("Project saved successfully to kept.json");
+  EXPECT_EQ(desktop.exitStatus(), 0);
+  const auto kept = readProject(desktop.home / "kept.json");
+  ASSERT_TRUE(kept);
+  EXPECT_EQ((*kept)->nodeCount(), 2);
+  EXPECT_EQ(std::ssize(*(*kept)->trussElements), 1);
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ TestCase {
 
     function test_items() {
         compare(texts(0), ["About Gavrel", "Check for Updates...", "-", "Quit"]);
-        compare(texts(1), ["New", "Open…", "-", "Save", "Save As…"]);
+        compare(texts(1), ["New", "Open…", "Restore Previous Structure", "-", "Save", "Save As…"]);
         compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "z Axis Upright", "-",
                            "Show Strain", "Node Numbers", "Element Numbers", "Rendering Statistics"]);
         compare(action(0, "Check for Updates...").shortcut, "Ctrl+U");
@@ -86,11 +86,38 @@ TestCase {
         verify(!action(2, "z Axis Upright").checked);
     }
 
-    function test_newEmptiesTheStructure() {
+    function test_newAsksBeforeItEmptiesTheStructure() {
+        model.newProject();
         model.addNode(1, 2, 3, false);
         model.appMode = AppMode.addingBeam;
         action(1, "New").trigger();
+        compare(model.numberOfNodes, 1);
+        keyClick(Qt.Key_Escape);
+        tryCompare(content, "waitingAction", null);
+        compare(model.numberOfNodes, 1);
+        verify(model.hasUnsavedChanges);
+
+        action(1, "New").trigger();
+        content.goOn();
         compare(model.numberOfNodes, 0);
         compare(model.appMode, AppMode.normal);
+        verify(!model.hasUnsavedChanges);
+        model.addNode(1, 2, 3, false);
+        model.discardChanges();
+        action(1, "New").trigger();
+        compare(model.numberOfNodes, 0);
+    }
+
+    function test_aFailedOpenCanBeTakenBack() {
+        model.newProject();
+        verify(!action(1, "Restore Previous Structure").enabled);
+        model.addNode(1, 2, 3, false);
+        standardOutput.start();
+        model.loadProject("file:///does/not/exist.json");
+        standardOutput.stop();
+        compare(model.numberOfNodes, 0);
+        action(1, "Restore Previous Structure").trigger();
+        compare(model.numberOfNodes, 1);
+        verify(!action(1, "Restore Previous Structure").enabled);
     }
 }

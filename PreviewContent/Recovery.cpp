@@ -1,0 +1,194 @@
+#include "PreviewContent/Recovery.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QUuid>
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "Platform/AtomicFile.h"
+#include "Platform/Console.h"
+#include "Platform/FileBytes.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int delay = 250;  // milliseconds from a change to its writing; changes in between go along
+// A process that was killed may take a moment to go.
+constexpr int retries = 5;
+constexpr int retryDelay = 1000;  // milliseconds
+constexpr const char* extension = ".recovery";
+
+fs::path lockOf(const fs::path& file) {
+  return file.string() + ".lock";
+}
+
+/// The recovery files in the folder, the last written first.
+std::vector<fs::path> filesIn(const fs::path& folder) {
+  std::vector<std::pair<fs::file_time_type, fs::path>> found;
+  std::error_code unreadable;
+  for (const auto& entry : fs::directory_iterator(folder, unreadable))
+    if (entry.path().extension() == extension) found.emplace_back(entry.last_write_time(unreadable), entry.path());
+  std::ranges::sort(found, std::greater());
+  std::vector<fs::path> files;
+  for (auto& [time, file] : found) files.push_back(std::move(file));
+  return files;
+}
+
+QString writeRecovery(const fs::path& file, const RecoveredProject& content) {
+  const auto text = encodeRecovery(content);
+  if (!text) return QString::fromStdString(text.failure().reason);
+  const auto failure = replaceFile(file, *text);
+  return failure ? QString::fromStdString(failure->reason) : QString();
+}
+
+}  // namespace
+
+Recovery::Recovery(ProjectViewModel& viewModel, fs::path folder, QObject* parent)
+    : QObject(parent),
+      viewModel_(viewModel),
+      folder_(std::move(folder)),
+      file_(folder_ / (QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString() + extension)) {
+  writer_.setMaxThreadCount(1);
+  soon_.setSingleShot(true);
+  soon_.setInterval(delay);
+  connect(&soon_, &QTimer::timeout, this, &Recovery::write);
+  connect(&viewModel, &ProjectViewModel::structureEdited, this, &Recovery::edited);
+  connect(&viewModel, &ProjectViewModel::endangered, this, &Recovery::flush);
+  connect(&viewModel, &ProjectViewModel::unsavedChangesChanged, this, [this] {
+    if (!viewModel_.hasUnsavedChanges()) forget();
+  });
+}
+
+Recovery::~Recovery() {
+  writer_.waitForDone();
+  std::error_code ignored;
+  if (lock_ && !fs::exists(file_, ignored)) fs::remove(lockOf(file_), ignored);
+}
+
+void Recovery::edited() {
+  pending_ = true;
+  if (!soon_.isActive() && !writing_) soon_.start();
+}
+
+void Recovery::write() {
+  if (!pending_ || writing_) return;
+  pending_ = false;
+  if (!lock_) {
+    std::error_code ignored;
+    fs::create_directories(folder_, ignored);
+    fs::permissions(folder_, fs::perms::owner_all, ignored);
+    lock_ = FileLock::take(lockOf(file_));
+  }
+  writing_ = true;
+  RecoveredProject content{(*viewModel_.project)->copy(), viewModel_.currentFileUrl, QDateTime::currentDateTime()};
+  writer_.start([this, content = std::move(content)] {
+    const QString failure = writeRecovery(file_, content);
+    QMetaObject::invokeMethod(
+        this, [this, failure] { written(failure); }, Qt::QueuedConnection);
+  });
+}
+
+void Recovery::written(const QString& failure) {
+  writing_ = false;
+  if (pending_) soon_.start();
+  if (std::exchange(failure_, failure) != failure) emit failureChanged();
+}
+
+void Recovery::flush() {
+  if (!viewModel_.hasUnsavedChanges()) return;
+  finishWriting();
+  write();
+  finishWriting();
+}
+
+void Recovery::finishWriting() {
+  writer_.waitForDone();
+  QCoreApplication::sendPostedEvents(this);  // what it has to tell
+}
+
+void Recovery::forget() {
+  finishWriting();
+  pending_ = false;
+  soon_.stop();
+  std::error_code ignored;
+  fs::remove(file_, ignored);
+  if (!std::exchange(failure_, {}).isEmpty()) emit failureChanged();
+}
+
+void Recovery::lookForOffer() {
+  look(retries);
+}
+
+void Recovery::look(int furtherTries) {
+  bool locked = false;
+  for (const fs::path& file : filesIn(folder_)) {
+    if (file == file_ || std::ranges::find(postponed_, file) != postponed_.end()) continue;
+    auto lock = FileLock::take(lockOf(file));
+    locked |= !lock;
+    if (!lock) continue;
+    const auto text = readFile(file);
+    auto content = text ? decodeRecovery(*text) : Result<RecoveredProject>(text.failure());
+    if (!content) {
+      printWarning("the recovery file " + file.string() + " is left alone: " + content.failure().reason);
+      continue;
+    }
+    offer_ = Offer{file, std::move(*lock), std::move(*content)};
+    emit offerChanged();
+    return;
+  }
+  if (locked && furtherTries > 0)
+    QTimer::singleShot(retryDelay, this, [this, furtherTries] { look(furtherTries - 1); });
+}
+
+void Recovery::restoreOffer() {
+  if (!offer_) return;
+  viewModel_.restore(offer_->content.project, offer_->content.file);
+  flush();
+  if (failure_.isEmpty()) removeOfferedFile();
+  postponeOffer();
+}
+
+void Recovery::discardOffer() {
+  if (!offer_) return;
+  removeOfferedFile();
+  postponeOffer();
+  lookForOffer();
+}
+
+void Recovery::postponeOffer() {
+  if (!offer_) return;
+  postponed_.push_back(offer_->file);
+  offer_.reset();
+  emit offerChanged();
+}
+
+void Recovery::removeOfferedFile() {
+  std::error_code ignored;
+  fs::remove(offer_->file, ignored);
+  fs::remove(lockOf(offer_->file), ignored);
+}
+
+QString Recovery::offeredName() const {
+  return offer_ ? QString::fromStdString(*offer_->content.project->name) : QString();
+}
+
+QString Recovery::offeredFile() const {
+  return offer_ ? QString::fromStdString(offer_->content.file.value_or("").filename().string()) : QString();
+}
+
+QString Recovery::offeredTime() const {
+  return offer_ ? QLocale().toString(offer_->content.time, QLocale::ShortFormat) : QString();
+}
+
+qint64 Recovery::offeredNodes() const {
+  return offer_ ? offer_->content.project->nodeCount() : 0;
+}
+
+qint64 Recovery::offeredElements() const {
+  if (!offer_) return 0;
+  return std::ssize(*offer_->content.project->trussElements) + std::ssize(*offer_->content.project->beamElements);
+}

@@ -1,0 +1,233 @@
+#include "PreviewContent/Recovery.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QProcess>
+#include <cmath>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <thread>
+
+#include "Tests/Structures.h"
+#include "Tests/TemporaryFolder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+/// A view model with its recovery, as a process has them.
+struct Session {
+  explicit Session(const fs::path& folder) : recovery(viewModel, folder) {}
+
+  void addNodes(int count) {
+    for (int i = 0; i < count; ++i) viewModel.addNode({double(i), 1, 2}, true);
+  }
+
+  ProjectViewModel viewModel;
+  Recovery recovery;
+};
+
+std::vector<fs::path> recoveryFiles(const fs::path& folder) {
+  std::vector<fs::path> files;
+  if (!fs::exists(folder)) return files;
+  for (const auto& entry : fs::directory_iterator(folder))
+    if (entry.path().extension() == ".recovery") files.push_back(entry.path());
+  return files;
+}
+
+class RecoveryTest : public testing::Test {
+ protected:
+  TemporaryFolder files;
+  const fs::path folder = files / "recovery";
+};
+
+TEST_F(RecoveryTest, ATextThatIsNotWholeIsRefused) {
+  auto project = std::make_shared<Project>("Brücke");
+  project->addNode({0.1, 2, -0.0});
+  const RecoveredProject recovered{project, "/home/a b.json", QDateTime::currentDateTime()};
+  const std::string text = *encodeRecovery(recovered);
+  const auto back = decodeRecovery(text);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(*back->project->X_I, *project->X_I);
+  EXPECT_EQ(*back->project->name, "Brücke");
+  EXPECT_EQ(back->file, recovered.file);
+  EXPECT_EQ(back->time.toMSecsSinceEpoch(), recovered.time.toMSecsSinceEpoch());
+  for (std::size_t length = 0; length < text.size(); ++length) EXPECT_FALSE(decodeRecovery(text.substr(0, length)));
+  for (std::size_t i = text.find('\n') + 1; i < text.size(); ++i) {
+    std::string changed = text;
+    changed[i] = static_cast<char>(changed[i] ^ 1);
+    EXPECT_FALSE(decodeRecovery(changed)) << i;
+  }
+}
+
+TEST_F(RecoveryTest, ChangesAreKeptWithinASecondUntilTheyAreSaved) {
+  Session session(folder);
+  EXPECT_FALSE(fs::exists(folder));
+  session.addNodes(3);
+  const QDeadlineTimer second(1000);
+  while (!second.hasExpired()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  ASSERT_EQ(recoveryFiles(folder).size(), 1);
+  session.viewModel.setNonLinear(0, false);
+  session.recovery.flush();
+
+  // Another process leaves it alone.
+  Session other(folder);
+  other.recovery.lookForOffer();
+  EXPECT_FALSE(other.recovery.hasOffer());
+
+  EXPECT_TRUE(session.viewModel.saveProject(files / "saved.json"));
+  EXPECT_FALSE(session.viewModel.hasUnsavedChanges());
+  EXPECT_TRUE(recoveryFiles(folder).empty());
+}
+
+TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
+  {
+    Session gone(folder);
+    gone.viewModel.currentFileUrl = "/somewhere/bridge.json";
+    gone.addNodes(4);
+    gone.viewModel.setLoadAndRestraint(2, 1, 2, 3, false, true, false);
+    gone.recovery.flush();
+  }
+  std::optional<Session> next(std::in_place, folder);
+  next->recovery.lookForOffer();
+  ASSERT_TRUE(next->recovery.hasOffer());
+  EXPECT_EQ(next->recovery.offeredFile(), "bridge.json");
+  EXPECT_EQ(next->recovery.offeredNodes(), 4);
+  EXPECT_EQ(next->recovery.offeredElements(), 3);
+  next->recovery.postponeOffer();
+  EXPECT_FALSE(next->recovery.hasOffer());
+
+  next.emplace(folder);
+  next->recovery.lookForOffer();
+  Session meanwhile(folder);
+  meanwhile.recovery.lookForOffer();
+  EXPECT_FALSE(meanwhile.recovery.hasOffer());
+  next->recovery.restoreOffer();
+  EXPECT_EQ(*next->viewModel.numberOfNodes, 4);
+  EXPECT_EQ((*(*next->viewModel.project)->F_I)[14], 3);
+  EXPECT_EQ(next->viewModel.currentFileUrl, "/somewhere/bridge.json");
+  EXPECT_TRUE(next->viewModel.hasUnsavedChanges());
+  EXPECT_EQ(recoveryFiles(folder).size(), 1);  // it is kept anew, and the old file gone
+
+  // It is still there if the process ends again, and not when it is given up.
+  next.emplace(folder);
+  next->recovery.lookForOffer();
+  ASSERT_TRUE(next->recovery.hasOffer());
+  next->recovery.discardOffer();
+  EXPECT_FALSE(next->recovery.hasOffer());
+  EXPECT_TRUE(recoveryFiles(folder).empty());
+}
+
+TEST_F(RecoveryTest, DamagedFilesAreLeftAlone) {
+  fs::create_directory(folder);
+  files.put("recovery/a.recovery", "{\"sha256\":\"\"}\n{}");
+  Session session(folder);
+  testing::internal::CaptureStderr();
+  session.recovery.lookForOffer();
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("a.recovery is left alone"));
+  EXPECT_FALSE(session.recovery.hasOffer());
+  EXPECT_EQ(recoveryFiles(folder).size(), 1);
+}
+
+TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
+  // A file where the folder should be.
+  files.put("recovery", "");
+  Session session(folder);
+  session.addNodes(1);
+  session.recovery.flush();
+  EXPECT_NE(session.recovery.failure(), "");
+  fs::remove(folder);
+  session.addNodes(1);
+  session.recovery.flush();
+  EXPECT_EQ(session.recovery.failure(), "");
+
+  // A disk that is full: nothing more than 100 bytes can be written.
+  ::signal(SIGXFSZ, SIG_IGN);
+  rlimit former{};
+  ::getrlimit(RLIMIT_FSIZE, &former);
+  const rlimit full{100, former.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &full);
+  session.addNodes(1);
+  session.recovery.flush();
+  ::setrlimit(RLIMIT_FSIZE, &former);
+  EXPECT_NE(session.recovery.failure(), "");
+
+  // A number that no file can keep.
+  session.viewModel.addNode({std::nan(""), 0, 0}, false);
+  session.recovery.flush();
+  EXPECT_THAT(session.recovery.failure().toStdString(), testing::HasSubstr("X_I"));
+
+  const auto left = recoveryFiles(folder);
+  ASSERT_EQ(left.size(), 1);
+  std::ifstream file(left.front());
+  const auto kept = decodeRecovery({std::istreambuf_iterator<char>(file), {}});
+  ASSERT_TRUE(kept);
+  EXPECT_EQ(kept->project->nodeCount(), 2);
+}
+
+TEST_F(RecoveryTest, AFailedOpenCanBeTakenBack) {
+  const auto broken = files.put("broken.json", "{");
+  Session session(folder);
+  session.addNodes(2);
+  EXPECT_FALSE(session.viewModel.loadProject(broken));
+  EXPECT_EQ(*session.viewModel.numberOfNodes, 0);
+  EXPECT_FALSE(session.viewModel.hasUnsavedChanges());
+  ASSERT_TRUE(session.viewModel.hasPrevious());
+  session.viewModel.restorePrevious();
+  EXPECT_EQ(*session.viewModel.numberOfNodes, 2);
+  EXPECT_TRUE(session.viewModel.hasUnsavedChanges());
+  EXPECT_FALSE(session.viewModel.hasPrevious());
+  session.recovery.flush();
+  EXPECT_EQ(recoveryFiles(folder).size(), 1);
+  session.viewModel.newProject();
+  EXPECT_TRUE(recoveryFiles(folder).empty());
+}
+
+TEST_F(RecoveryTest, KilledAtAnyMomentAProcessLosesASecondAtMost) {
+  constexpr int rounds = 25;
+  constexpr std::size_t atOnce = 8;
+  std::mt19937 random(20261123);
+  int kept = 0;  // processes that had something older than a second
+  for (int round = 0; round < rounds; ++round) {
+    std::vector<std::unique_ptr<QProcess>> editors;
+    std::vector<fs::path> folders;
+    for (std::size_t i = 0; i < atOnce; ++i) {
+      folders.push_back(files / std::to_string(round * 10 + static_cast<int>(i)));
+      editors.push_back(std::make_unique<QProcess>());
+      editors.back()->start(RECOVERY_EDITOR, {QString::fromStdString(folders.back().string())});
+    }
+    for (std::size_t i = 0; i < atOnce; ++i) {
+      std::this_thread::sleep_for(std::uniform_int_distribution(5, 400)(random) * 1ms);
+      editors[i]->kill();
+      const auto killed = std::chrono::steady_clock::now().time_since_epoch() / 1ms;
+      ASSERT_TRUE(editors[i]->waitForFinished());
+
+      long long due = 0;
+      for (const QByteArray& line : editors[i]->readAllStandardOutput().split('\n')) {
+        const auto fields = line.split(' ');
+        if (fields.size() == 2 && fields[1].toLongLong() < killed - 1000) due = fields[0].toLongLong();
+      }
+      Session next(folders[i]);
+      testing::internal::CaptureStderr();
+      next.recovery.lookForOffer();
+      EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // no file is damaged
+      EXPECT_GE(next.recovery.offeredNodes(), due);
+      kept += due > 0;
+    }
+  }
+  EXPECT_GT(kept, 20);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleMock(&argc, argv);
+  const QCoreApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
