@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include "Benchmarks/BenchmarkLattice.h"
@@ -12,6 +13,8 @@ constexpr double milli = 1e-3;
 
 /// What keeping the unsaved changes costs: for how long it stops the user, and until all is on the disk.
 void recovery(benchmark::State& state) {
+  int noArguments = 0;
+  const QCoreApplication application(noArguments, nullptr);
   ProjectViewModel viewModel;
   viewModel.setProject(benchmarkLattice(static_cast<int>(state.range(0))).build());
   const QTemporaryDir folder;

@@ -44,6 +44,8 @@ constexpr Line lines[] = {
     {"scene and tables", "ms"},
     {"scene and tables / bar", "ns"},
     {"slowest of 50 picks", "ms"},
+    {"user held up", "ms"},
+    {"until on disk", "ms"},
 };
 
 double median(std::vector<double> values) {
