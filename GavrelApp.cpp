@@ -25,7 +25,9 @@ GavrelApp::GavrelApp(QObject* parent)
                      .bundle = mainBundle(),
                      .publicKey = QByteArray::fromBase64(GAVREL_UPDATE_PUBLIC_KEY),
                      .terminate = [this] { restart(); }}),
-      recovery(projectViewModel, recoveryFolder()) {
+      recovery(projectViewModel, recoveryFolder()),
+      recentFiles(projectViewModel,
+                  QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + "/gavrel.ini") {
   engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
 }
 
@@ -33,6 +35,7 @@ bool GavrelApp::start(const std::optional<std::filesystem::path>& file, const st
   engine_.setInitialProperties({{"projectViewModel", QVariant::fromValue(&projectViewModel)},
                                 {"updateManager", QVariant::fromValue(&updateManager)},
                                 {"recovery", QVariant::fromValue(&recovery)},
+                                {"recentFiles", QVariant::fromValue(&recentFiles)},
                                 {"updateFailure", QString::fromStdString(updateFailure)}});
   engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Gavrel/GavrelApp.qml")));
   if (engine_.rootObjects().isEmpty()) return false;

@@ -9,6 +9,7 @@
 #include "Managers/UpdateManager.h"
 #include "Platform/BundleInfo.h"
 #include "PreviewContent/ProjectViewModel.h"
+#include "PreviewContent/RecentFiles.h"
 #include "PreviewContent/Recovery.h"
 
 /// The bundle that the program runs from or, where it runs from none, the name and version that it was built with.
@@ -28,6 +29,7 @@ class GavrelApp : public QObject {
   ProjectViewModel projectViewModel;
   UpdateManager updateManager;
   Recovery recovery;
+  RecentFiles recentFiles;
 
  private:
   /// Ends the program without a question; what is not saved is offered at the next start.

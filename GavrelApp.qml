@@ -10,6 +10,7 @@ ApplicationWindow {
     required property ProjectViewModel projectViewModel
     required property UpdateManager updateManager
     required property Recovery recovery
+    required property RecentFiles recentFiles
     property bool asksBeforeClosing: true
     /// Why an update that was to be installed before this start was not.
     property string updateFailure
@@ -57,6 +58,7 @@ ApplicationWindow {
 
     menuBar: MainMenu {
         content: content
+        recentFiles: window.recentFiles
         onAboutRequested: about.open()
         onHelpRequested: controls.open()
         onCheckForUpdates: window.updateManager.checkForUpdates(true)

@@ -70,6 +70,10 @@ Item {
         whenSaved(() => openFrom(openPanel));
     }
 
+    function open(url) {
+        whenSaved(() => projectViewModel.loadProject(url));
+    }
+
     function openFrom(panel) {
         panel.currentFolder = projectViewModel.currentFolder;
         panel.open();
@@ -99,6 +103,17 @@ Item {
 
         function onProjectLoaded() {
             view.showWhole();
+        }
+    }
+
+    DropArea {
+        anchors.fill: parent
+        keys: ["text/uri-list"]
+        onDropped: drop => {
+            if (drop.urls.length === 1)
+                root.open(drop.urls[0]);
+            else
+                StandardOutput.print("Drop one project file at a time.");
         }
     }
 

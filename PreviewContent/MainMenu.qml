@@ -7,6 +7,7 @@ MenuBar {
     id: root
 
     required property ContentView content
+    property RecentFiles recentFiles: null
     readonly property VisualizationView visualization: content.visualization
 
     signal checkForUpdates()
@@ -45,6 +46,37 @@ MenuBar {
             text: qsTr("&Open…")
             shortcut: StandardKey.Open
             onTriggered: root.content.showOpenPanel()
+        }
+        CommandMenu {
+            id: recent
+
+            title: qsTr("Open Re&cent")
+            enabled: root.recentFiles !== null && root.recentFiles.paths.length > 0
+            width: 360
+
+            Instantiator {
+                model: root.recentFiles ? root.recentFiles.paths : []
+                onObjectAdded: (index, object) => recent.insertItem(index, object)
+                onObjectRemoved: (index, object) => recent.removeItem(object)
+
+                MenuItem {
+                    required property string modelData
+
+                    // An ampersand would mark a key.
+                    text: modelData.substring(modelData.lastIndexOf("/") + 1).replace(/&/g, "&&")
+                    ToolTip.text: modelData
+                    ToolTip.visible: hovered
+                    ToolTip.delay: 600
+                    // Later: opening makes the list anew, and the menu must have closed before.
+                    onTriggered: Qt.callLater(root.content.open, root.recentFiles.url(modelData))
+                }
+            }
+
+            MenuSeparator {}
+            Action {
+                text: qsTr("C&lear This List")
+                onTriggered: root.recentFiles.clear()
+            }
         }
         Action {
             text: qsTr("&Restore Previous Structure")

@@ -98,6 +98,7 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
   if (const auto failure = writeProject(**project, *currentFileUrl)) return report(*failure);
   setHasUnsavedChanges(false);
   printLine("Project saved successfully to " + currentFileUrl->filename().string());
+  emit fileUsed();
   return true;
 }
 
@@ -119,6 +120,7 @@ bool ProjectViewModel::loadProject(const std::optional<std::filesystem::path>& s
     return false;
   }
   replace(std::move(*loaded), source, false, "Project loaded successfully from " + source->filename().string());
+  emit fileUsed();
   return true;
 }
 

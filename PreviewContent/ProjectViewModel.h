@@ -124,6 +124,7 @@ class ProjectViewModel : public QObject {
   void projectLoaded();   ///< the project is another one
   void isStrainVisualizationActiveChanged();
   void currentFileChanged();
+  void fileUsed();         ///< the current file was read or written
   void structureEdited();  ///< not by opening or beginning another
   void unsavedChangesChanged();
   void endangered();  ///< what follows replaces the project, or may end the process

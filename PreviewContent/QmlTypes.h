@@ -6,6 +6,7 @@
 #include <QVariant>
 
 #include "PreviewContent/ProjectViewModel.h"
+#include "PreviewContent/RecentFiles.h"
 #include "PreviewContent/Recovery.h"
 
 /// What QML sees of the program's plain C++.
@@ -20,6 +21,13 @@ struct RecoveryInQml {
   Q_GADGET
   QML_FOREIGN(Recovery)
   QML_NAMED_ELEMENT(Recovery)
+  QML_UNCREATABLE("The application makes the one that there is.")
+};
+
+struct RecentFilesInQml {
+  Q_GADGET
+  QML_FOREIGN(RecentFiles)
+  QML_NAMED_ELEMENT(RecentFiles)
   QML_UNCREATABLE("The application makes the one that there is.")
 };
 
