@@ -4,6 +4,7 @@
 #include <QThread>
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 
 #include "Managers/VersionInfo.h"
 #include "Tests/EndToEnd/Desktop.h"
@@ -81,32 +82,37 @@ class Update : public testing::Test {
     for (const std::string& process : processesOf(program)) ::kill(std::stoi(process), SIGKILL);
   }
 
-  /// Version 1 started, and led to where it ends to be replaced.
-  void installTheUpdate() {
-    Desktop desktop({}, program);
+  /// Version 1 started, edited if asked to, and led to where it ends to be replaced.
+  void installTheUpdate(bool edited = false) {
+    desktop.emplace(std::vector<std::string>{}, program);
     Desktop::expect("the silent check", [&] { return thread.requests("/versions.json") == 1; });
+    if (edited) {
+      desktop->press(Desktop::addNode);
+      Desktop::keys("Return");
+      desktop->expectLine("Added Node");
+    }
     const VersionInfo offer{"2.0.0", 1, GAVREL_UPDATE_SERVER "/update.zip", "", false, {}};
     thread.onServer([&] {
       thread.server.answers["/versions.json"] = {"{\"brantel\":" + encode(offer) + "}"};
       thread.server.answers["/update.zip"] = {QByteArray::fromStdString(files.get("update.zip"))};
     });
-    desktop.keys("ctrl+u");
+    Desktop::keys("ctrl+u");
     Desktop::expect("the explicit check", [&] { return thread.requests("/versions.json") == 2; });
     Desktop::settle();
-    desktop.keys("Tab Tab space");  // past "Later" to "Download & Install"
+    Desktop::keys("Tab Tab space");  // past "Later" to "Download & Install"
     const fs::path archive = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate/brantel-Update.zip";
     Desktop::expect("the download", [&] { return fs::exists(archive); });
     Desktop::settle();
-    desktop.keys("Escape");  // puts the sheet away
+    Desktop::keys("Escape");  // puts the sheet away
     Desktop::expectWindow();
-    desktop.keys("ctrl+u");
+    Desktop::keys("ctrl+u");
     Desktop::expect("another check", [&] { return thread.requests("/versions.json") == 3; });
     Desktop::settle();
-    desktop.keys("Tab Tab space");
+    Desktop::keys("Tab Tab space");
     Desktop::expect("another download", [&] { return thread.requests("/update.zip") == 2; });
     Desktop::settle();
-    desktop.keys("Tab Tab space");  // past "Cancel" to "Install & Restart"
-    EXPECT_EQ(desktop.exitStatus(), 0);
+    Desktop::keys("Tab Tab space");  // past "Cancel" to "Install & Restart"
+    EXPECT_EQ(desktop->exitStatus(), 0);
   }
 
   /// The arguments of the process that has followed.
@@ -123,18 +129,22 @@ class Update : public testing::Test {
   }
 
   TemporaryFolder files;
+  std::optional<Desktop> desktop;
   const fs::path bundle = files / "it's \"home\"/Gavrel.app";
   const fs::path program = bundle / "bin/gavrel";
   ServerThread thread;
 };
 
 TEST_F(Update, ReplacesTheBundleAndRestarts) {
-  installTheUpdate();
+  installTheUpdate(/*edited=*/true);
   EXPECT_EQ(follower(), "");
   EXPECT_EQ(version(), "gavrel 2.0.0\n");
   EXPECT_FALSE(fs::exists(bundle.string() + ".old"));
-  // It has found no newer version than itself.
+  // It has found no newer version than itself, and offers what was not saved.
   Desktop::expect("its silent check", [&] { return thread.requests("/versions.json") == 4; });
+  Desktop::focusWindow();
+  Desktop::keys("Return");  // Restore
+  desktop->expectTitle("^\\*New Project");
   Desktop::expectWindow();
 }
 
