@@ -115,6 +115,7 @@ ApplicationWindow {
     footer: StatusLine {
         projectViewModel: window.projectViewModel
         calculation: content.calculation
+        onConvergenceRequested: content.showingConvergence = true
         warning: window.recovery.failure !== "" ? qsTr("Changes cannot be kept for recovery: %1").arg(window.recovery.failure) : ""
     }
 }

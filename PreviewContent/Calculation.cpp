@@ -26,16 +26,18 @@ void Calculation::setProjectViewModel(ProjectViewModel* value) {
 }
 
 bool Calculation::converged() const {
-  return solved_ && residual_ < Project::convergenceTolerance;
+  return solved_ && residuals_.last() < Project::convergenceTolerance;
 }
 
 QString Calculation::outcome() const {
-  const QString residual = QString::asprintf("residual %.1e", residual_);
-  if (running_) return step_ == 0 ? tr("Solving…") : tr("Solving: step %1, %2").arg(step_).arg(residual);
-  if (!solved_) return {};
-  if (!converged()) return tr("Not converged after %1 steps, %2").arg(step_).arg(residual);
-  return step_ == 1 ? tr("Converged in 1 step, %1").arg(residual)
-                    : tr("Converged in %1 steps, %2").arg(step_).arg(residual);
+  if (running_ && residuals_.isEmpty()) return tr("Solving…");
+  if (!running_ && !solved_) return {};
+  const auto steps = residuals_.size();
+  const QString residual = QString::asprintf("residual %.1e", residuals_.last());
+  if (running_) return tr("Solving: step %1, %2").arg(steps).arg(residual);
+  if (!converged()) return tr("Not converged after %1 steps, %2").arg(steps).arg(residual);
+  return steps == 1 ? tr("Converged in 1 step, %1").arg(residual)
+                    : tr("Converged in %1 steps, %2").arg(steps).arg(residual);
 }
 
 void Calculation::run() {
@@ -43,9 +45,11 @@ void Calculation::run() {
   emit viewModel_->endangered();
   running_ = true;
   qApp->installEventFilter(this);
-  show(0, 0);
+  residuals_.clear();
+  emit changed();
+  repaint();
   const auto project = *viewModel_->project;
-  project->Solve([this](int step, double residual) { show(step, residual); });
+  project->Solve([this](int, double residual) { show(residual); });
   repaint();  // drops what was typed during the last step
   qApp->removeEventFilter(this);
   solved_ = true;
@@ -54,11 +58,10 @@ void Calculation::run() {
   emit changed();
 }
 
-void Calculation::show(int step, double residual) {
-  step_ = step;
-  residual_ = residual;
+void Calculation::show(double residual) {
+  residuals_.append(residual);
   emit changed();
-  if (step == 0 || sinceRepaint_.hasExpired(longestSilence)) repaint();
+  if (sinceRepaint_.hasExpired(longestSilence)) repaint();
 }
 
 void Calculation::repaint() {

@@ -2,6 +2,7 @@
 
 #include <qqml.h>
 #include <QElapsedTimer>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -17,6 +18,8 @@ class Calculation : public QObject {
   Q_PROPERTY(bool running READ running NOTIFY changed)
   Q_PROPERTY(bool converged READ converged NOTIFY changed)
   Q_PROPERTY(QString outcome READ outcome NOTIFY changed)
+  Q_PROPERTY(QList<double> residuals READ residuals NOTIFY changed)
+  Q_PROPERTY(double tolerance READ tolerance CONSTANT)
 
  public:
   using QObject::QObject;
@@ -29,6 +32,10 @@ class Calculation : public QObject {
   /// How far the solve is or how it went; empty before the first solve of a project and after it was changed.
   [[nodiscard]] QString outcome() const;
 
+  /// The residual after each step of the solve that `outcome` tells of, relative to the load.
+  [[nodiscard]] QList<double> residuals() const { return running_ || solved_ ? residuals_ : QList<double>(); }
+  [[nodiscard]] double tolerance() const { return Project::convergenceTolerance; }
+
   /// Solves and publishes the project again. Ends the process where the solver does.
   Q_INVOKABLE void run();
 
@@ -39,13 +46,12 @@ class Calculation : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void show(int step, double residual);
+  void show(double residual);
   void repaint();
 
   QPointer<ProjectViewModel> viewModel_;
   bool running_ = false;
   bool solved_ = false;
-  int step_ = 0;
-  double residual_ = 0;
+  QList<double> residuals_;  // one a step
   QElapsedTimer sinceRepaint_;
 };

@@ -14,6 +14,7 @@ Item {
     property bool showingBeamConfigSheet: false
     property real displacementMagnification: 1.0
     property var waitingAction: null
+    property bool showingConvergence: false
 
     readonly property alias calculation: solver
     readonly property alias visualization: view
@@ -200,6 +201,17 @@ Item {
         presented: root.showingBeamConfigSheet
         onDismissed: root.showingBeamConfigSheet = false
         content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? beamForm : null
+    }
+
+    Sheet {
+        presented: root.showingConvergence
+        onDismissed: root.showingConvergence = false
+
+        ConvergenceView {
+            outcome: solver.outcome
+            residuals: solver.residuals
+            tolerance: solver.tolerance
+        }
     }
 
     Sheet {

@@ -152,6 +152,11 @@ MenuBar {
             onToggled: root.visualization.showsElementNumbers = checked
         }
         Action {
+            text: qsTr("&Convergence…")
+            enabled: root.content.calculation.residuals.length > 0
+            onTriggered: root.content.showingConvergence = true
+        }
+        Action {
             text: qsTr("Rendering S&tatistics")
             checkable: true
             onToggled: root.visualization.options = checked ? 3 : 2

@@ -12,6 +12,8 @@ Pane {
     /// What the user should know at once; takes the place of the hint.
     property string warning
 
+    signal convergenceRequested()
+
     readonly property string hint: {
         const model = projectViewModel;
         if (model.appMode === AppMode.normal) {
@@ -69,6 +71,13 @@ Pane {
             visible: text !== ""
             text: root.calculation.outcome
             font.bold: !root.calculation.running && !root.calculation.converged
+
+            TapHandler {
+                onTapped: root.convergenceRequested()
+            }
+            HoverHandler {
+                cursorShape: Qt.PointingHandCursor
+            }
         }
     }
 }

@@ -59,7 +59,7 @@ TestCase {
         compare(texts(0), ["About Gavrel", "Check for Updates...", "-", "Quit"]);
         compare(texts(1), ["New", "Open…", "-", "Restore Previous Structure", "-", "Save", "Save As…"]);
         compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "z Axis Upright", "-",
-                           "Show Strain", "Node Numbers", "Element Numbers", "Rendering Statistics"]);
+                           "Show Strain", "Node Numbers", "Element Numbers", "Convergence…", "Rendering Statistics"]);
         compare(action(0, "Check for Updates...").shortcut, "Ctrl+U");
         action(0, "Check for Updates...").trigger();
         compare(updates.count, 1);
