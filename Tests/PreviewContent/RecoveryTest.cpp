@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 /// A view model with its recovery, as a process has them.
-struct Session {
-  explicit Session(const fs::path& folder) : recovery(viewModel, folder) {}
+struct RunningCopy {
+  explicit RunningCopy(const fs::path& folder) : recovery(viewModel, folder) {}
 
   void addNodes(int count) {
     for (int i = 0; i < count; ++i) viewModel.addNode({double(i), 1, 2}, true);
@@ -67,34 +67,34 @@ TEST_F(RecoveryTest, ATextThatIsNotWholeIsRefused) {
 }
 
 TEST_F(RecoveryTest, ChangesAreKeptWithinASecondUntilTheyAreSaved) {
-  Session session(folder);
+  RunningCopy copy(folder);
   EXPECT_FALSE(fs::exists(folder));
-  session.addNodes(3);
+  copy.addNodes(3);
   const QDeadlineTimer second(1000);
   while (!second.hasExpired()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
   ASSERT_EQ(recoveryFiles(folder).size(), 1);
-  session.viewModel.setNonLinear(0, false);
-  session.recovery.flush();
+  copy.viewModel.setNonLinear(0, false);
+  copy.recovery.flush();
 
   // Another process leaves it alone.
-  Session other(folder);
+  RunningCopy other(folder);
   other.recovery.lookForOffer();
   EXPECT_FALSE(other.recovery.hasOffer());
 
-  EXPECT_TRUE(session.viewModel.saveProject(files / "saved.json"));
-  EXPECT_FALSE(session.viewModel.hasUnsavedChanges());
+  EXPECT_TRUE(copy.viewModel.saveProject(files / "saved.json"));
+  EXPECT_FALSE(copy.viewModel.hasUnsavedChanges());
   EXPECT_TRUE(recoveryFiles(folder).empty());
 }
 
 TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
   {
-    Session gone(folder);
+    RunningCopy gone(folder);
     gone.viewModel.currentFileUrl = "/somewhere/bridge.json";
     gone.addNodes(4);
     gone.viewModel.setLoadAndRestraint(2, 1, 2, 3, false, true, false);
     gone.recovery.flush();
   }
-  std::optional<Session> next(std::in_place, folder);
+  std::optional<RunningCopy> next(std::in_place, folder);
   next->recovery.lookForOffer();
   ASSERT_TRUE(next->recovery.hasOffer());
   EXPECT_EQ(next->recovery.offeredFile(), "bridge.json");
@@ -105,7 +105,7 @@ TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
 
   next.emplace(folder);
   next->recovery.lookForOffer();
-  Session meanwhile(folder);
+  RunningCopy meanwhile(folder);
   meanwhile.recovery.lookForOffer();
   EXPECT_FALSE(meanwhile.recovery.hasOffer());
   next->recovery.restoreOffer();
@@ -127,25 +127,25 @@ TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
 TEST_F(RecoveryTest, DamagedFilesAreLeftAlone) {
   fs::create_directory(folder);
   files.put("recovery/a.recovery", "{\"sha256\":\"\"}\n{}");
-  Session session(folder);
+  RunningCopy copy(folder);
   testing::internal::CaptureStderr();
-  session.recovery.lookForOffer();
+  copy.recovery.lookForOffer();
   EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("a.recovery is left alone"));
-  EXPECT_FALSE(session.recovery.hasOffer());
+  EXPECT_FALSE(copy.recovery.hasOffer());
   EXPECT_EQ(recoveryFiles(folder).size(), 1);
 }
 
 TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   // A file where the folder should be.
   files.put("recovery", "");
-  Session session(folder);
-  session.addNodes(1);
-  session.recovery.flush();
-  EXPECT_NE(session.recovery.failure(), "");
+  RunningCopy copy(folder);
+  copy.addNodes(1);
+  copy.recovery.flush();
+  EXPECT_NE(copy.recovery.failure(), "");
   fs::remove(folder);
-  session.addNodes(1);
-  session.recovery.flush();
-  EXPECT_EQ(session.recovery.failure(), "");
+  copy.addNodes(1);
+  copy.recovery.flush();
+  EXPECT_EQ(copy.recovery.failure(), "");
 
   // A disk that is full: nothing more than 100 bytes can be written.
   ::signal(SIGXFSZ, SIG_IGN);
@@ -153,15 +153,15 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   ::getrlimit(RLIMIT_FSIZE, &former);
   const rlimit full{100, former.rlim_max};
   ::setrlimit(RLIMIT_FSIZE, &full);
-  session.addNodes(1);
-  session.recovery.flush();
+  copy.addNodes(1);
+  copy.recovery.flush();
   ::setrlimit(RLIMIT_FSIZE, &former);
-  EXPECT_NE(session.recovery.failure(), "");
+  EXPECT_NE(copy.recovery.failure(), "");
 
   // A number that no file can keep.
-  session.viewModel.addNode({std::nan(""), 0, 0}, false);
-  session.recovery.flush();
-  EXPECT_THAT(session.recovery.failure().toStdString(), testing::HasSubstr("X_I"));
+  copy.viewModel.addNode({std::nan(""), 0, 0}, false);
+  copy.recovery.flush();
+  EXPECT_THAT(copy.recovery.failure().toStdString(), testing::HasSubstr("X_I"));
 
   const auto left = recoveryFiles(folder);
   ASSERT_EQ(left.size(), 1);
@@ -173,19 +173,19 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
 
 TEST_F(RecoveryTest, AFailedOpenCanBeTakenBack) {
   const auto broken = files.put("broken.json", "{");
-  Session session(folder);
-  session.addNodes(2);
-  EXPECT_FALSE(session.viewModel.loadProject(broken));
-  EXPECT_EQ(*session.viewModel.numberOfNodes, 0);
-  EXPECT_FALSE(session.viewModel.hasUnsavedChanges());
-  ASSERT_TRUE(session.viewModel.hasPrevious());
-  session.viewModel.restorePrevious();
-  EXPECT_EQ(*session.viewModel.numberOfNodes, 2);
-  EXPECT_TRUE(session.viewModel.hasUnsavedChanges());
-  EXPECT_FALSE(session.viewModel.hasPrevious());
-  session.recovery.flush();
+  RunningCopy copy(folder);
+  copy.addNodes(2);
+  EXPECT_FALSE(copy.viewModel.loadProject(broken));
+  EXPECT_EQ(*copy.viewModel.numberOfNodes, 0);
+  EXPECT_FALSE(copy.viewModel.hasUnsavedChanges());
+  ASSERT_TRUE(copy.viewModel.hasPrevious());
+  copy.viewModel.restorePrevious();
+  EXPECT_EQ(*copy.viewModel.numberOfNodes, 2);
+  EXPECT_TRUE(copy.viewModel.hasUnsavedChanges());
+  EXPECT_FALSE(copy.viewModel.hasPrevious());
+  copy.recovery.flush();
   EXPECT_EQ(recoveryFiles(folder).size(), 1);
-  session.viewModel.newProject();
+  copy.viewModel.newProject();
   EXPECT_TRUE(recoveryFiles(folder).empty());
 }
 
@@ -213,7 +213,7 @@ TEST_F(RecoveryTest, KilledAtAnyMomentAProcessLosesASecondAtMost) {
         const auto fields = line.split(' ');
         if (fields.size() == 2 && fields[1].toLongLong() < killed - 1000) due = fields[0].toLongLong();
       }
-      Session next(folders[i]);
+      RunningCopy next(folders[i]);
       testing::internal::CaptureStderr();
       next.recovery.lookForOffer();
       EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // no file is damaged
