@@ -1,5 +1,5 @@
 #include <gmock/gmock.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include "Managers/InstallerScript.h"
 #include "Tests/Managers/ManagerCase.h"
@@ -57,10 +57,14 @@ class Installer : public ManagerCase {
     installArchive();
   }
 
+  /// Serves, downloads and installs the archive.
   void installArchive() {
-    history.clear();
+    server.answers["/update.zip"] = {QByteArray::fromStdString(files.get("update.zip"))};
     start();
-    manager->installUpdate({}, QUrl::fromLocalFile(QString::fromStdString((files / "update.zip").string())));
+    manager->downloadUpdate({"2.0", 1, server.address() + "/update.zip", "", false, {}});
+    ASSERT_TRUE(becomes("downloaded"));
+    history.clear();
+    manager->installUpdate(manager->state->info, manager->state->archive);
   }
 
   /// What the program in the bundle has written down, once it has started.
@@ -76,12 +80,13 @@ class Installer : public ManagerCase {
     EXPECT_THAT(description(), testing::AllOf(testing::StartsWith("Installation failed: "), testing::HasSubstr(text)));
     EXPECT_EQ(history, (QStringList{"installing", "error"}));
     EXPECT_FALSE(terminated);
-    EXPECT_FALSE(fs::exists(files / "install.sh"));
+    EXPECT_FALSE(fs::exists(work / "install.sh"));
     EXPECT_TRUE(fs::exists(home / "Gavrel.app/bin/gavrel"));
   }
 
   const fs::path home = files / "a \"b\" 'c' $HOME `d`\n\\e";
   const fs::path update = files / "update";
+  const fs::path work = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate";
 };
 
 TEST_F(Installer, ReplacesTheBundleAndStartsTheNewOne) {
@@ -90,7 +95,7 @@ TEST_F(Installer, ReplacesTheBundleAndStartsTheNewOne) {
   install();
   ASSERT_TRUE(happens([&] { return terminated; }));
   EXPECT_EQ(history, QStringList("installing"));
-  EXPECT_EQ(fs::status(files / "install.sh").permissions(), fs::perms(0755));
+  EXPECT_EQ(fs::status(work / "install.sh").permissions(), fs::perms(0755));
   EXPECT_EQ(started(), "new:");
   EXPECT_TRUE(fs::exists(home / "Gavrel.app/new file"));
   EXPECT_FALSE(fs::exists(home / "Gavrel.app.old"));
@@ -118,7 +123,7 @@ TEST_F(Installer, ProgramsOutsideABundleAreLeftToThePackageManager) {
   setup.bundle.url.reset();
   install();
   expectFailure("Please update it through the package manager");
-  EXPECT_FALSE(fs::exists(files / "extracted"));
+  EXPECT_FALSE(fs::exists(work / "extracted"));
 }
 
 TEST_F(Installer, UnusableArchives) {
@@ -141,7 +146,7 @@ TEST_F(Installer, ATruncatedArchiveIsNotInstalled) {
   ASSERT_TRUE(happens([&] { return terminated; }));
   ASSERT_EQ(started(), "new:");
   terminated = false;
-  fs::remove(files / "install.sh");
+  fs::remove(work / "install.sh");
   fs::resize_file(files / "update.zip", fs::file_size(files / "update.zip") / 2);
   installArchive();
   expectFailure("Failed to extract update");
@@ -154,8 +159,8 @@ TEST_F(Installer, ArchivesThatReachOutside) {
   runTool("zip", {"-q", "../../update.zip", "../evil"}, QString::fromStdString((update / "in").string()));
   installArchive();
   expectFailure("App bundle not found in update");
-  EXPECT_FALSE(fs::exists(files / "evil"));
-  EXPECT_TRUE(fs::exists(files / "extracted/evil"));
+  EXPECT_FALSE(fs::exists(work / "evil"));
+  EXPECT_TRUE(fs::exists(work / "extracted/evil"));
 
   // "around/.." is the bundle when read as a text, and the folder above it when followed.
   fs::create_symlink("..", update / "Gavrel.app/bin/around");
