@@ -94,7 +94,10 @@ void Recovery::write() {
 
 void Recovery::written(const QString& failure) {
   writing_ = false;
-  if (pending_) soon_.start();
+  if (pending_)
+    soon_.start();
+  else
+    pending_ = !failure.isEmpty();  // to be tried again with the next change, or before the next danger
   if (std::exchange(failure_, failure) != failure) emit failureChanged();
 }
 

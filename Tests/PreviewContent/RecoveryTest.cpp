@@ -143,8 +143,7 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   copy.recovery.flush();
   EXPECT_NE(copy.recovery.failure(), "");
   fs::remove(folder);
-  copy.addNodes(1);
-  copy.recovery.flush();
+  copy.recovery.flush();  // tries again, though nothing has changed
   EXPECT_EQ(copy.recovery.failure(), "");
 
   // A disk that is full: nothing more than 100 bytes can be written.
@@ -168,7 +167,7 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   std::ifstream file(left.front());
   const auto kept = decodeRecovery({std::istreambuf_iterator<char>(file), {}});
   ASSERT_TRUE(kept);
-  EXPECT_EQ(kept->project->nodeCount(), 2);
+  EXPECT_EQ(kept->project->nodeCount(), 1);
 }
 
 TEST_F(RecoveryTest, AFailedOpenCanBeTakenBack) {
