@@ -7,10 +7,12 @@ namespace exitStatus {
 inline constexpr int success = 0;
 inline constexpr int failure = 1;       ///< a file could not be read or written
 inline constexpr int notConverged = 2;  ///< with --strict only
+inline constexpr int findings = 3;      ///< the check has found something
 inline constexpr int usage = 64;        ///< the command line is not understood
 }  // namespace exitStatus
 
 /// Each adds a subcommand that leaves its exit status in `status`, which must outlive `app`.
 void addSolveCommand(CLI::App& app, int& status);
+void addCheckCommand(CLI::App& app, int& status);
 void addInfoCommand(CLI::App& app, int& status);
 void addGenerateCommand(CLI::App& app, int& status);

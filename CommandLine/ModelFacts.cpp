@@ -4,22 +4,6 @@
 
 namespace {
 
-/// Lists the positions of elements without length, and of those that name a node which is not there.
-template <class Element>
-void inspect(const std::vector<Element>& elements, std::vector<bool>& used, std::vector<std::int64_t>& zero,
-             std::vector<std::int64_t>& unknown) {
-  const auto nodes = std::ssize(used);
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    const Element& element = elements[i];
-    const auto position = static_cast<std::int64_t>(i);
-    if (length({element.dXx, element.dXy, element.dXz}) <= zeroLength) zero.push_back(position);
-    const auto exists = [nodes](std::int64_t node) { return node >= 0 && node < nodes; };
-    if (!exists(element.startNodeId) || !exists(element.endNodeId)) unknown.push_back(position);
-    for (const std::int64_t node : {element.startNodeId, element.endNodeId})
-      if (exists(node)) used[static_cast<std::size_t>(node)] = true;
-  }
-}
-
 std::optional<ModelFacts::Extents> extentsOf(const Project& project) {
   if (project.nodeCount() == 0) return std::nullopt;
   const Vector3 first = *project.getNodeCoordinates(0);
@@ -59,10 +43,6 @@ ModelFacts ModelFacts::of(const Project& project) {
     if (direction == 2) facts.totalLoad.z += F[i];
   }
 
-  std::vector<bool> used(static_cast<std::size_t>(facts.nodes));
-  inspect(trusses, used, facts.zeroLengthTrusses, facts.trussesWithUnknownNodes);
-  inspect(*project.beamElements, used, facts.zeroLengthBeams, facts.beamsWithUnknownNodes);
-  for (std::size_t node = 0; node < used.size(); ++node)
-    if (!used[node]) facts.nodesWithoutElements.push_back(static_cast<std::int64_t>(node));
+  facts.connectivity = Connectivity::of(project);
   return facts;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "DataModel/Connectivity.h"
 #include "DataModel/Project.h"
 
 /// What can be said of a project without solving it.
@@ -25,16 +26,12 @@ struct ModelFacts {
   std::int64_t loadedDofs = 0;
   std::int64_t loadedRestrainedDofs = 0;  ///< such loads keep a solve from converging
   Vector3 totalLoad;                      ///< sum of the forces; moments are left out
-  std::vector<std::int64_t> zeroLengthTrusses;
-  std::vector<std::int64_t> zeroLengthBeams;
-  std::vector<std::int64_t> nodesWithoutElements;     ///< a solve of such a structure ends with a fatal error
-  std::vector<std::int64_t> trussesWithUnknownNodes;  ///< likewise
-  std::vector<std::int64_t> beamsWithUnknownNodes;    ///< likewise
+  Connectivity connectivity;
 
   [[nodiscard]] static ModelFacts of(const Project& project);
 
   /// Lines for people.
   [[nodiscard]] std::string toText() const;
-  /// One JSON object with the members' names as keys.
+  /// One JSON object with the members' names as keys, of the connectivity those of faults.
   [[nodiscard]] std::string toJson() const;
 };

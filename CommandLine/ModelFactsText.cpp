@@ -53,14 +53,16 @@ std::string ModelFacts::toText() const {
   line("Degrees of freedom",
        count(dofsPerNode * nodes) + ", " + count(restrainedDofs) + " restrained, " + count(loadedDofs) + " loaded");
   line("Total load", text(totalLoad));
-  line("Bars of zero length", text(zeroLengthTrusses));
-  line("Beams of zero length", text(zeroLengthBeams));
-  line("Nodes without elements", text(nodesWithoutElements));
+  line("Bars of zero length", text(connectivity.zeroLengthTrusses));
+  line("Beams of zero length", text(connectivity.zeroLengthBeams));
+  line("Nodes without elements", text(connectivity.nodesWithoutElements));
   if (loadedRestrainedDofs > 0)
     line("Note",
          count(loadedRestrainedDofs) + " restrained degrees of freedom carry a load; a solve will not converge");
-  if (!trussesWithUnknownNodes.empty()) line("Note", "bars with unknown nodes: " + text(trussesWithUnknownNodes));
-  if (!beamsWithUnknownNodes.empty()) line("Note", "beams with unknown nodes: " + text(beamsWithUnknownNodes));
+  if (!connectivity.trussesWithUnknownNodes.empty())
+    line("Note", "bars with unknown nodes: " + text(connectivity.trussesWithUnknownNodes));
+  if (!connectivity.beamsWithUnknownNodes.empty())
+    line("Note", "beams with unknown nodes: " + text(connectivity.beamsWithUnknownNodes));
   return out.str();
 }
 
@@ -91,11 +93,11 @@ std::string ModelFacts::toJson() const {
   count("loadedRestrainedDofs", loadedRestrainedDofs);
   json.key("totalLoad");
   write(json, totalLoad);
-  write(json, "zeroLengthTrusses", zeroLengthTrusses);
-  write(json, "zeroLengthBeams", zeroLengthBeams);
-  write(json, "nodesWithoutElements", nodesWithoutElements);
-  write(json, "trussesWithUnknownNodes", trussesWithUnknownNodes);
-  write(json, "beamsWithUnknownNodes", beamsWithUnknownNodes);
+  write(json, "zeroLengthTrusses", connectivity.zeroLengthTrusses);
+  write(json, "zeroLengthBeams", connectivity.zeroLengthBeams);
+  write(json, "nodesWithoutElements", connectivity.nodesWithoutElements);
+  write(json, "trussesWithUnknownNodes", connectivity.trussesWithUnknownNodes);
+  write(json, "beamsWithUnknownNodes", connectivity.beamsWithUnknownNodes);
   json.end();
   return json.take();
 }

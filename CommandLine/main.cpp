@@ -14,6 +14,7 @@ int run(int argc, char** argv) {
       "  gavrel-cli solve dome.json --output result.json\n\nEach command has a --help of its own.");
   int status = exitStatus::success;
   addSolveCommand(app, status);
+  addCheckCommand(app, status);
   addInfoCommand(app, status);
   addGenerateCommand(app, status);
 

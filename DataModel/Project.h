@@ -9,6 +9,7 @@
 
 #include "DataModel/BeamElement.h"
 #include "DataModel/CSR.h"
+#include "DataModel/SolveFault.h"
 #include "DataModel/TrussElement.h"
 #include "DataModel/Vector3.h"
 #include "Platform/Observable.h"
@@ -35,6 +36,8 @@ class Project : public Observable {
 
   static constexpr double convergenceTolerance = 1e-5;
   static constexpr int iterationLimit = 50;
+  /// A diagonal below this in absolute value counts as none.
+  static constexpr double zeroPivot = 1e-9;
 
   Published<std::string> name;
   Published<std::vector<TrussElement>> trussElements;
@@ -78,11 +81,25 @@ class Project : public Observable {
   /// Static equilibrium under the whole load by full Newton-Raphson steps from zero displacement. Prints an empty line,
   /// then each step's relative residual norm |R_I| / |F_I|, and stops below `convergenceTolerance` or after
   /// `iterationLimit` steps. Not converging is not reported as a failure; a structure that cannot be factorized ends
-  /// the process with a line that names the node and direction.
+  /// the process with a line that names the node and direction. One that is singular but for rounding errors is warned
+  /// of on standard error.
   void Solve(const StepObserver& afterStep = {});
 
+  /// Solve without its lines and its ending: a structure that cannot be factorized is told of. Does at most `limit`
+  /// steps. Elements that name unknown nodes, and arrays with less than `nI` entries, are fatal here, too.
+  [[nodiscard]] SolveOutcome trySolve(const StepObserver& afterStep = {}, int limit = iterationLimit);
+
+  /// Takes over displacements, residual, matrix and elements from a copy that was solved.
+  void takeSolution(Project&& solved);
+
+  /// How a solve begins: zero displacement and an empty matrix with the structure's pattern.
+  void PrepareSolve();
+
+  /// Residual and matrix at U_I.
+  void Assemble();
+
   /// One Newton step: assembles at U_I, stores the relative residual norm in `normRoF0F1F` and, unless that is below
-  /// the tolerance, solves for dU_I and adds it to U_I. `normF`: the norm of the loads.
+  /// the tolerance, solves for dU_I and adds it to U_I. `normF`: the norm of the loads. Ends the process like Solve.
   void SolveOneStep(double& normRoF0F1F, double normF);
 
   /// Replaces each diagonal below 1e-9 in absolute value by the first stored value of the matrix. A matrix without
@@ -90,12 +107,19 @@ class Project : public Observable {
   void FillHessianDiagonal();
 
   /// Solves H_II · dU_I = R_I. A matrix that is not positive definite is fatal; one that is singular but for rounding
-  /// errors is warned of on standard error, once in each solve.
+  /// errors is warned of on standard error.
   void LinearSolve();
 
  private:
+  using MaybeFault = std::optional<SolveFault>;
+
+  SolveOutcome iterate(const StepObserver& afterStep, int limit);
+  MaybeFault trySolveOneStep(double& normRoF0F1F, double normF);
+  MaybeFault tryFillHessianDiagonal();
+  MaybeFault tryLinearSolve();
+
   std::optional<SparseCholesky> cholesky_;  // during a solve only: keeps the analysis from step to step
-  bool warnedOfInstability_ = false;        // once in each solve
+  std::optional<std::int64_t> weakestDof_;  // where the last factorizations lost the structure's stiffness
 };
 
 /// "node 3, translation along z" for the number of a degree of freedom.

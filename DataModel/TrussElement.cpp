@@ -34,9 +34,13 @@ double TrussElement::strain() const {
   return (dUx * n.x + dUy * n.y + dUz * n.z) / L;
 }
 
+double TrussElement::tensileStrain() const {
+  return currentStrain / (dXx * dXx + dXy * dXy + dXz * dXz);
+}
+
 double TrussElement::axialForce() const {
+  if (isOut()) return 0;
   const double N = currentStrain * EAL3;
-  if (isCompressionOnly && N > 0) return 0;
   const Vector3 a = isNonLinear ? Vector3{dXx + dUx, dXy + dUy, dXz + dUz} : Vector3{dXx, dXy, dXz};
   return N * length(a);
 }

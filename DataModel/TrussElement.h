@@ -40,6 +40,13 @@ struct TrussElement {
   /// Small strain -(X·U) / L^2 of the last assembly: positive when the bar shortens. Not finite for zero length.
   [[nodiscard]] double strain() const;
 
+  /// Strain of the last assembly, currentStrain / L^2: positive in tension, X·U / L^2 for a linear bar, with the
+  /// quadratic part |U|^2 / 2L^2 for a non-linear one. Not finite for zero length.
+  [[nodiscard]] double tensileStrain() const;
+
+  /// Whether this is a compression-only bar that was stretched at the last assembly and so carried nothing.
+  [[nodiscard]] bool isOut() const { return isCompressionOnly && currentStrain * EAL3 > 0; }
+
   /// Axial force EAL3 · q · |a| of the last assembly, with a the chord on which the assembly worked: the initial one
   /// for a linear bar, the current one for a non-linear bar. Positive in tension; 0 while a compression-only bar is
   /// out.

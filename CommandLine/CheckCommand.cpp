@@ -1,0 +1,70 @@
+#include <cstdio>
+
+#include "CommandLine/Commands.h"
+#include "DataModel/ProjectFile.h"
+#include "Diagnosis/StructureCheck.h"
+#include "Platform/JsonWriter.h"
+
+namespace {
+
+struct CheckOptions {
+  std::string model;
+  bool json = false;
+};
+
+std::string toText(const std::vector<Finding>& findings) {
+  std::string text;
+  for (const Finding& finding : findings)
+    text += std::string(nameOf(finding.consequence)) + ": " + finding.title + "\n  " + finding.text + "\n";
+  if (findings.empty()) return "Nothing found: the structure can be solved.\n";
+  return text + (findings.size() == 1 ? "1 finding" : std::to_string(findings.size()) + " findings") + "\n";
+}
+
+std::string toJson(const std::vector<Finding>& findings) {
+  JsonWriter json;
+  const auto text = [&json](std::string_view key, std::string_view value) {
+    json.key(key);
+    json.value(value);
+  };
+  const auto positions = [&json](std::string_view key, const std::vector<std::int64_t>& list) {
+    json.key(key);
+    json.beginArray();
+    for (const std::int64_t position : list) json.value(position);
+    json.end();
+  };
+  json.beginArray();
+  for (const Finding& finding : findings) {
+    json.beginObject();
+    text("consequence", nameOf(finding.consequence));
+    text("title", finding.title);
+    text("text", finding.text);
+    positions("nodes", finding.nodes);
+    positions("trusses", finding.trusses);
+    positions("beams", finding.beams);
+    json.end();
+  }
+  json.end();
+  return json.take();
+}
+
+int check(const CheckOptions& options) {
+  const auto loaded = readProject(options.model);
+  if (!loaded) {
+    std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
+    return exitStatus::failure;
+  }
+  const auto findings = StructureCheck::of(**loaded).findings;
+  std::fputs((options.json ? toJson(findings) : toText(findings)).c_str(), stdout);
+  return findings.empty() ? exitStatus::success : exitStatus::findings;
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("check", "Tell what a solve of a project would stumble over, and what to do");
+  auto options = std::make_shared<CheckOptions>();
+  command->add_option("MODEL", options->model, "Project file")->required();
+  command->add_flag("--json", options->json, "Print one JSON array for scripts");
+  command->footer("Example:\n  gavrel-cli check Examples/ten-bar-truss.json");
+  command->callback([options, &status] { status = check(*options); });
+}

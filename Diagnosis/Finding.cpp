@@ -1,0 +1,37 @@
+#include "Diagnosis/Finding.h"
+
+#include <algorithm>
+
+#include "DataModel/Project.h"
+
+std::string_view nameOf(Finding::Consequence consequence) {
+  switch (consequence) {
+    case Finding::Consequence::EndsProgram:
+      return "Ends the program";
+    case Finding::Consequence::NeverConverges:
+      return "Never converges";
+    case Finding::Consequence::Meaningless:
+      return "Means nothing";
+    case Finding::Consequence::Doubtful:
+      break;
+  }
+  return "Doubtful";
+}
+
+std::string listed(std::string_view one, const std::vector<std::int64_t>& positions) {
+  constexpr std::size_t shown = 4;
+  std::string list(one);
+  if (positions.size() > 1) list += "s";
+  const std::size_t named = positions.size() <= shown + 1 ? positions.size() : shown;
+  for (std::size_t i = 0; i < named; ++i) {
+    const bool last = i > 0 && i + 1 == positions.size();
+    list += (last ? " and " : i > 0 ? ", " : " ") + std::to_string(positions[i]);
+  }
+  if (named < positions.size()) list += " and " + std::to_string(positions.size() - named) + " more";
+  return list;
+}
+
+std::string directionOf(std::int64_t dof) {
+  const std::string whole = describeDof(dof);
+  return whole.substr(whole.find(", ") + 2);
+}

@@ -1,0 +1,160 @@
+#include <algorithm>
+#include <cmath>
+
+#include "Diagnosis/StructureCheck.h"
+#include "Platform/NumberText.h"
+
+namespace {
+
+using enum Finding::Consequence;
+using Positions = std::vector<std::int64_t>;
+
+double diagonalOf(const Project& project, std::int64_t dof) {
+  return project.H_II.values[static_cast<std::size_t>(project.H_II.starts[static_cast<std::size_t>(dof)])];
+}
+
+/// Positions of the bars for which the predicate holds and one of whose nodes is marked.
+template <class Predicate>
+Positions barsAt(const Project& project, const std::vector<bool>& marked, Predicate&& predicate) {
+  Positions found;
+  const auto& trusses = *project.trussElements;
+  for (std::size_t i = 0; i < trusses.size(); ++i) {
+    const bool touches = marked[static_cast<std::size_t>(trusses[i].startNodeId)] ||
+                         marked[static_cast<std::size_t>(trusses[i].endNodeId)];
+    if (touches && predicate(trusses[i])) found.push_back(static_cast<std::int64_t>(i));
+  }
+  return found;
+}
+
+Positions markedOf(const std::vector<bool>& marked) {
+  Positions nodes;
+  for (std::size_t node = 0; node < marked.size(); ++node)
+    if (marked[node]) nodes.push_back(static_cast<std::int64_t>(node));
+  return nodes;
+}
+
+bool isCompressedNonLinear(const TrussElement& truss) {
+  return truss.isNonLinear && truss.axialForce() < 0;
+}
+
+/// A direction's own stiffness is gone or negative; all such directions are looked at together.
+Finding explainNotPositive(const Project& project, const SolveFault& fault) {
+  std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
+  for (std::int64_t dof = 0; dof < project.nI; ++dof)
+    if (!(diagonalOf(project, dof) > 0)) marked[static_cast<std::size_t>(dof / dofsPerNode)] = true;
+  const std::string where = "In step " + std::to_string(fault.step) + " the stiffness of node " +
+                            std::to_string(*fault.dof / dofsPerNode) + " in " + directionOf(*fault.dof) + " becomes " +
+                            numberText(diagonalOf(project, *fault.dof));
+  const auto compressed = barsAt(project, marked, isCompressedNonLinear);
+  if (!compressed.empty())
+    return {EndsProgram,
+            "Compressed non-linear bars",
+            where + ", since compression takes stiffness across non-linear bars, here " + listed("bar", compressed) +
+                ", and a solve ends the program: make them linear.",
+            markedOf(marked),
+            compressed,
+            {},
+            true};
+  const auto out = barsAt(project, marked, [](const TrussElement& truss) { return truss.isOut(); });
+  if (!out.empty())
+    return {EndsProgram, "Compression-only bars have dropped out",
+            where + ", since " + listed("bar", out) +
+                " took tension and dropped out, and a solve ends the program: hold the node otherwise.",
+            markedOf(marked), out};
+  return {EndsProgram, "Stiffness that is not positive",
+          where + ", and a solve ends the program: look for negative areas or moduli.", markedOf(marked)};
+}
+
+/// The structure as a whole has lost its stiffness somewhere.
+Finding explainUnstable(const Project& project, std::int64_t dof, int step, Finding::Consequence consequence) {
+  const std::int64_t node = dof / dofsPerNode;
+  const std::string ending =
+      consequence == EndsProgram ? ", and a solve ends the program: " : ", and the displacements mean nothing: ";
+  if (step <= 1)
+    return {consequence,
+            "Mechanism",
+            "Nothing holds node " + std::to_string(node) + " in " + directionOf(dof) +
+                " against a movement of several nodes together" + ending + "brace or support it there.",
+            {node}};
+  std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
+  marked[static_cast<std::size_t>(node)] = true;
+  const auto compressed = barsAt(project, marked, isCompressedNonLinear);
+  return {
+      consequence,
+      "Loss of stability",
+      "In step " + std::to_string(step) + " the structure loses its stiffness at node " + std::to_string(node) +
+          " in " + directionOf(dof) + ", because it buckles or snaps through, or because bars there have dropped out" +
+          ending + "reduce the load" +
+          (compressed.empty() ? "" : ", or make the compressed non-linear " + listed("bar", compressed) + " linear") +
+          ".",
+      {node},
+      compressed,
+      {},
+      !compressed.empty()};
+}
+
+Finding explainFault(const Project& project, const SolveFault& fault) {
+  if (fault.kind == SolveFault::Kind::NotPositive) return explainNotPositive(project, fault);
+  if (fault.kind == SolveFault::Kind::Unstable) return explainUnstable(project, *fault.dof, fault.step, EndsProgram);
+  Positions nodes;
+  if (fault.dof) nodes.push_back(*fault.dof / dofsPerNode);
+  return {EndsProgram, "The matrix cannot be factorized",
+          "In step " + std::to_string(fault.step) + " a solve ends the program: " + fault.what + ".", nodes};
+}
+
+/// Where the forces are that the solve has left over. A load on a support moves it, and what then pulls at its
+/// neighbours is not theirs to answer for.
+std::vector<Finding> explainResidual(const Project& project) {
+  const auto entry = [](const std::vector<double>& array, std::int64_t i) {
+    return array[static_cast<std::size_t>(i)];
+  };
+  double squares = 0;
+  for (const double load : *project.F_I) squares += load * load;
+  const double tolerated = Project::convergenceTolerance * std::sqrt(squares);
+
+  std::vector<bool> touchedByBeam(static_cast<std::size_t>(project.nodeCount()));
+  for (const BeamElement& beam : *project.beamElements)
+    for (const std::int64_t node : {beam.startNodeId, beam.endNodeId})
+      touchedByBeam[static_cast<std::size_t>(node)] = true;
+
+  Positions byBeams;
+  Positions others;
+  double largest = 0;
+  bool supportsMove = false;
+  for (std::int64_t dof = 0; dof < project.nI; ++dof) {
+    const bool restrained = (*project.D_I)[static_cast<std::size_t>(dof)];
+    const double left = std::abs(entry(project.R_I, dof));
+    supportsMove = supportsMove || (restrained && left > 0);
+    if (restrained || left <= tolerated) continue;
+    const std::int64_t node = dof / dofsPerNode;
+    Positions& nodes = touchedByBeam[static_cast<std::size_t>(node)] ? byBeams : others;
+    if (nodes.empty() || nodes.back() != node) nodes.push_back(node);
+    if (!(left <= largest)) largest = left;
+  }
+  std::vector<Finding> findings;
+  if (!byBeams.empty())
+    findings.push_back(
+        {NeverConverges, "Loads carried by beams",
+         "A load at " + listed("node", byBeams) +
+             " is carried by beams, which answer with stiffness but with no force, so that the solve adds "
+             "its displacements anew in each step: carry it by bars.",
+         byBeams});
+  if (!others.empty() && !supportsMove)
+    findings.push_back({NeverConverges, "No equilibrium",
+                        "After " + std::to_string(Project::iterationLimit) + " steps forces of up to " +
+                            numberText(largest) + " are left over at " + listed("node", others) +
+                            ", so that the displacements are not those of equilibrium: reduce the load, or stiffen the "
+                            "structure there.",
+                        others});
+  return findings;
+}
+
+}  // namespace
+
+std::vector<Finding> inspectOutcome(const Project& solved, const SolveOutcome& outcome) {
+  if (outcome.fault) return {explainFault(solved, *outcome.fault)};
+  if (outcome.weakestDof) return {explainUnstable(solved, *outcome.weakestDof, 1, Meaningless)};
+  const bool exhausted = std::ssize(outcome.norms) == Project::iterationLimit;
+  if (exhausted && !(outcome.norms.back() < Project::convergenceTolerance)) return explainResidual(solved);
+  return {};
+}

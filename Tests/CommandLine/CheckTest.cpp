@@ -1,0 +1,29 @@
+#include <gmock/gmock.h>
+
+#include "Tests/CommandLine/Command.h"
+#include "Tests/TemporaryFolder.h"
+
+using testing::HasSubstr;
+
+TEST(Check, TellsWhatItFindsAndWithWhichStatus) {
+  const TemporaryFolder folder;
+  const auto sound = gavrelCli({"check", folder.put("bar.json", singleBarJson())});
+  EXPECT_EQ(sound.status, 0);
+  EXPECT_EQ(sound.output, "Nothing found: the structure can be solved.\n");
+
+  const std::string drifting = folder.put("drift.json", singleBarJson(5));
+  const auto found = gavrelCli({"check", drifting});
+  EXPECT_EQ(found.status, 3);
+  EXPECT_EQ(found.errors, "");
+  EXPECT_EQ(found.output,
+            "Never converges: Loads on supports\n"
+            "  A restrained direction of node 1 carries a load, which moves it further in each step, and the solve "
+            "never converges: remove the load or the restraint.\n"
+            "1 finding\n");
+  const auto forScripts = gavrelCli({"check", "--json", drifting});
+  EXPECT_EQ(forScripts.status, 3);
+  EXPECT_THAT(forScripts.output, HasSubstr(R"("title": "Loads on supports")"));
+  EXPECT_THAT(forScripts.output, HasSubstr("\"nodes\": [\n      1\n    ]"));
+
+  EXPECT_EQ(gavrelCli({"check", folder / "none.json"}).status, 1);
+}
