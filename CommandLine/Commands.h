@@ -14,5 +14,7 @@ inline constexpr int usage = 64;        ///< the command line is not understood
 /// Each adds a subcommand that leaves its exit status in `status`, which must outlive `app`.
 void addSolveCommand(CLI::App& app, int& status);
 void addCheckCommand(CLI::App& app, int& status);
+void addExportCommand(CLI::App& app, int& status);
+void addImportCommand(CLI::App& app, int& status);
 void addInfoCommand(CLI::App& app, int& status);
 void addGenerateCommand(CLI::App& app, int& status);

@@ -17,6 +17,8 @@ int run(int argc, char** argv) {
   addCheckCommand(app, status);
   addInfoCommand(app, status);
   addGenerateCommand(app, status);
+  addImportCommand(app, status);
+  addExportCommand(app, status);
 
   try {
     app.parse(argc, argv);

@@ -1,0 +1,91 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "CommandLine/Commands.h"
+#include "DataModel/ProjectFile.h"
+#include "Exchange/Export.h"
+
+namespace {
+
+struct ExportOptions {
+  std::string model;
+  std::string nodes;
+  std::string elements;
+  std::string vtu;
+  std::string png;
+  std::string size;
+  bool strain = false;
+  bool unsolved = false;
+};
+
+int fail(const std::string& what, const std::string& reason) {
+  std::fprintf(stderr, "%s: %s\n", what.c_str(), reason.c_str());
+  return exitStatus::failure;
+}
+
+/// The window's program draws pictures; it lies beside this one, or where programs are looked for. Its lines are not
+/// wanted.
+int drawPicture(const ExportOptions& options) {
+  std::vector<std::string> words{"gavrel", "--screenshot", options.png};
+  if (!options.size.empty()) words.insert(words.end(), {"--size", options.size});
+  if (options.strain) words.emplace_back("--strain");
+  if (!options.unsolved) words.emplace_back("--solve");
+  words.insert(words.end(), {"--", options.model});
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+
+  std::error_code unknown;
+  const auto beside = std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path() / "gavrel";
+  std::fflush(stdout);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) ::_exit(exitStatus::failure);
+    ::execv(beside.c_str(), arguments.data());
+    ::execvp("gavrel", arguments.data());
+    std::fputs("No picture: the program gavrel, which draws it, is not there.\n", stderr);
+    ::_exit(exitStatus::failure);
+  }
+  int status = 0;
+  if (child < 0 || ::waitpid(child, &status, 0) < 0) return fail("No picture", "a program could not be started");
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? exitStatus::success : exitStatus::failure;
+}
+
+int exportModel(const ExportOptions& options) {
+  const auto loaded = readProject(options.model);
+  if (!loaded) return fail("Failed to load project", loaded.failure().reason);
+  Project& project = **loaded;
+  if (!options.unsolved) project.Solve();
+
+  using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&);
+  const std::pair<const std::string&, Write> files[] = {
+      {options.nodes, exportNodes}, {options.elements, exportElements}, {options.vtu, exportVtu}};
+  for (const auto& [path, write] : files) {
+    if (path.empty()) continue;
+    if (const auto failure = write(project, path)) return fail("Failed to export", failure->reason);
+  }
+  return options.png.empty() ? exitStatus::success : drawPicture(options);
+}
+
+}  // namespace
+
+void addExportCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("export", "Solve a project and write its results for other programs");
+  auto options = std::make_shared<ExportOptions>();
+  command->add_option("MODEL", options->model, "Project file")->required();
+  auto* files = command->add_option_group("files");
+  files->add_option("--nodes", options->nodes, "Table of nodes with displacements (CSV)");
+  files->add_option("--elements", options->elements, "Table of elements with strains and forces (CSV)");
+  files->add_option("--vtu", options->vtu, "Grid for ParaView (VTK XML)");
+  auto* png = files->add_option("--png", options->png, "Picture (PNG); needs a display and the program gavrel");
+  files->require_option(1, 0);
+  command->add_option("--size", options->size, "Size of the picture in pixels (1600x1000)")->needs(png);
+  command->add_flag("--strain", options->strain, "Colour the picture's bars by strain")->needs(png);
+  command->add_flag("--unsolved", options->unsolved, "Do not solve: results are those in the file, displacements 0");
+  command->footer(
+      "Example:\n  gavrel-cli export bridge.json --nodes nodes.csv --elements elements.csv --vtu bridge.vtu");
+  command->callback([options, &status] { status = exportModel(*options); });
+}

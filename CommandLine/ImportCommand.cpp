@@ -1,0 +1,68 @@
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+
+#include "CommandLine/Commands.h"
+#include "DataModel/ProjectFile.h"
+#include "Exchange/Import.h"
+
+namespace {
+
+struct ImportOptions {
+  std::vector<std::string> files;
+  std::string output;
+  std::string into;
+  std::string name;
+  double tolerance = 0;
+  ImportSettings settings;
+};
+
+int fail(const char* what, const Failure& failure) {
+  std::fprintf(stderr, "%s: %s\n", what, failure.reason.c_str());
+  return exitStatus::failure;
+}
+
+int import(const ImportOptions& options) {
+  auto project = std::make_shared<Project>();
+  if (!options.into.empty()) {
+    auto loaded = readProject(options.into);
+    if (!loaded) return fail("Failed to load project", loaded.failure());
+    project = *loaded;
+  }
+  if (options.into.empty()) project->name.edit() = std::filesystem::path(options.files.front()).stem().string();
+  if (!options.name.empty()) project->name.edit() = options.name;
+  ImportSettings settings = options.settings;
+  if (options.tolerance > 0) settings.tolerance = options.tolerance;
+  const auto outcome = importFiles(*project, {options.files.begin(), options.files.end()}, settings);
+  if (!outcome) return fail("Failed to import", outcome.failure());
+  if (const auto failure = writeProject(*project, options.output)) return fail("Failed to save project", *failure);
+  for (const std::string& remark : outcome->remarks) std::printf("%s\n", remark.c_str());
+  std::printf("Imported %lld nodes, %lld bars, %lld beams\n", static_cast<long long>(outcome->nodes),
+              static_cast<long long>(outcome->trusses), static_cast<long long>(outcome->beams));
+  return exitStatus::success;
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("import", "Make a project of tables (CSV) and drawings (DXF)");
+  auto options = std::make_shared<ImportOptions>();
+  const auto finite = [](const std::string& text) {
+    return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : "not a finite number: " + text;
+  };
+  command->add_option("FILES", options->files, "Tables of nodes or members, drawings")->required();
+  command->add_option("-o,--output", options->output, "Project file to write")->required();
+  command->add_option("--into", options->into, "Project file to add to; without it a new project begins");
+  command->add_option("--name", options->name, "Name of the project; that of the first file if it is new");
+  command->add_option("--area", options->settings.area, "Cross-section of bars of which a file tells none")
+      ->check(finite)
+      ->capture_default_str();
+  command->add_option("--modulus", options->settings.youngModulus, "Young's modulus of such bars")
+      ->check(finite)
+      ->capture_default_str();
+  command->add_flag("--non-linear", options->settings.isNonLinear, "Such bars have large displacements");
+  command->add_option("--tolerance", options->tolerance, "Ends of lines no further apart are one node")
+      ->check(CLI::PositiveNumber);
+  command->footer("Example:\n  gavrel-cli import nodes.csv members.csv --output frame.json");
+  command->callback([options, &status] { status = import(*options); });
+}

@@ -1,0 +1,36 @@
+#include "Exchange/Export.h"
+#include "Exchange/TableColumn.h"
+#include "Platform/AtomicFile.h"
+
+namespace {
+
+std::optional<Failure> writeTable(const Project& project, std::span<const TableColumn> columns, std::int64_t rows,
+                                  const std::filesystem::path& path) {
+  return replaceFile(path, [&](const ByteSink& sink) {
+    constexpr std::size_t piece = 1 << 16;
+    std::string text;
+    for (const TableColumn& column : columns) {
+      if (!text.empty()) text += ',';
+      text += column.name;
+    }
+    text += '\n';
+    for (std::int64_t row = 0; row < rows; ++row) {
+      for (const TableColumn& column : columns) text += textOf(column.cell(project, row)) += ',';
+      text.back() = '\n';
+      if (text.size() < piece) continue;
+      sink(text);
+      text.clear();
+    }
+    sink(text);
+  });
+}
+
+}  // namespace
+
+std::optional<Failure> exportNodes(const Project& project, const std::filesystem::path& path) {
+  return writeTable(project, nodeColumns(), project.nodeCount(), path);
+}
+
+std::optional<Failure> exportElements(const Project& project, const std::filesystem::path& path) {
+  return writeTable(project, elementColumns(), elementCount(project), path);
+}

@@ -1,0 +1,205 @@
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <set>
+#include <sstream>
+
+#include "Exchange/Draft.h"
+#include "Platform/NumberText.h"
+
+namespace {
+
+std::string trimmed(std::string text) {
+  const auto isSpace = [](unsigned char c) { return std::isspace(c) != 0; };
+  text.erase(std::find_if_not(text.rbegin(), text.rend(), isSpace).base(), text.end());
+  text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isSpace));
+  return text;
+}
+
+std::string lower(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+/// The fields of one line. A field in quotation marks may hold separators, and marks that are doubled.
+std::vector<std::string> split(const std::string& line, char separator, std::size_t number) {
+  std::vector<std::string> fields(1);
+  bool quoted = false;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (c == '"' && quoted && i + 1 < line.size() && line[i + 1] == '"')
+      fields.back() += line[++i];
+    else if (c == '"')
+      quoted = !quoted;
+    else if (c == separator && !quoted)
+      fields.emplace_back();
+    else
+      fields.back() += c;
+  }
+  if (quoted) throw ImportError("line " + std::to_string(number) + ": a quotation mark is not closed");
+  for (std::string& field : fields) field = trimmed(std::move(field));
+  return fields;
+}
+
+char separatorOf(const std::string& heading) {
+  const auto count = [&heading](char c) { return std::ranges::count(heading, c); };
+  if (count(';') > 0) return ';';
+  return count('\t') > count(',') ? '\t' : ',';
+}
+
+/// Reads the fields of one row by the names of their columns.
+class Reader {
+ public:
+  Reader(const CsvTable& table, const CsvTable::Row& row) : table_(table), row_(row) {}
+
+  /// The text in a column; empty without that column.
+  [[nodiscard]] std::string text(std::string_view name) const {
+    const auto column = table_.column(name);
+    return column ? row_.fields[*column] : std::string();
+  }
+
+  [[nodiscard]] double number(std::string_view name, std::optional<double> otherwise) const {
+    std::string field = text(name);
+    if (field.empty() && otherwise) return *otherwise;
+    if (table_.decimalComma) std::ranges::replace(field, ',', '.');
+    const auto number = parseNumber(field);
+    if (!number || !std::isfinite(*number)) fail(name, "expected a number, found \"" + text(name) + "\"");
+    return *number;
+  }
+
+  [[nodiscard]] std::int64_t whole(std::string_view name) const {
+    const std::string field = text(name);
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
+    if (error != std::errc() || end != field.data() + field.size() || number < 0)
+      fail(name, "expected the number of a node, found \"" + field + "\"");
+    return number;
+  }
+
+  [[noreturn]] void fail(std::string_view name, const std::string& what) const {
+    throw ImportError("line " + std::to_string(row_.line) + ", column " + std::string(name) + ": " + what);
+  }
+
+ private:
+  const CsvTable& table_;
+  const CsvTable::Row& row_;
+};
+
+std::array<bool, dofsPerNode> heldIn(const Reader& reader) {
+  constexpr std::array<std::string_view, dofsPerNode> names{"x", "y", "z", "rx", "ry", "rz"};
+  std::array<bool, dofsPerNode> held{};
+  std::istringstream words(lower(reader.text("held")));
+  for (std::string word; words >> word;) {
+    const auto found = std::ranges::find(names, word);
+    if (found == names.end()) reader.fail("held", "\"" + word + "\" is none of x, y, z, rx, ry, rz");
+    held[static_cast<std::size_t>(found - names.begin())] = true;
+  }
+  return held;
+}
+
+/// The node that the table of nodes, or the project, knows by this number.
+std::int64_t nodeIn(const Draft& draft, const Reader& reader, std::string_view name) {
+  const std::int64_t number = reader.whole(name);
+  if (draft.numbers) {
+    const auto found = draft.numbers->find(number);
+    if (found != draft.numbers->end()) return found->second;
+  } else if (number < draft.nodeCount()) {
+    return number;
+  }
+  reader.fail(name, "there is no node " + std::to_string(number));
+}
+
+/// Sets what the words of a kind say; they are those of the table of elements.
+void readKind(const Reader& reader, Draft::Member& member) {
+  const std::string kind = lower(reader.text("kind"));
+  if (kind.empty()) return;
+  member.isNonLinear = false;
+  std::istringstream words(kind);
+  for (std::string word; words >> word;) {
+    if (word == "beam")
+      member.isBeam = true;
+    else if (word == "non-linear")
+      member.isNonLinear = true;
+    else if (word == "compression-only")
+      member.isCompressionOnly = true;
+    else if (word != "bar")
+      reader.fail("kind", "\"" + word + "\" is none of bar, beam, non-linear, compression-only");
+  }
+}
+
+/// Names what is passed over, unless a table that was exported has it.
+void remarkOnUnknown(const CsvTable& table, const std::set<std::string, std::less<>>& known, Draft& draft) {
+  for (const std::string& name : table.names)
+    if (!known.contains(name)) draft.remarks.push_back("The column \"" + name + "\" is passed over.");
+}
+
+}  // namespace
+
+CsvTable CsvTable::of(const std::string& text) {
+  CsvTable table;
+  std::istringstream lines(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text);
+  char separator = ',';
+  std::size_t number = 0;
+  for (std::string line; std::getline(lines, line);) {
+    ++number;
+    if (trimmed(line).empty()) continue;
+    if (table.names.empty()) {
+      separator = separatorOf(line);
+      table.decimalComma = separator != ',';
+      for (const std::string& name : split(line, separator, number)) table.names.push_back(lower(name));
+      continue;
+    }
+    auto fields = split(line, separator, number);
+    if (fields.size() != table.names.size())
+      throw ImportError("line " + std::to_string(number) + ": " + std::to_string(fields.size()) + " values for " +
+                        std::to_string(table.names.size()) + " columns");
+    table.rows.push_back({number, std::move(fields)});
+  }
+  if (table.names.empty()) throw ImportError("line 1: the file is empty");
+  return table;
+}
+
+std::optional<std::size_t> CsvTable::column(std::string_view name) const {
+  const auto found = std::ranges::find(names, lower(std::string(name)));
+  return found == names.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - names.begin()));
+}
+
+void addNodes(const CsvTable& table, Draft& draft) {
+  const bool numbered = table.column("node").has_value();
+  if (!draft.numbers) draft.numbers.emplace();
+  for (const CsvTable::Row& row : table.rows) {
+    const Reader reader(table, row);
+    const std::int64_t number = numbered ? reader.whole("node") : std::ssize(*draft.numbers);
+    if (!draft.numbers->emplace(number, draft.nodeCount()).second)
+      reader.fail("node", "node " + std::to_string(number) + " is there already");
+    draft.nodes.push_back({{reader.number("x", {}), reader.number("y", {}), reader.number("z", 0)},
+                           {reader.number("Fx", 0), reader.number("Fy", 0), reader.number("Fz", 0),
+                            reader.number("Mx", 0), reader.number("My", 0), reader.number("Mz", 0)},
+                           heldIn(reader)});
+  }
+  remarkOnUnknown(
+      table, {"node", "x", "y", "z", "fx", "fy", "fz", "mx", "my", "mz", "held", "ux", "uy", "uz", "θx", "θy", "θz"},
+      draft);
+}
+
+void addMembers(const CsvTable& table, Draft& draft) {
+  for (const CsvTable::Row& row : table.rows) {
+    const Reader reader(table, row);
+    Draft::Member member{.start = nodeIn(draft, reader, "start"), .end = nodeIn(draft, reader, "end")};
+    member.isNonLinear = draft.settings.isNonLinear;
+    readKind(reader, member);
+    member.area = reader.number("area", draft.settings.area);
+    member.youngModulus = reader.number("youngModulus", draft.settings.youngModulus);
+    if (member.isBeam) {
+      member.shearModulus = reader.number("shearModulus", {});
+      member.inertiaY = reader.number("inertiaY", {});
+      member.inertiaZ = reader.number("inertiaZ", {});
+    }
+    draft.members.push_back(member);
+  }
+  remarkOnUnknown(table,
+                  {"kind", "number", "start", "end", "length", "strain", "force", "state", "area", "youngmodulus",
+                   "shearmodulus", "inertiay", "inertiaz"},
+                  draft);
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Exchange/Import.h"
+
+/// What files add to a project, before it is added. Nodes are numbered as they will be in the project.
+struct Draft {
+  struct Node {
+    Vector3 place;
+    std::array<double, dofsPerNode> load{};
+    std::array<bool, dofsPerNode> held{};
+  };
+  struct Member {
+    std::int64_t start = 0;
+    std::int64_t end = 0;
+    bool isBeam = false;
+    bool isCompressionOnly = false;
+    bool isNonLinear = false;
+    double area = 0;
+    double youngModulus = 0;
+    double shearModulus = 0;
+    double inertiaY = 0;
+    double inertiaZ = 0;
+  };
+
+  const Project& project;
+  const ImportSettings& settings;
+  std::vector<Node> nodes = {};
+  std::vector<Member> members = {};
+  std::vector<std::string> remarks = {};
+  /// The nodes of a table by its own numbers, once there is a table.
+  std::optional<std::map<std::int64_t, std::int64_t>> numbers = {};
+
+  [[nodiscard]] std::int64_t nodeCount() const { return project.nodeCount() + std::ssize(nodes); }
+};
+
+/// Why a file cannot be taken over; `what` says where in it.
+struct ImportError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// A file of values with a heading.
+struct CsvTable {
+  struct Row {
+    std::size_t line;
+    std::vector<std::string> fields;
+  };
+
+  std::vector<std::string> names;  ///< in lower case
+  std::vector<Row> rows;
+  bool decimalComma = false;
+
+  /// Throws ImportError for a text without a heading, and for rows of another length.
+  [[nodiscard]] static CsvTable of(const std::string& text);
+
+  [[nodiscard]] std::optional<std::size_t> column(std::string_view name) const;
+  [[nodiscard]] bool isOfNodes() const { return column("x") && column("y"); }
+  [[nodiscard]] bool isOfMembers() const { return column("start") && column("end"); }
+};
+
+/// Each throws ImportError.
+void addNodes(const CsvTable& table, Draft& draft);
+void addMembers(const CsvTable& table, Draft& draft);
+void addDrawing(const std::string& dxf, Draft& draft);

@@ -1,0 +1,81 @@
+#include "Exchange/Import.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "Exchange/Draft.h"
+#include "Platform/FileBytes.h"
+
+namespace {
+
+bool isDrawing(const std::filesystem::path& file) {
+  std::string extension = file.extension().string();
+  std::ranges::transform(extension, extension.begin(), [](unsigned char c) { return std::tolower(c); });
+  return extension == ".dxf";
+}
+
+Vector3 placeOf(const Draft& draft, std::int64_t node) {
+  const auto existing = draft.project.nodeCount();
+  if (node >= existing) return draft.nodes[static_cast<std::size_t>(node - existing)].place;
+  return *draft.project.getNodeCoordinates(node);
+}
+
+ImportOutcome addTo(Project& project, const Draft& draft) {
+  ImportOutcome outcome{.nodes = std::ssize(draft.nodes), .remarks = draft.remarks};
+  std::vector<TrussElement> trusses = *project.trussElements;
+  std::vector<BeamElement> beams = *project.beamElements;
+  for (const Draft::Member& member : draft.members) {
+    const Vector3 start = placeOf(draft, member.start);
+    const Vector3 end = placeOf(draft, member.end);
+    if (member.isBeam)
+      beams.emplace_back(std::ssize(beams), member.start, member.end, start, end, member.area, member.inertiaY,
+                         member.inertiaZ, member.youngModulus, member.shearModulus, member.isNonLinear);
+    else
+      trusses.emplace_back(std::ssize(trusses), member.start, member.end, start, end, member.area, member.youngModulus,
+                           member.isCompressionOnly, member.isNonLinear);
+  }
+  outcome.trusses = std::ssize(trusses) - std::ssize(*project.trussElements);
+  outcome.beams = std::ssize(beams) - std::ssize(*project.beamElements);
+  for (const Draft::Node& node : draft.nodes) {
+    project.addNode(node.place);
+    std::ranges::copy(node.load, project.F_I.edit().end() - dofsPerNode);
+    std::copy(node.held.begin(), node.held.end(), project.D_I.edit().end() - dofsPerNode);
+  }
+  project.trussElements.edit() = std::move(trusses);
+  project.beamElements.edit() = std::move(beams);
+  return outcome;
+}
+
+}  // namespace
+
+Result<ImportOutcome> importFiles(Project& project, const std::vector<std::filesystem::path>& files,
+                                  const ImportSettings& settings) {
+  Draft draft{project, settings};
+  std::vector<std::pair<std::filesystem::path, CsvTable>> members;
+  std::filesystem::path current;
+  try {
+    for (const auto& file : files) {
+      current = file;
+      const auto content = readFile(file);
+      if (!content) return content.failure();
+      if (isDrawing(file)) {
+        addDrawing(*content, draft);
+        continue;
+      }
+      CsvTable table = CsvTable::of(*content);
+      if (table.isOfNodes())
+        addNodes(table, draft);
+      else if (table.isOfMembers())
+        members.emplace_back(file, std::move(table));
+      else
+        throw ImportError("line 1: the heading names neither x and y, for nodes, nor start and end, for members");
+    }
+    for (const auto& [file, table] : members) {
+      current = file;
+      addMembers(table, draft);
+    }
+  } catch (const ImportError& error) {
+    return Failure{current.filename().string() + ", " + error.what()};
+  }
+  return addTo(project, draft);
+}

@@ -1,0 +1,163 @@
+#include "Exchange/TableColumn.h"
+
+#include <array>
+#include <cmath>
+
+#include "Platform/NumberText.h"
+
+namespace {
+
+template <class Array>
+auto entryOf(const Array& array, std::int64_t i) {
+  using Entry = typename Array::value_type;
+  return i < std::ssize(array) ? Entry{array[static_cast<std::size_t>(i)]} : Entry{};
+}
+
+template <int direction>
+Cell coordinate(const Project& project, std::int64_t node) {
+  return entryOf(*project.X_I, 3 * node + direction);
+}
+
+template <int direction>
+Cell load(const Project& project, std::int64_t node) {
+  return entryOf(*project.F_I, dofsPerNode * node + direction);
+}
+
+template <int direction>
+Cell displacement(const Project& project, std::int64_t node) {
+  return entryOf(*project.U_I, dofsPerNode * node + direction);
+}
+
+Cell number(const Project&, std::int64_t row) {
+  return row;
+}
+
+Cell held(const Project& project, std::int64_t node) {
+  constexpr std::array names{"x", "y", "z", "rx", "ry", "rz"};
+  std::string text;
+  for (std::size_t k = 0; k < names.size(); ++k) {
+    if (!entryOf(*project.D_I, dofsPerNode * node + static_cast<std::int64_t>(k))) continue;
+    if (!text.empty()) text += ' ';
+    text += names[k];
+  }
+  return text;
+}
+
+/// Calls the visitor with the bar or the beam of a row.
+template <class Visit>
+Cell ofElement(const Project& project, std::int64_t row, Visit&& visit) {
+  const auto& trusses = *project.trussElements;
+  if (row < std::ssize(trusses)) return visit(trusses[static_cast<std::size_t>(row)]);
+  return visit((*project.beamElements)[static_cast<std::size_t>(row - std::ssize(trusses))]);
+}
+
+template <auto ofTruss>
+Cell trussOnly(const Project& project, std::int64_t row) {
+  const auto& trusses = *project.trussElements;
+  return row < std::ssize(trusses) ? ofTruss(trusses[static_cast<std::size_t>(row)]) : Cell{};
+}
+
+template <double BeamElement::*member>
+Cell beamOnly(const Project& project, std::int64_t row) {
+  const auto position = row - std::ssize(*project.trussElements);
+  return position < 0 ? Cell{} : (*project.beamElements)[static_cast<std::size_t>(position)].*member;
+}
+
+Cell position(const Project& project, std::int64_t row) {
+  const auto trusses = std::ssize(*project.trussElements);
+  return row < trusses ? row : row - trusses;
+}
+
+Cell kind(const Project& project, std::int64_t row) {
+  const auto trusses = std::ssize(*project.trussElements);
+  if (row >= trusses) return "beam";
+  const TrussElement& truss = (*project.trussElements)[static_cast<std::size_t>(row)];
+  return std::string(truss.isNonLinear ? "non-linear " : "") +
+         (truss.isCompressionOnly ? "compression-only bar" : "bar");
+}
+
+Cell startNode(const Project& project, std::int64_t row) {
+  return ofElement(project, row, [](const auto& element) { return element.startNodeId; });
+}
+
+Cell endNode(const Project& project, std::int64_t row) {
+  return ofElement(project, row, [](const auto& element) { return element.endNodeId; });
+}
+
+Cell lengthOf(const Project& project, std::int64_t row) {
+  return ofElement(project, row, [](const auto& element) { return length({element.dXx, element.dXy, element.dXz}); });
+}
+
+Cell areaOf(const Project& project, std::int64_t row) {
+  return ofElement(project, row, [](const auto& element) { return element.area; });
+}
+
+Cell strainOf(const TrussElement& truss) {
+  return truss.tensileStrain();
+}
+
+Cell forceOf(const TrussElement& truss) {
+  return truss.axialForce();
+}
+
+Cell stateOf(const TrussElement& truss) {
+  if (!truss.isCompressionOnly) return {};
+  return truss.isOut() ? "out" : "in";
+}
+
+/// What EAL3 was made from: the shortest number near it that gives the same EAL3, if there is one.
+double youngModulusOf(const TrussElement& truss) {
+  const double L = length({truss.dXx, truss.dXy, truss.dXz});
+  const double E = truss.EAL3 * std::pow(L, 3.0) / truss.area;
+  std::array<char, 32> shortened{};
+  std::snprintf(shortened.data(), shortened.size(), "%.13g", E);
+  const auto rounded = parseNumber(shortened.data());
+  return rounded && truss.area * *rounded / std::pow(L, 3.0) == truss.EAL3 ? *rounded : E;
+}
+
+Cell youngModulus(const Project& project, std::int64_t row) {
+  return row < std::ssize(*project.trussElements)
+             ? youngModulusOf((*project.trussElements)[static_cast<std::size_t>(row)])
+             : beamOnly<&BeamElement::youngModulus>(project, row);
+}
+
+}  // namespace
+
+std::span<const TableColumn> nodeColumns() {
+  static constexpr std::array columns{
+      TableColumn{"node", number},        TableColumn{"x", coordinate<0>},    TableColumn{"y", coordinate<1>},
+      TableColumn{"z", coordinate<2>},    TableColumn{"Fx", load<0>},         TableColumn{"Fy", load<1>},
+      TableColumn{"Fz", load<2>},         TableColumn{"Mx", load<3>},         TableColumn{"My", load<4>},
+      TableColumn{"Mz", load<5>},         TableColumn{"held", held},          TableColumn{"ux", displacement<0>},
+      TableColumn{"uy", displacement<1>}, TableColumn{"uz", displacement<2>}, TableColumn{"θx", displacement<3>},
+      TableColumn{"θy", displacement<4>}, TableColumn{"θz", displacement<5>}};
+  return columns;
+}
+
+std::span<const TableColumn> elementColumns() {
+  static constexpr std::array columns{TableColumn{"kind", kind},
+                                      TableColumn{"number", position},
+                                      TableColumn{"start", startNode},
+                                      TableColumn{"end", endNode},
+                                      TableColumn{"length", lengthOf},
+                                      TableColumn{"strain", trussOnly<strainOf>},
+                                      TableColumn{"force", trussOnly<forceOf>},
+                                      TableColumn{"state", trussOnly<stateOf>},
+                                      TableColumn{"area", areaOf},
+                                      TableColumn{"youngModulus", youngModulus},
+                                      TableColumn{"shearModulus", beamOnly<&BeamElement::shearModulus>},
+                                      TableColumn{"inertiaY", beamOnly<&BeamElement::inertiaY>},
+                                      TableColumn{"inertiaZ", beamOnly<&BeamElement::inertiaZ>}};
+  return columns;
+}
+
+std::int64_t elementCount(const Project& project) {
+  return std::ssize(*project.trussElements) + std::ssize(*project.beamElements);
+}
+
+std::string textOf(const Cell& cell) {
+  if (const auto* whole = std::get_if<std::int64_t>(&cell)) return std::to_string(*whole);
+  if (const auto* number = std::get_if<double>(&cell)) return numberText(*number);
+  if (const auto* text = std::get_if<std::string>(&cell)) return *text;
+  return {};
+}
