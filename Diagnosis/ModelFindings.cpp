@@ -57,17 +57,17 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
     return {{EndsProgram, "No elements",
              "The structure has neither bars nor beams, and a solve ends the program: join its nodes."}};
   if (std::ssize(*project.F_I) < project.nI || std::ssize(*project.D_I) < project.nI) add(missingEntries(project));
-  const char* unknown = "a solve ends the program, since they name nodes that do not exist: correct or remove them.";
+  const char* unknown =
+      "a solve ends the program, since one of the ends is a node that does not exist: correct the file.";
   addTrusses(EndsProgram, "Unknown nodes", connectivity.trussesWithUnknownNodes, unknown);
   addBeams(EndsProgram, "Unknown nodes", connectivity.beamsWithUnknownNodes, unknown);
   if (const auto& lonely = connectivity.nodesWithoutElements; !lonely.empty())
     add({EndsProgram, "Nodes without elements",
          "Nothing joins " + listed("node", lonely) +
-             " to the structure, and a solve ends the program: join or remove " +
-             (lonely.size() == 1 ? "it." : "them."),
+             " to the structure, and a solve ends the program: let a bar join each, or take it out of the file.",
          lonely});
   addBeams(EndsProgram, "Beams without length", connectivity.zeroLengthBeams,
-           "a solve ends the program, since their ends lie in the same place: move or remove them.");
+           "a solve ends the program, since both ends lie in the same place: join other nodes.");
   addBeams(
       EndsProgram, "Beams across x", beamsWhere(project, [](double x) { return x == 0; }),
       "a solve ends the program, since a beam's stiffness is formed with its extent along x, which is zero: use bars "
@@ -76,10 +76,10 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
            "the stiffness in bending is negative, and a solve ends the program or means nothing: let them start at the "
            "larger x.");
   addTrusses(Doubtful, "Bars without length", connectivity.zeroLengthTrusses,
-             "nothing is carried, since their ends lie in the same place: move or remove them.");
+             "nothing is carried, since both ends lie in the same place: join other nodes.");
   const char* repeated =
-      "the same two nodes are joined again, and the stiffness counts twice: remove them if you "
-      "did not mean that.";
+      "the same two nodes are joined again, so that the stiffness counts twice: take one out of the "
+      "file, unless you meant that.";
   addTrusses(Doubtful, "Repeated bars", connectivity.repeatedTrusses, repeated);
   addBeams(Doubtful, "Repeated beams", connectivity.repeatedBeams, repeated);
 

@@ -6,6 +6,11 @@
 #include <QTimer>
 #include <algorithm>
 #include <array>
+#include <utility>
+
+#include "Platform/Console.h"
+#include "Platform/Fatal.h"
+#include "Platform/NumberText.h"
 
 namespace {
 
@@ -22,6 +27,11 @@ void Calculation::setProjectViewModel(ProjectViewModel* value) {
     if (running_ || !solved_) return;
     solved_ = false;
     emit changed();
+  });
+  connect(value, &ProjectViewModel::structureEdited, this, [this] { trial_.solved.reset(); });
+  connect(value, &ProjectViewModel::projectLoaded, this, [this] {
+    trial_ = {};
+    emit findingsChanged();
   });
 }
 
@@ -40,20 +50,74 @@ QString Calculation::outcome() const {
                     : tr("Converged in %1 steps, %2").arg(steps).arg(residual);
 }
 
+QVariantList Calculation::findings() const {
+  QVariantList list;
+  for (const Finding& finding : trial_.findings) {
+    const std::string_view consequence = nameOf(finding.consequence);
+    list.append(
+        QVariantMap{{"consequence", QString::fromUtf8(consequence.data(), static_cast<qsizetype>(consequence.size()))},
+                    {"title", QString::fromStdString(finding.title)},
+                    {"text", QString::fromStdString(finding.text)},
+                    {"canMakeLinear", finding.mendedByLinearTrusses}});
+  }
+  return list;
+}
+
 void Calculation::run() {
+  if (!checks_) return runAnyway();
   if (running_) return;
+  begin();
+  trial_ = StructureCheck::of(**viewModel_->project, [this](int, double residual) { show(residual); });
+  const bool sound = trial_.findings.empty();
+  if (sound) takeTrial();
+  end(sound);
+  emit findingsChanged();
+  if (!sound) emit found();
+}
+
+void Calculation::runAnyway() {
+  if (running_) return;
+  begin();
+  if (trial_.solved) {
+    residuals_ = {trial_.norms.begin(), trial_.norms.end()};
+    takeTrial();
+  } else {
+    (*viewModel_->project)->Solve([this](int, double residual) { show(residual); });
+  }
+  end(true);
+}
+
+void Calculation::markFinding(int index) {
+  const Finding& finding = at(trial_.findings, index, "the findings");
+  viewModel_->setMarks({finding.nodes, finding.trusses, finding.beams});
+}
+
+void Calculation::makeLinear(int index) {
+  viewModel_->makeLinear(at(trial_.findings, index, "the findings").trusses);
+}
+
+void Calculation::begin() {
   emit viewModel_->endangered();
   running_ = true;
   qApp->installEventFilter(this);
   residuals_.clear();
   emit changed();
   repaint();
-  const auto project = *viewModel_->project;
-  project->Solve([this](int, double residual) { show(residual); });
+}
+
+/// Takes the trial's solution and says what a solve says.
+void Calculation::takeTrial() {
+  (*viewModel_->project)->takeSolution(std::move(*trial_.solved));
+  trial_.solved.reset();
+  printLine("");
+  for (const double norm : trial_.norms) printLine(numberText(norm));
+}
+
+void Calculation::end(bool solved) {
   repaint();  // drops what was typed during the last step
   qApp->removeEventFilter(this);
-  solved_ = true;
-  viewModel_->setProject(project);
+  solved_ = solved;
+  if (solved) viewModel_->setProject(*viewModel_->project);
   running_ = false;
   emit changed();
 }

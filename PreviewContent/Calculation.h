@@ -6,11 +6,14 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QVariantList>
 
+#include "Diagnosis/StructureCheck.h"
 #include "PreviewContent/ProjectViewModel.h"
 
-/// Runs the solver on the view model's project. The solve is synchronous: between its steps the windows are repainted,
-/// but what the user types and clicks meanwhile is dropped.
+/// Runs the solver on the view model's project, after a check that solves a copy: if nothing is found, the copy's
+/// solution is the result. The solve is synchronous: between its steps the windows are repainted, but what the user
+/// types and clicks meanwhile is dropped.
 class Calculation : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -20,6 +23,8 @@ class Calculation : public QObject {
   Q_PROPERTY(QString outcome READ outcome NOTIFY changed)
   Q_PROPERTY(QList<double> residuals READ residuals NOTIFY changed)
   Q_PROPERTY(double tolerance READ tolerance CONSTANT)
+  Q_PROPERTY(bool checks MEMBER checks_ NOTIFY checksChanged)
+  Q_PROPERTY(QVariantList findings READ findings NOTIFY findingsChanged)
 
  public:
   using QObject::QObject;
@@ -36,22 +41,42 @@ class Calculation : public QObject {
   [[nodiscard]] QList<double> residuals() const { return running_ || solved_ ? residuals_ : QList<double>(); }
   [[nodiscard]] double tolerance() const { return Project::convergenceTolerance; }
 
-  /// Solves and publishes the project again. Ends the process where the solver does.
+  /// What the last check has found: "consequence", "title", "text", and whether "canMakeLinear".
+  [[nodiscard]] QVariantList findings() const;
+
+  /// Checks, unless `checks` is off, and if nothing is found publishes the solved project.
   Q_INVOKABLE void run();
+
+  /// Solves whatever the check has found. Ends the process where the solver does.
+  Q_INVOKABLE void runAnyway();
+
+  /// Points a finding's nodes and elements out in the 3D area.
+  Q_INVOKABLE void markFinding(int index);
+
+  /// Makes a finding's trusses linear.
+  Q_INVOKABLE void makeLinear(int index);
 
  signals:
   void changed();
+  void checksChanged();
+  void findingsChanged();
+  void found();  ///< a check has found something, and nothing was solved
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void begin();
+  void end(bool solved);
+  void takeTrial();
   void show(double residual);
   void repaint();
 
   QPointer<ProjectViewModel> viewModel_;
   bool running_ = false;
   bool solved_ = false;
+  bool checks_ = true;
+  StructureCheck trial_;     // of the structure as it is, and otherwise without a solution
   QList<double> residuals_;  // one a step
   QElapsedTimer sinceRepaint_;
 };

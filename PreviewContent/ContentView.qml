@@ -15,9 +15,12 @@ Item {
     property real displacementMagnification: 1.0
     property var waitingAction: null
     property bool showingConvergence: false
+    property var filesToImport: []
+    property string notice: ""
 
     readonly property alias calculation: solver
     readonly property alias visualization: view
+    readonly property alias dock: dataDock
     readonly property bool compact: width < 1000
 
     function toggleMode(target) {
@@ -80,6 +83,37 @@ Item {
         panel.open();
     }
 
+    function showImportPanel() {
+        openFrom(importPanel);
+    }
+
+    /// Asks for a file and gives it to the function, whose answer, unless it is empty, is shown.
+    function exportWith(write, name, suffix) {
+        exportPanel.write = write;
+        exportPanel.defaultSuffix = suffix;
+        exportPanel.nameFilters = [suffix.toUpperCase() + " (*." + suffix + ")"];
+        exportPanel.currentFolder = projectViewModel.currentFolder;
+        exportPanel.selectedFile = projectViewModel.currentFolder + "/" + encodeURIComponent(name + "." + suffix);
+        exportPanel.open();
+    }
+
+    function exportNodes() {
+        exportWith(file => notice = exchange.exportNodes(file), "nodes", "csv");
+    }
+
+    function exportElements() {
+        exportWith(file => notice = exchange.exportElements(file), "elements", "csv");
+    }
+
+    function exportVtu() {
+        exportWith(file => notice = exchange.exportVtu(file), projectViewModel.projectName.replace(/\//g, "-"), "vtu");
+    }
+
+    function exportPicture() {
+        exportWith(file => view.grabToImage(grabbed => notice = exchange.exportPicture(grabbed.image, file)),
+            projectViewModel.projectName.replace(/\//g, "-"), "png");
+    }
+
     function selectionMessage(nodes, mode) {
         const word = mode === AppMode.addingTruss ? "truss" : "beam";
         const command = mode === AppMode.addingTruss ? "Truss" : "Beam";
@@ -107,12 +141,21 @@ Item {
         }
     }
 
+    FileExchange {
+        id: exchange
+
+        projectViewModel: root.projectViewModel
+    }
+
     DropArea {
         anchors.fill: parent
         keys: ["text/uri-list"]
         onDropped: drop => {
-            if (drop.urls.length === 1)
-                root.open(drop.urls[0]);
+            const urls = drop.urls;
+            if (urls.every(url => /\.(csv|dxf)$/i.test(url)))
+                root.filesToImport = urls;
+            else if (urls.length === 1)
+                root.open(urls[0]);
             else
                 StandardOutput.print("Drop one project file at a time.");
         }
@@ -122,6 +165,7 @@ Item {
         id: solver
 
         projectViewModel: root.projectViewModel
+        onFound: dataDock.show(0)
     }
 
     ColumnLayout {
@@ -164,15 +208,32 @@ Item {
             }
         }
 
-        VisualizationView {
-            id: view
-
+        SplitView {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            projectViewModel: root.projectViewModel
-            displacementMagnification: root.displacementMagnification
-            isStrainVisualizationActive: root.projectViewModel.isStrainVisualizationActive
-            paused: solver.running
+            orientation: Qt.Vertical
+
+            VisualizationView {
+                id: view
+
+                SplitView.fillHeight: true
+                SplitView.minimumHeight: 100
+                projectViewModel: root.projectViewModel
+                displacementMagnification: root.displacementMagnification
+                isStrainVisualizationActive: root.projectViewModel.isStrainVisualizationActive
+                paused: solver.running
+                onNodeClicked: node => dataDock.showNode(node)
+                onElementClicked: (isBeam, element) => dataDock.showElement(isBeam, element)
+            }
+            DataDock {
+                id: dataDock
+
+                objectName: "dock"
+                SplitView.preferredHeight: 240
+                SplitView.minimumHeight: 110
+                projectViewModel: root.projectViewModel
+                calculation: solver
+            }
         }
 
         CommandRow {
@@ -211,6 +272,31 @@ Item {
             outcome: solver.outcome
             residuals: solver.residuals
             tolerance: solver.tolerance
+        }
+    }
+
+    Sheet {
+        presented: root.filesToImport.length > 0
+        onDismissed: root.filesToImport = []
+
+        ImportView {
+            files: root.filesToImport
+            onConfirmed: (area, youngModulus, isNonLinear) => {
+                const wasEmpty = root.projectViewModel.numberOfNodes === 0;
+                root.notice = exchange.importFiles(root.filesToImport, area, youngModulus, isNonLinear);
+                if (wasEmpty)
+                    view.showWhole();
+                dismiss();
+            }
+        }
+    }
+
+    Sheet {
+        presented: root.notice !== ""
+        onDismissed: root.notice = ""
+
+        NoticeView {
+            text: root.notice
         }
     }
 
@@ -273,5 +359,25 @@ Item {
         title: qsTr("Open Project")
         fileMode: FileDialog.OpenFile
         onAccepted: root.projectViewModel.loadProject(selectedFile)
+    }
+
+    FileDialog {
+        id: importPanel
+
+        title: qsTr("Import Tables and Drawings")
+        fileMode: FileDialog.OpenFiles
+        nameFilters: [qsTr("Tables and drawings (*.csv *.CSV *.txt *.dxf *.DXF)")]
+        onAccepted: root.filesToImport = selectedFiles
+    }
+
+    FileDialog {
+        id: exportPanel
+
+        property var write: null
+
+        title: qsTr("Export")
+        fileMode: FileDialog.SaveFile
+        acceptLabel: qsTr("Export")
+        onAccepted: write(selectedFile)
     }
 }

@@ -94,6 +94,32 @@ MenuBar {
             shortcut: "Ctrl+Shift+S"
             onTriggered: root.content.showSavePanel()
         }
+        MenuSeparator {}
+        Action {
+            text: qsTr("&Import…")
+            shortcut: "Ctrl+I"
+            onTriggered: root.content.showImportPanel()
+        }
+        CommandMenu {
+            title: qsTr("&Export")
+
+            Action {
+                text: qsTr("&Node Table (CSV)…")
+                onTriggered: root.content.exportNodes()
+            }
+            Action {
+                text: qsTr("&Element Table (CSV)…")
+                onTriggered: root.content.exportElements()
+            }
+            Action {
+                text: qsTr("&ParaView Grid (VTU)…")
+                onTriggered: root.content.exportVtu()
+            }
+            Action {
+                text: qsTr("P&icture (PNG)…")
+                onTriggered: root.content.exportPicture()
+            }
+        }
     }
 
     CommandMenu {
@@ -152,14 +178,45 @@ MenuBar {
             onToggled: root.visualization.showsElementNumbers = checked
         }
         Action {
+            text: qsTr("Rendering S&tatistics")
+            checkable: true
+            onToggled: root.visualization.options = checked ? 3 : 2
+        }
+    }
+
+    CommandMenu {
+        title: qsTr("&Structure")
+
+        Action {
+            text: qsTr("&Calculate")
+            shortcut: "Ctrl+R"
+            onTriggered: root.content.calculation.run()
+        }
+        Action {
+            text: qsTr("Check &Before Calculating")
+            checkable: true
+            checked: root.content.calculation.checks
+            onToggled: root.content.calculation.checks = checked
+        }
+        Action {
             text: qsTr("&Convergence…")
             enabled: root.content.calculation.residuals.length > 0
             onTriggered: root.content.showingConvergence = true
         }
+        MenuSeparator {}
         Action {
-            text: qsTr("Rendering S&tatistics")
-            checkable: true
-            onToggled: root.visualization.options = checked ? 3 : 2
+            text: qsTr("&Findings")
+            onTriggered: root.content.dock.show(0)
+        }
+        Action {
+            text: qsTr("&Node Table")
+            shortcut: "Ctrl+T"
+            onTriggered: root.content.dock.show(1)
+        }
+        Action {
+            text: qsTr("&Element Table")
+            shortcut: "Ctrl+Shift+T"
+            onTriggered: root.content.dock.show(2)
         }
     }
 

@@ -10,18 +10,13 @@
 #include "Platform/Console.h"
 #include "Platform/Fatal.h"
 #include "Platform/NumberText.h"
+#include "PreviewContent/FileUrl.h"
 
 namespace {
 
 // The bar that ties a new node to the one before, whatever the truss form proposes.
 constexpr double automaticArea = 25.0;
 constexpr double automaticYoungModulus = 100000.0;
-
-std::optional<std::filesystem::path> pathOf(const QUrl& url) {
-  if (url.isEmpty()) return std::nullopt;
-  // Qt's own file panel leaves out the scheme.
-  return std::filesystem::path((url.isLocalFile() ? url.toLocalFile() : url.path()).toStdString());
-}
 
 }  // namespace
 
@@ -130,6 +125,7 @@ void ProjectViewModel::replace(std::shared_ptr<Project> next, const std::optiona
   project.edit() = std::move(next);
   numberOfNodes.edit() = nodes;
   currentFileUrl = file;
+  setMarks({});
   announce();
   if (!line.empty()) printLine(line);
   emit currentFileChanged();
@@ -187,6 +183,31 @@ void ProjectViewModel::setNonLinear(qint64 position, bool isNonLinear) {
   emit projectChanged();
   emit structureEdited();
   setHasUnsavedChanges(true);
+}
+
+void ProjectViewModel::makeLinear(const std::vector<std::int64_t>& positions) {
+  auto& trusses = (*project)->trussElements.edit();
+  for (const std::int64_t position : positions) at(trusses, position, "trussElements").isNonLinear = false;
+  announceEdit();
+}
+
+Result<ImportOutcome> ProjectViewModel::importFiles(const std::vector<std::filesystem::path>& files,
+                                                    const ImportSettings& settings) {
+  auto outcome = ::importFiles(**project, files, settings);
+  if (!outcome) {
+    printLine("Failed to import: " + outcome.failure().reason);
+    return outcome;
+  }
+  numberOfNodes.edit() = (*project)->nodeCount();
+  announceEdit();
+  printLine("Imported " + std::to_string(outcome->nodes) + " nodes, " + std::to_string(outcome->trusses) + " bars, " +
+            std::to_string(outcome->beams) + " beams");
+  return outcome;
+}
+
+void ProjectViewModel::setMarks(Marks value) {
+  marks_ = std::move(value);
+  emit marksChanged();
 }
 
 void ProjectViewModel::setProject(std::shared_ptr<Project> value) {

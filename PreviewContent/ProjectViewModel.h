@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "DataModel/Project.h"
+#include "Exchange/Import.h"
 #include "Platform/Observable.h"
 #include "PreviewContent/AppMode.h"
 #include "PreviewContent/SheetContents.h"
@@ -39,6 +40,13 @@ class ProjectViewModel : public QObject {
   Q_PROPERTY(bool hasPrevious READ hasPrevious NOTIFY projectChanged)
 
  public:
+  /// Nodes and elements, by their position, that are pointed out in the 3D area.
+  struct Marks {
+    std::vector<std::int64_t> nodes = {};
+    std::vector<std::int64_t> trusses = {};
+    std::vector<std::int64_t> beams = {};
+  };
+
   Observable objectWillChange;
 
   Published<std::shared_ptr<Project>> project;
@@ -88,9 +96,9 @@ class ProjectViewModel : public QObject {
   Q_INVOKABLE void restorePrevious();
   [[nodiscard]] bool hasPrevious() const { return previous_.has_value(); }
 
-  /// Whether the structure has changed since it was opened, saved or begun. A solve changes results only.
   /// Takes the structure as it is for one that need not be saved.
   Q_INVOKABLE void discardChanges() { setHasUnsavedChanges(false); }
+  /// Whether the structure has changed since it was opened, saved or begun. A solve changes results only.
   [[nodiscard]] bool hasUnsavedChanges() const { return hasUnsavedChanges_; }
 
   /// Reads a node's entries; a negative identifier is fatal.
@@ -104,6 +112,17 @@ class ProjectViewModel : public QObject {
 
   /// Makes the truss at this position of the list linear or non-linear; a position outside the list is fatal.
   Q_INVOKABLE void setNonLinear(qint64 position, bool isNonLinear);
+
+  /// Makes all trusses at these positions linear.
+  void makeLinear(const std::vector<std::int64_t>& positions);
+
+  /// Adds the content of files; see importFiles. Says in one line on standard output what was added, or why nothing
+  /// was.
+  [[nodiscard]] Result<ImportOutcome> importFiles(const std::vector<std::filesystem::path>& files,
+                                                  const ImportSettings& settings);
+
+  [[nodiscard]] const Marks& marks() const { return marks_; }
+  void setMarks(Marks value);
 
   /// Publishes a project: another one, or the same after a change in place.
   void setProject(std::shared_ptr<Project> value);
@@ -127,6 +146,7 @@ class ProjectViewModel : public QObject {
   void fileUsed();         ///< the current file was read or written
   void structureEdited();  ///< not by opening or beginning another
   void unsavedChangesChanged();
+  void marksChanged();
   void endangered();  ///< what follows replaces the project, or may end the process
 
  private:
@@ -147,6 +167,7 @@ class ProjectViewModel : public QObject {
   void set(Published<Value>& property, Value value, void (ProjectViewModel::*changed)());
 
   bool hasUnsavedChanges_ = false;
+  Marks marks_;
   std::optional<Previous> previous_;
 
   [[nodiscard]] int modeNumber() const { return static_cast<int>(*appMode); }

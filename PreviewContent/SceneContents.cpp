@@ -11,6 +11,8 @@ namespace {
 
 constexpr double highlightGrowth = 1.05;  // so that it covers what it is drawn over
 constexpr double highlightWhite = 0.55;
+constexpr double markGrowth = 1.6;
+constexpr Color markColor{1, 0, 0.85, 1};
 constexpr int legendColors = 17;
 
 QColor toQColor(const Color& color) {
@@ -60,6 +62,7 @@ void SceneContents::setProjectViewModel(ProjectViewModel* value) {
   if (viewModel_) viewModel_->objectWillChange.forget(viewModelSubscription_);
   viewModel_ = value;
   viewModelSubscription_ = value->objectWillChange.observe([this] { schedule(); });
+  connect(value, &ProjectViewModel::marksChanged, this, &SceneContents::showMarks);
   schedule();
 }
 
@@ -111,6 +114,7 @@ void SceneContents::fillTables() {
       bounds_.add(world.translation, std::holds_alternative<Cone>(node.content) ? stretch.y : stretch.x);
   });
   for (InstanceTable* table : {&balls_, &tubes_, &cones_}) table->publish();
+  showMarks();
   showHighlight(nullptr);
 }
 
@@ -148,7 +152,16 @@ bool SceneContents::loadsActAlongZ() const {
 }
 
 void SceneContents::click(const Ray& ray) {
-  coordinator_->handleClick(hitTest(coordinator_->scene, ray));
+  const auto hits = hitTest(coordinator_->scene, ray);
+  const SceneNode* node = hits.empty() || !hits.front().node->name ? nullptr : hits.front().node;
+  const QString name = node == nullptr ? QString() : QString::fromStdString(*node->name);
+  const auto* tube = node == nullptr ? nullptr : std::get_if<Tube>(&node->content);
+  const bool isBeam = tube != nullptr && tube->radius == SceneKitView::beamRadius;
+  coordinator_->handleClick(hits);  // may lead to another scene
+  if (tube != nullptr) emit elementClicked(isBeam, name.section(u'_', 1).toLongLong());
+  bool isNode = false;
+  const qint64 number = name.toLongLong(&isNode);
+  if (isNode) emit nodeClicked(number);
 }
 
 bool SceneContents::highlight(const Ray& ray) {
@@ -162,15 +175,28 @@ void SceneContents::clearHighlight() {
   showHighlight(nullptr);
 }
 
+void SceneContents::showMarks() {
+  if (scheduled_ || !view_.project) return;  // the update shows them
+  for (InstanceTable* table : {&markedBalls_, &markedTubes_}) table->clear();
+  const auto& marks = viewModel_->marks();
+  const SceneNode shapes = view_.shapesOf(marks.nodes, marks.trusses, marks.beams);
+  for (const SceneNode& node : shapes.children) append(markedBalls_, markedTubes_, node, markGrowth, markColor);
+  for (InstanceTable* table : {&markedBalls_, &markedTubes_}) table->publish();
+}
+
 void SceneContents::showHighlight(const SceneNode* node) {
   for (InstanceTable* table : {&highlightedBall_, &highlightedTube_}) table->clear();
-  if (node != nullptr) {
-    InstanceTable& table = std::holds_alternative<Sphere>(node->content) ? highlightedBall_ : highlightedTube_;
-    Vector3 stretch = stretchOf(*node);
-    stretch.x *= highlightGrowth;
-    stretch.z *= highlightGrowth;
-    // Named shapes stand in the scene itself, not in a group.
-    table.append(transformOf(*node), stretch, origin_, lighter(node->color));
-  }
+  if (node != nullptr) append(highlightedBall_, highlightedTube_, *node, highlightGrowth, lighter(node->color));
   for (InstanceTable* table : {&highlightedBall_, &highlightedTube_}) table->publish();
+}
+
+/// Named shapes stand in the scene itself, not in a group.
+void SceneContents::append(InstanceTable& balls, InstanceTable& tubes, const SceneNode& node, double growth,
+                           const Color& color) {
+  const bool isBall = std::holds_alternative<Sphere>(node.content);
+  Vector3 stretch = stretchOf(node);
+  stretch.x *= growth;
+  stretch.z *= growth;
+  if (isBall) stretch.y *= growth;
+  (isBall ? balls : tubes).append(transformOf(node), stretch, origin_, color);
 }

@@ -28,6 +28,8 @@ class SceneContents : public QObject {
   Q_PROPERTY(InstanceTable* cones READ cones CONSTANT)
   Q_PROPERTY(InstanceTable* highlightedBall READ highlightedBall CONSTANT)
   Q_PROPERTY(InstanceTable* highlightedTube READ highlightedTube CONSTANT)
+  Q_PROPERTY(InstanceTable* markedBalls READ markedBalls CONSTANT)
+  Q_PROPERTY(InstanceTable* markedTubes READ markedTubes CONSTANT)
   Q_PROPERTY(QColor background READ background CONSTANT)
   Q_PROPERTY(QVariantMap strainLegend READ strainLegend NOTIFY updated)
 
@@ -50,6 +52,8 @@ class SceneContents : public QObject {
   [[nodiscard]] InstanceTable* cones() { return &cones_; }
   [[nodiscard]] InstanceTable* highlightedBall() { return &highlightedBall_; }
   [[nodiscard]] InstanceTable* highlightedTube() { return &highlightedTube_; }
+  [[nodiscard]] InstanceTable* markedBalls() { return &markedBalls_; }
+  [[nodiscard]] InstanceTable* markedTubes() { return &markedTubes_; }
   [[nodiscard]] QColor background() const;
 
   /// "shown": whether there are trusses to colour; "min", "max": the extreme strains; "colors": from that of the
@@ -74,12 +78,16 @@ class SceneContents : public QObject {
   void updated();
   void nodeSelected(const QVariant& node);        ///< null for none
   void elementSelected(const QVariant& element);  ///< null for none
+  void nodeClicked(qint64 node);
+  void elementClicked(bool isBeam, qint64 element);
 
  private:
   void schedule();
   void observeProject();
   void fillTables();
+  void showMarks();
   void showHighlight(const SceneNode* node);
+  void append(InstanceTable& balls, InstanceTable& tubes, const SceneNode& node, double growth, const Color& color);
 
   QPointer<ProjectViewModel> viewModel_;
   std::shared_ptr<Project> observedProject_;
@@ -99,4 +107,6 @@ class SceneContents : public QObject {
   InstanceTable cones_;
   InstanceTable highlightedBall_;
   InstanceTable highlightedTube_;
+  InstanceTable markedBalls_;
+  InstanceTable markedTubes_;
 };

@@ -7,13 +7,13 @@
 #include <utility>
 
 #include "Platform/Console.h"
+#include "Platform/Fatal.h"
 #include "PreviewContent/Coordinator.h"
 
 namespace {
 
 constexpr double nodeRadius = 0.1;
 constexpr double trussRadius = 0.05;
-constexpr double beamRadius = 0.1;
 constexpr double loadShaftRadius = 0.03;
 constexpr double headRadius = 0.1;
 constexpr double headLength = 0.3;
@@ -89,24 +89,26 @@ class SceneBuilder {
     const bool adding = view_.appMode.get() != AppMode::normal;
     auto collected = adding ? view_.selectedNodesForTruss.get() : std::vector<std::int64_t>{};
     std::ranges::sort(collected);
-    for (std::int64_t i = 0; i < nodes_; ++i) {
-      const auto place = drawnPlace(i);
-      if (!place) continue;
-      SceneNode ball;
-      ball.content = Sphere{nodeRadius};
-      ball.color = std::ranges::binary_search(collected, i) ? collectedNodeColor : nodeColor;
-      ball.position = *place;
-      ball.name = std::to_string(i);
-      root_.children.push_back(std::move(ball));
-    }
+    for (std::int64_t i = 0; i < nodes_; ++i)
+      addNode(i, std::ranges::binary_search(collected, i) ? collectedNodeColor : nodeColor);
+  }
+
+  void addNode(std::int64_t node, const Color& color) {
+    const auto place = drawnPlace(node);
+    if (!place) return;
+    SceneNode ball;
+    ball.content = Sphere{nodeRadius};
+    ball.color = color;
+    ball.position = *place;
+    ball.name = std::to_string(node);
+    root_.children.push_back(std::move(ball));
   }
 
   void addTrusses() {
     const auto [min, max] = SceneKitView::strainExtremes(project_);
     const bool byStrain = view_.isStrainVisualizationActive.get();
     for (const TrussElement& truss : *project_.trussElements) {
-      if (!addTube(truss.id, truss.startNodeId, truss.endNodeId, trussRadius,
-                   byStrain ? SceneKitView::colorForStrain(truss.strain(), min, max) : trussColor)) {
+      if (!addTruss(truss, byStrain ? SceneKitView::colorForStrain(truss.strain(), min, max) : trussColor)) {
         printLine("Warning: Could not find coordinates or displacement for nodes of truss element " +
                   std::to_string(truss.id) + ".");
       }
@@ -114,8 +116,15 @@ class SceneBuilder {
   }
 
   void addBeams() {
-    for (const BeamElement& beam : *project_.beamElements)
-      addTube(beam.id, beam.startNodeId, beam.endNodeId, beamRadius, beamColor);
+    for (const BeamElement& beam : *project_.beamElements) addBeam(beam);
+  }
+
+  void addBeam(const BeamElement& beam) {
+    addTube(beam.id, beam.startNodeId, beam.endNodeId, SceneKitView::beamRadius, beamColor);
+  }
+
+  bool addTruss(const TrussElement& truss, const Color& color) {
+    return addTube(truss.id, truss.startNodeId, truss.endNodeId, trussRadius, color);
   }
 
   void addLoads() {
@@ -212,6 +221,16 @@ void SceneKitView::updateScene(Scene& scene) const {
   builder.addBeams();
   builder.addLoads();
   builder.addRestraints();
+}
+
+SceneNode SceneKitView::shapesOf(const std::vector<std::int64_t>& nodes, const std::vector<std::int64_t>& trusses,
+                                 const std::vector<std::int64_t>& beams) const {
+  SceneNode group;
+  SceneBuilder builder(*this, group);
+  for (const std::int64_t node : nodes) builder.addNode(node, nodeColor);
+  for (const std::int64_t i : trusses) builder.addTruss(at(*project->trussElements, i, "trussElements"), trussColor);
+  for (const std::int64_t i : beams) builder.addBeam(at(*project->beamElements, i, "beamElements"));
+  return group;
 }
 
 SceneNode SceneKitView::createCylinderNode(const Vector3& from, const Vector3& to, double radius) {

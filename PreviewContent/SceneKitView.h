@@ -34,6 +34,8 @@ class SceneKitView {
 
   class Coordinator;
 
+  static constexpr double beamRadius = 0.1;  ///< twice that of a truss
+
   std::shared_ptr<Project> project;
   SCNOptions options;
   Binding<std::optional<std::int64_t>> selectedNodeForSheet;
@@ -56,6 +58,11 @@ class SceneKitView {
   /// whose nodes are missing is left out with a warning on standard output, a beam silently. Negative node identifiers
   /// in elements are fatal.
   void updateScene(Scene& scene) const;
+
+  /// The balls and tubes of these nodes and elements, by position, as updateScene places them. What it leaves out is
+  /// left out here, too.
+  [[nodiscard]] SceneNode shapesOf(const std::vector<std::int64_t>& nodes, const std::vector<std::int64_t>& trusses,
+                                   const std::vector<std::int64_t>& beams) const;
 
   /// A tube from one point to the other. Its length is rounded to single precision.
   [[nodiscard]] static SceneNode createCylinderNode(const Vector3& from, const Vector3& to, double radius);

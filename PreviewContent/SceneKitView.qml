@@ -25,6 +25,8 @@ Item {
 
     signal nodeSelected(var node)
     signal elementSelected(var element)
+    signal nodeClicked(var node)
+    signal elementClicked(bool isBeam, var element)
 
     SceneContents {
         id: sceneContents
@@ -35,6 +37,8 @@ Item {
         paused: root.paused
         onNodeSelected: node => root.nodeSelected(node)
         onElementSelected: element => root.elementSelected(element)
+        onNodeClicked: node => root.nodeClicked(node)
+        onElementClicked: (isBeam, element) => root.elementClicked(isBeam, element)
     }
 
     ViewCamera {
@@ -106,6 +110,14 @@ Item {
 
             shape: ShapeGeometry.Cone
             instancing: sceneContents.cones
+        }
+        Shapes {
+            shape: ShapeGeometry.Ball
+            instancing: sceneContents.markedBalls
+        }
+        Shapes {
+            shape: ShapeGeometry.Tube
+            instancing: sceneContents.markedTubes
         }
         Shapes {
             shape: ShapeGeometry.Ball

@@ -26,6 +26,9 @@ Item {
     property alias showsElementNumbers: sceneView.showsElementNumbers
     readonly property alias camera: sceneView.camera
 
+    signal nodeClicked(var node)
+    signal elementClicked(bool isBeam, var element)
+
     onSelectedNodeChanged: showingNodeDetailSheet = projectViewModel.appMode === AppMode.normal && selectedNode !== null
     onSelectedElementChanged: showingElementDetailSheet = selectedElement !== null
     // Later, when a click has made both of its selections.
@@ -68,6 +71,8 @@ Item {
         isStrainVisualizationActive: root.isStrainVisualizationActive
         onNodeSelected: node => root.selectNode(node)
         onElementSelected: element => root.selectElement(element)
+        onNodeClicked: node => root.nodeClicked(node)
+        onElementClicked: (isBeam, element) => root.elementClicked(isBeam, element)
     }
 
     Text {

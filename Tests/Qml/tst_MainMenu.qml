@@ -57,9 +57,10 @@ TestCase {
 
     function test_items() {
         compare(texts(0), ["About Gavrel", "Check for Updates...", "-", "Quit"]);
-        compare(texts(1), ["New", "Open…", "-", "Restore Previous Structure", "-", "Save", "Save As…"]);
+        compare(texts(1), ["New", "Open…", "-", "Restore Previous Structure", "-", "Save", "Save As…", "-", "Import…", "-"]);
         compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "z Axis Upright", "-",
-                           "Show Strain", "Node Numbers", "Element Numbers", "Convergence…", "Rendering Statistics"]);
+                           "Show Strain", "Node Numbers", "Element Numbers", "Rendering Statistics"]);
+        compare(texts(3), ["Calculate", "Check Before Calculating", "Convergence…", "-", "Findings", "Node Table", "Element Table"]);
         compare(action(0, "Check for Updates...").shortcut, "Ctrl+U");
         action(0, "Check for Updates...").trigger();
         compare(updates.count, 1);
@@ -84,6 +85,20 @@ TestCase {
         verify(content.visualization.camera.zUp);
         content.visualization.camera.zUp = false;
         verify(!action(2, "z Axis Upright").checked);
+    }
+
+    function test_structureCommands() {
+        verify(action(3, "Check Before Calculating").checked);
+        action(3, "Check Before Calculating").trigger();
+        verify(!content.calculation.checks);
+        action(3, "Check Before Calculating").trigger();
+        verify(content.calculation.checks);
+        for (const [text, tab] of [["Findings", 0], ["Node Table", 1], ["Element Table", 2]]) {
+            content.dock.open = false;
+            action(3, text).trigger();
+            verify(content.dock.open);
+            compare(content.dock.currentTab, tab);
+        }
     }
 
     function test_newAsksBeforeItEmptiesTheStructure() {

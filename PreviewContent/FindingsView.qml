@@ -1,0 +1,151 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Gavrel.PreviewContent
+import Gavrel.Views
+
+/// What the check of the structure has found. A click on a finding points its nodes and elements out in the 3D area.
+Item {
+    id: root
+
+    required property Calculation calculation
+    property int selected: -1
+
+    function colorOf(consequence) {
+        return consequence === "Ends the program" ? "#c62f2f" : consequence === "Doubtful" ? "#6b7280" : "#b45f06";
+    }
+
+    function select(index) {
+        selected = index;
+        calculation.markFinding(index);
+    }
+
+    Connections {
+        target: root.calculation
+
+        function onFindingsChanged() {
+            root.selected = -1;
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        ListView {
+            id: list
+
+            objectName: "findings"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            model: root.calculation.findings
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+
+            delegate: Rectangle {
+                id: finding
+
+                required property int index
+                required property var modelData
+
+                width: list.width
+                height: row.implicitHeight + 16
+                color: index === root.selected ? Qt.alpha(root.palette.highlight, 0.18) : pointer.hovered ? root.palette.midlight : "transparent"
+
+                RowLayout {
+                    id: row
+
+                    anchors {
+                        left: parent.left
+                        right: parent.right
+                        verticalCenter: parent.verticalCenter
+                        leftMargin: 12
+                        rightMargin: 16
+                    }
+                    spacing: 12
+
+                    Rectangle {
+                        Layout.preferredWidth: 140
+                        implicitHeight: 22
+                        radius: 11
+                        color: root.colorOf(finding.modelData.consequence)
+
+                        Label {
+                            anchors.centerIn: parent
+                            text: finding.modelData.consequence
+                            font.pixelSize: 12
+                            font.bold: true
+                            color: "#ffffff"
+                        }
+                    }
+                    ColumnLayout {
+                        Layout.fillWidth: true
+                        spacing: 1
+
+                        Label {
+                            text: finding.modelData.title
+                            font.bold: true
+                        }
+                        Label {
+                            Layout.fillWidth: true
+                            text: finding.modelData.text
+                            wrapMode: Text.Wrap
+                            font.pixelSize: 13
+                        }
+                    }
+                    Button {
+                        objectName: "makeLinear"
+                        visible: finding.modelData.canMakeLinear
+                        text: qsTr("Make Linear")
+                        horizontalPadding: 10
+                        onClicked: root.calculation.makeLinear(finding.index)
+                    }
+                }
+                HoverHandler {
+                    id: pointer
+                }
+                TapHandler {
+                    onTapped: root.select(finding.index)
+                }
+            }
+        }
+
+        Label {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: list.count === 0
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            opacity: 0.7
+            text: qsTr("Nothing found so far. Calculate checks the structure.")
+        }
+
+        RowLayout {
+            Layout.margins: 8
+            visible: list.count > 0
+            spacing: 8
+
+            Label {
+                Layout.fillWidth: true
+                Layout.leftMargin: 4
+                elide: Text.ElideRight
+                opacity: 0.8
+                font.pixelSize: 12
+                text: qsTr("Nothing was solved. Click a finding to see where it is.")
+            }
+            Button {
+                objectName: "calculateAnyway"
+                text: qsTr("Calculate Anyway")
+                horizontalPadding: 12
+                onClicked: root.calculation.runAnyway()
+            }
+            ProminentButton {
+                objectName: "checkAgain"
+                text: qsTr("Check Again")
+                horizontalPadding: 12
+                onClicked: root.calculation.run()
+            }
+        }
+    }
+}

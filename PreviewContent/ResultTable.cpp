@@ -1,0 +1,125 @@
+#include "PreviewContent/ResultTable.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+void ResultTable::setProjectViewModel(ProjectViewModel* value) {
+  viewModel_ = value;
+  connect(value, &ProjectViewModel::projectChanged, this, &ResultTable::arrange);
+  arrange();
+}
+
+void ResultTable::setActive(bool value) {
+  active_ = value;
+  arrange();
+}
+
+void ResultTable::setSearch(const QString& value) {
+  if (value == search_) return;
+  search_ = value;
+  arrange();
+}
+
+int ResultTable::size() const {
+  if (!viewModel_) return 0;
+  return static_cast<int>(ofElements_ ? elementCount(project()) : project().nodeCount());
+}
+
+int ResultTable::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : rows();
+}
+
+int ResultTable::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(columns().size());
+}
+
+QVariant ResultTable::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || role != Qt::DisplayRole) return {};
+  return textAt(positionOf(index.row()), index.column());
+}
+
+QVariant ResultTable::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+  const std::string_view name = columns()[static_cast<std::size_t>(section)].name;
+  return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+}
+
+QHash<int, QByteArray> ResultTable::roleNames() const {
+  return {{Qt::DisplayRole, "display"}};
+}
+
+bool ResultTable::isOfNumbers(int column) const {
+  const std::string_view name = columns()[static_cast<std::size_t>(column)].name;
+  return name != "kind" && name != "state" && name != "held";
+}
+
+void ResultTable::sortBy(int column) {
+  descending_ = column == sortColumn_ && !descending_;
+  sortColumn_ = column;
+  arrange();
+}
+
+int ResultTable::rowOfElement(bool isBeam, qint64 element) const {
+  return rowOf(isBeam ? std::ssize(*project().trussElements) + element : element);
+}
+
+void ResultTable::mark(int row) const {
+  const std::int64_t position = positionOf(row);
+  const auto trusses = std::ssize(*project().trussElements);
+  if (!ofElements_)
+    viewModel_->setMarks({.nodes = {position}});
+  else if (position < trusses)
+    viewModel_->setMarks({.trusses = {position}});
+  else
+    viewModel_->setMarks({.beams = {position - trusses}});
+}
+
+QString ResultTable::textAt(std::int64_t position, int column) const {
+  constexpr int shownDigits = 6;
+  const Cell cell = columns()[static_cast<std::size_t>(column)].cell(project(), position);
+  if (const auto* number = std::get_if<double>(&cell)) return QString::number(*number, 'g', shownDigits);
+  return QString::fromStdString(textOf(cell));
+}
+
+int ResultTable::rowOf(qint64 position) const {
+  const auto found = std::ranges::find(positions_, position);
+  return found == positions_.end() ? -1 : static_cast<int>(found - positions_.begin());
+}
+
+void ResultTable::arrange() {
+  if (!active_ && positions_.empty()) return;
+  beginResetModel();
+  positions_.resize(active_ ? static_cast<std::size_t>(size()) : 0);
+  std::iota(positions_.begin(), positions_.end(), std::int64_t{0});
+  if (!search_.isEmpty())
+    std::erase_if(positions_, [this](std::int64_t position) {
+      for (int column = 0; column < columnCount(); ++column)
+        if (textAt(position, column).contains(search_, Qt::CaseInsensitive)) return false;
+      return true;
+    });
+  if (sortColumn_ >= 0) sortPositions();
+  endResetModel();
+  emit arranged();
+}
+
+void ResultTable::sortPositions() {
+  struct Key {
+    Cell cell;
+    std::int64_t position;
+
+    [[nodiscard]] bool isLast() const {
+      const auto* number = std::get_if<double>(&cell);
+      return cell.index() == 0 || (number != nullptr && std::isnan(*number));
+    }
+  };
+  std::vector<Key> keys;
+  keys.reserve(positions_.size());
+  for (const std::int64_t position : positions_)
+    keys.push_back({columns()[static_cast<std::size_t>(sortColumn_)].cell(project(), position), position});
+  std::ranges::stable_sort(keys, [this](const Key& a, const Key& b) {
+    if (a.isLast() || b.isLast()) return !a.isLast() && b.isLast();
+    return descending_ ? b.cell < a.cell : a.cell < b.cell;
+  });
+  std::ranges::transform(keys, positions_.begin(), &Key::position);
+}

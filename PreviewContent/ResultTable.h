@@ -1,0 +1,78 @@
+#pragma once
+
+#include <qqml.h>
+#include <QAbstractTableModel>
+#include <QPointer>
+#include <QString>
+#include <span>
+#include <vector>
+
+#include "Exchange/TableColumn.h"
+#include "PreviewContent/ProjectViewModel.h"
+
+/// The nodes or the elements of the project as a table that its user sorts and searches. It follows the project while
+/// it is `active`. A row of the table is one thing, the position of its node or element another.
+class ResultTable : public QAbstractTableModel {
+  Q_OBJECT
+  QML_ELEMENT
+  Q_PROPERTY(
+      ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel NOTIFY arranged REQUIRED)
+  Q_PROPERTY(bool ofElements MEMBER ofElements_ NOTIFY arranged)
+  Q_PROPERTY(bool active READ active WRITE setActive NOTIFY arranged)
+  Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY arranged)
+  Q_PROPERTY(int sortColumn READ sortColumn NOTIFY arranged)
+  Q_PROPERTY(bool descending READ descending NOTIFY arranged)
+  Q_PROPERTY(int rows READ rows NOTIFY arranged)
+  Q_PROPERTY(int size READ size NOTIFY arranged)
+
+ public:
+  using QAbstractTableModel::QAbstractTableModel;
+
+  [[nodiscard]] ProjectViewModel* projectViewModel() const { return viewModel_; }
+  void setProjectViewModel(ProjectViewModel* value);
+  [[nodiscard]] bool active() const { return active_; }
+  void setActive(bool value);
+  [[nodiscard]] QString search() const { return search_; }
+  /// Shows only rows with a cell that contains the text, whatever its case.
+  void setSearch(const QString& value);
+  [[nodiscard]] int sortColumn() const { return sortColumn_; }
+  [[nodiscard]] bool descending() const { return descending_; }
+  [[nodiscard]] int rows() const { return static_cast<int>(positions_.size()); }
+  [[nodiscard]] int size() const;  ///< rows without a search
+
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                    int role = Qt::DisplayRole) const override;
+  [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+  /// Whether the column is to be set flush right.
+  [[nodiscard]] Q_INVOKABLE bool isOfNumbers(int column) const;
+
+  /// Sorts by a column, or the other way round if it is sorted by it. What is empty or not a number comes last.
+  Q_INVOKABLE void sortBy(int column);
+  [[nodiscard]] Q_INVOKABLE qint64 positionOf(int row) const { return positions_[static_cast<std::size_t>(row)]; }
+  /// -1 if it is not shown.
+  [[nodiscard]] Q_INVOKABLE int rowOf(qint64 position) const;
+  [[nodiscard]] Q_INVOKABLE int rowOfElement(bool isBeam, qint64 element) const;
+  /// Points the row's node or element out in the 3D area.
+  Q_INVOKABLE void mark(int row) const;
+
+ signals:
+  void arranged();
+
+ private:
+  [[nodiscard]] const Project& project() const { return **viewModel_->project; }
+  [[nodiscard]] std::span<const TableColumn> columns() const { return ofElements_ ? elementColumns() : nodeColumns(); }
+  [[nodiscard]] QString textAt(std::int64_t position, int column) const;
+  void arrange();
+  void sortPositions();
+
+  QPointer<ProjectViewModel> viewModel_;
+  bool ofElements_ = false;
+  bool active_ = false;
+  QString search_;
+  int sortColumn_ = -1;  // none: in the order of the project
+  bool descending_ = false;
+  std::vector<std::int64_t> positions_;  // of each row
+};

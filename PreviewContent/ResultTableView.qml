@@ -1,0 +1,170 @@
+import QtQuick
+import QtQuick.Controls
+import Gavrel.PreviewContent
+
+/// A table of nodes or elements. A click on a heading sorts, a click on a row points it out in the 3D area; the arrow
+/// keys go from row to row.
+Item {
+    id: root
+
+    required property ResultTable table
+    property int selectedPosition: -1
+    // Depends on `rows`, which is announced whenever the rows are arranged anew.
+    readonly property int selectedRow: table.rows > 0 && selectedPosition >= 0 ? table.rowOf(selectedPosition) : -1
+
+    readonly property int rowHeight: 22
+    readonly property var widths: table.ofElements ? [200, 70, 60, 60, 90, 100, 100, 55, 90, 110, 110, 90, 90]
+        : [60, 90, 90, 90, 80, 80, 80, 80, 80, 80, 110, 105, 105, 105, 105, 105, 105]
+
+    function select(row) {
+        if (row < 0 || row >= table.rows)
+            return;
+        selectedPosition = table.positionOf(row);
+        table.mark(row);
+        show(row);
+    }
+
+    function show(row) {
+        const top = row * rowHeight;
+        if (top < view.contentY)
+            view.contentY = top;
+        else if (top + rowHeight > view.contentY + view.height)
+            view.contentY = top + rowHeight - view.height;
+    }
+
+    function showNode(node) {
+        select(table.rowOf(node));
+    }
+
+    function showElement(isBeam, element) {
+        select(table.rowOfElement(isBeam, element));
+    }
+
+    Connections {
+        target: root.table.projectViewModel
+
+        function onProjectLoaded() {
+            root.selectedPosition = -1;
+        }
+    }
+
+    Item {
+        id: headings
+
+        width: parent.width
+        height: 26
+        clip: true
+
+        Row {
+            x: -view.contentX
+
+            Repeater {
+                model: root.widths
+
+                Rectangle {
+                    id: heading
+
+                    required property int index
+                    required property int modelData
+                    readonly property bool sorted: root.table.sortColumn === index
+
+                    objectName: "heading" + index
+                    width: modelData
+                    height: headings.height
+                    color: pointer.hovered ? root.palette.midlight : root.palette.button
+
+                    Label {
+                        anchors {
+                            fill: parent
+                            leftMargin: 6
+                            rightMargin: 6
+                        }
+                        text: root.table.headerData(heading.index, Qt.Horizontal)
+                            + (heading.sorted ? (root.table.descending ? " ▼" : " ▲") : "")
+                        horizontalAlignment: root.table.isOfNumbers(heading.index) ? Text.AlignRight : Text.AlignLeft
+                        verticalAlignment: Text.AlignVCenter
+                        elide: Text.ElideRight
+                        font.pixelSize: 12
+                        font.bold: heading.sorted
+                    }
+                    Rectangle {
+                        anchors.right: parent.right
+                        width: 1
+                        height: parent.height
+                        color: root.palette.mid
+                        opacity: 0.5
+                    }
+                    HoverHandler {
+                        id: pointer
+                    }
+                    TapHandler {
+                        onTapped: root.table.sortBy(heading.index)
+                    }
+                }
+            }
+        }
+    }
+
+    TableView {
+        id: view
+
+        objectName: "table"
+        anchors {
+            top: headings.bottom
+            left: parent.left
+            right: parent.right
+            bottom: parent.bottom
+        }
+        clip: true
+        focus: true
+        model: root.table
+        boundsBehavior: Flickable.StopAtBounds
+        rowHeightProvider: () => root.rowHeight
+        columnWidthProvider: column => root.widths[column]
+        ScrollBar.vertical: ScrollBar {}
+        ScrollBar.horizontal: ScrollBar {}
+        Keys.onUpPressed: root.select(Math.max(0, root.selectedRow - 1))
+        Keys.onDownPressed: root.select(Math.min(root.table.rows - 1, root.selectedRow + 1))
+
+        delegate: Rectangle {
+            id: cell
+
+            required property int row
+            required property int column
+            required property string display
+            readonly property bool selected: row === root.selectedRow
+
+            implicitWidth: 60
+            implicitHeight: root.rowHeight
+            color: selected ? root.palette.highlight : row % 2 === 1 ? root.palette.alternateBase : root.palette.base
+
+            Label {
+                anchors {
+                    fill: parent
+                    leftMargin: 6
+                    rightMargin: 6
+                }
+                text: cell.display
+                textFormat: Text.PlainText
+                horizontalAlignment: root.table.isOfNumbers(cell.column) ? Text.AlignRight : Text.AlignLeft
+                verticalAlignment: Text.AlignVCenter
+                elide: Text.ElideRight
+                font.pixelSize: 12
+                color: cell.selected ? root.palette.highlightedText : root.palette.text
+            }
+            TapHandler {
+                onTapped: {
+                    view.forceActiveFocus();
+                    root.select(cell.row);
+                }
+            }
+        }
+    }
+
+    Label {
+        anchors.centerIn: view
+        visible: root.table.rows === 0
+        opacity: 0.7
+        text: root.table.size > 0 ? qsTr("Nothing matches the search") : root.table.ofElements ? qsTr("No elements yet") : qsTr("No nodes yet")
+    }
+}
