@@ -20,6 +20,11 @@ Item {
         calculation.markFinding(index);
     }
 
+    function makeLinear(index) {
+        calculation.makeLinear(index);
+        calculation.run();
+    }
+
     Connections {
         target: root.calculation
 
@@ -99,7 +104,8 @@ Item {
                         visible: finding.modelData.canMakeLinear
                         text: qsTr("Make Linear")
                         horizontalPadding: 10
-                        onClicked: root.calculation.makeLinear(finding.index)
+                        // Later, since checking again makes the list, and this button with it, anew.
+                        onClicked: Qt.callLater(root.makeLinear, finding.index)
                     }
                 }
                 HoverHandler {

@@ -74,9 +74,8 @@ TestCase {
         compare(content.calculation.findings.map(finding => finding.title), ["Compressed non-linear bars"]);
         tryVerify(() => findChild(content, "makeLinear") !== null);
         mouseClick(findChild(content, "makeLinear"));
+        tryVerify(() => content.calculation.converged);
         verify(!model.trussContents(0).isNonLinear && !model.trussContents(1).isNonLinear);
-        compare(printed(() => content.calculation.run())[1], "1.0");
-        verify(content.calculation.converged);
         compare(content.calculation.findings, []);
     }
 
