@@ -44,6 +44,10 @@ constexpr Line lines[] = {
     {"scene and tables", "ms"},
     {"scene and tables / bar", "ns"},
     {"slowest of 50 picks", "ms"},
+    {"check and solve", "s"},
+    {"check and solve / solve", ""},
+    {"sort elements", "ms"},
+    {"search elements", "ms"},
     {"user held up", "ms"},
     {"until on disk", "ms"},
 };

@@ -64,7 +64,7 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
   if (const auto& lonely = connectivity.nodesWithoutElements; !lonely.empty())
     add({EndsProgram, "Nodes without elements",
          "Nothing joins " + listed("node", lonely) +
-             " to the structure, and a solve ends the program: let a bar join each, or take it out of the file.",
+             " to the structure, and a solve ends the program: join every node with a bar, or take it out of the file.",
          lonely});
   addBeams(EndsProgram, "Beams without length", connectivity.zeroLengthBeams,
            "a solve ends the program, since both ends lie in the same place: join other nodes.");

@@ -118,6 +118,7 @@ std::vector<Finding> explainResidual(const Project& project) {
       touchedByBeam[static_cast<std::size_t>(node)] = true;
 
   Positions byBeams;
+  Positions byNothing;
   Positions others;
   double largest = 0;
   bool supportsMove = false;
@@ -127,7 +128,8 @@ std::vector<Finding> explainResidual(const Project& project) {
     supportsMove = supportsMove || (restrained && left > 0);
     if (restrained || left <= tolerated) continue;
     const std::int64_t node = dof / dofsPerNode;
-    Positions& nodes = touchedByBeam[static_cast<std::size_t>(node)] ? byBeams : others;
+    const bool unanswered = entry(project.R_I, dof) == entry(*project.F_I, dof);
+    Positions& nodes = touchedByBeam[static_cast<std::size_t>(node)] ? byBeams : unanswered ? byNothing : others;
     if (nodes.empty() || nodes.back() != node) nodes.push_back(node);
     if (!(left <= largest)) largest = left;
   }
@@ -139,7 +141,13 @@ std::vector<Finding> explainResidual(const Project& project) {
              " is carried by beams, which answer with stiffness but with no force, so that the solve adds "
              "its displacements anew in each step: carry it by bars.",
          byBeams});
-  if (!others.empty() && !supportsMove)
+  if (!byNothing.empty())
+    findings.push_back({NeverConverges, "Loads that nothing resists",
+                        "No element has stiffness in the direction of a load at " + listed("node", byNothing) +
+                            ", so that the solver lends it some and moves it further in each step: brace it, or remove "
+                            "the load.",
+                        byNothing});
+  if (!others.empty() && byNothing.empty() && !supportsMove)
     findings.push_back({NeverConverges, "No equilibrium",
                         "After " + std::to_string(Project::iterationLimit) + " steps forces of up to " +
                             numberText(largest) + " are left over at " + listed("node", others) +

@@ -16,7 +16,7 @@ QString report(const std::optional<Failure>& failure, const std::filesystem::pat
     return {};
   }
   printLine("Failed to export: " + failure->reason);
-  return QString::fromStdString(failure->reason);
+  return FileExchange::tr("Nothing was exported.\n\n%1").arg(QString::fromStdString(failure->reason));
 }
 
 }  // namespace

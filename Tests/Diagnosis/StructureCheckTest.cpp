@@ -249,6 +249,12 @@ INSTANTIATE_TEST_SUITE_P(
               "at node 2 in translation along y",
               {2},
               {1, 2}},
+        Fault{"LoadThatNothingResists",
+              [](Project& p) { p.F_I.edit()[14] = 1; },
+              NeverConverges,
+              "Loads that nothing resists",
+              "direction of a load at node 2",
+              {2}},
         Fault{"LoadCarriedByBeam",
               [](Project& p) {
                 p.addNode({-3, 0, 0});

@@ -1,0 +1,32 @@
+#include <benchmark/benchmark.h>
+
+#include <stdexcept>
+
+#include "Benchmarks/BenchmarkLattice.h"
+#include "Benchmarks/Stopwatch.h"
+#include "Diagnosis/StructureCheck.h"
+
+namespace {
+
+/// What looking at a structure costs beside its solve, of which the check is one.
+void check(benchmark::State& state) {
+  const auto project = benchmarkLattice(static_cast<int>(state.range(0))).build();
+  for ([[maybe_unused]] auto _ : state) {
+    Stopwatch watch;
+    const auto found = StructureCheck::of(*project);
+    const double checked = watch.lap();
+    const auto outcome = project->trySolve();
+    const double solved = watch.lap();
+    if (!found.findings.empty() || outcome.fault) throw std::runtime_error("the lattice is sound");
+    state.counters["bars"] = static_cast<double>(project->trussElements->size());
+    state.counters["check and solve"] = checked;
+    state.counters["solve"] = solved;
+    state.counters["check and solve / solve"] = checked / solved;
+  }
+}
+
+BENCHMARK(check)->Arg(10)->Iterations(1)->Repetitions(9);
+BENCHMARK(check)->Arg(20)->Iterations(1)->Repetitions(9);
+BENCHMARK(check)->Arg(30)->Iterations(1)->Repetitions(3);
+
+}  // namespace

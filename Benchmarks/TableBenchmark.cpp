@@ -1,0 +1,34 @@
+#include <benchmark/benchmark.h>
+
+#include "Benchmarks/BenchmarkLattice.h"
+#include "Benchmarks/Stopwatch.h"
+#include "PreviewContent/ResultTable.h"
+
+namespace {
+
+constexpr int forceColumn = 6;
+constexpr double milli = 1e-3;
+
+/// What sorting and searching the elements costs, a text that occurs nowhere being the longest search.
+void table(benchmark::State& state) {
+  ProjectViewModel viewModel;
+  viewModel.setProject(benchmarkLattice(static_cast<int>(state.range(0))).build());
+  ResultTable elements;
+  elements.setProperty("ofElements", true);
+  elements.setProjectViewModel(&viewModel);
+  elements.setActive(true);
+  for ([[maybe_unused]] auto _ : state) {
+    Stopwatch watch;
+    elements.sortBy(forceColumn);
+    state.counters["sort elements"] = watch.lap() / milli;
+    elements.setSearch("nowhere");
+    state.counters["search elements"] = watch.lap() / milli;
+    elements.setSearch("");
+    state.counters["bars"] = elements.rows();
+  }
+}
+
+BENCHMARK(table)->Arg(20)->Iterations(1)->Repetitions(5);
+BENCHMARK(table)->Arg(40)->Iterations(1)->Repetitions(3);
+
+}  // namespace
