@@ -35,3 +35,10 @@ std::string directionOf(std::int64_t dof) {
   const std::string whole = describeDof(dof);
   return whole.substr(whole.find(", ") + 2);
 }
+
+std::vector<std::int64_t> markedOf(const std::vector<bool>& marked) {
+  std::vector<std::int64_t> positions;
+  for (std::size_t i = 0; i < marked.size(); ++i)
+    if (marked[i]) positions.push_back(static_cast<std::int64_t>(i));
+  return positions;
+}

@@ -31,3 +31,6 @@ struct Finding {
 
 /// "translation along x" for the number of a degree of freedom.
 [[nodiscard]] std::string directionOf(std::int64_t dof);
+
+/// The positions that are true.
+[[nodiscard]] std::vector<std::int64_t> markedOf(const std::vector<bool>& marked);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "Diagnosis/StructureCheck.h"
 
@@ -32,6 +33,18 @@ Positions nodesLoadedAgainstRestraint(const Project& project) {
   return found;
 }
 
+/// Nodes with a coordinate or a load that is infinite or not a number.
+Positions nodesWithoutNumbers(const Project& project) {
+  std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
+  const auto mark = [&marked](const std::vector<double>& array, std::size_t perNode) {
+    for (std::size_t i = 0; i < array.size() && i / perNode < marked.size(); ++i)
+      if (!std::isfinite(array[i])) marked[i / perNode] = true;
+  };
+  mark(*project.X_I, 3);
+  mark(*project.F_I, dofsPerNode);
+  return markedOf(marked);
+}
+
 Finding missingEntries(const Project& project) {
   return {EndsProgram, "Missing loads or restraints",
           "There are " + std::to_string(project.F_I->size()) + " loads and " + std::to_string(project.D_I->size()) +
@@ -57,6 +70,11 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
     return {{EndsProgram, "No elements",
              "The structure has neither bars nor beams, and a solve ends the program: join its nodes."}};
   if (std::ssize(*project.F_I) < project.nI || std::ssize(*project.D_I) < project.nI) add(missingEntries(project));
+  if (const auto nodes = nodesWithoutNumbers(project); !nodes.empty())
+    add({Meaningless, "Numbers that are none",
+         "A coordinate or a load of " + listed("node", nodes) +
+             " is infinite or not a number, and a solve ends the program or means nothing: enter a number.",
+         nodes});
   const char* unknown =
       "a solve ends the program, since one of the ends is a node that does not exist: correct the file.";
   addTrusses(EndsProgram, "Unknown nodes", connectivity.trussesWithUnknownNodes, unknown);

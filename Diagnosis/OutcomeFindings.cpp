@@ -26,13 +26,6 @@ Positions barsAt(const Project& project, const std::vector<bool>& marked, Predic
   return found;
 }
 
-Positions markedOf(const std::vector<bool>& marked) {
-  Positions nodes;
-  for (std::size_t node = 0; node < marked.size(); ++node)
-    if (marked[node]) nodes.push_back(static_cast<std::int64_t>(node));
-  return nodes;
-}
-
 bool isCompressedNonLinear(const TrussElement& truss) {
   return truss.isNonLinear && truss.axialForce() < 0;
 }
@@ -111,6 +104,7 @@ std::vector<Finding> explainResidual(const Project& project) {
   double squares = 0;
   for (const double load : *project.F_I) squares += load * load;
   const double tolerated = Project::convergenceTolerance * std::sqrt(squares);
+  if (!std::isfinite(tolerated)) return {};  // the loads themselves are at fault
 
   std::vector<bool> touchedByBeam(static_cast<std::size_t>(project.nodeCount()));
   for (const BeamElement& beam : *project.beamElements)

@@ -151,7 +151,7 @@ Item {
         anchors.fill: parent
         keys: ["text/uri-list"]
         onDropped: drop => {
-            const urls = drop.urls;
+            const urls = drop.urls.map(url => url);  // the event's own list goes with it
             if (urls.every(url => /\.(csv|dxf)$/i.test(url)))
                 root.filesToImport = urls;
             else if (urls.length === 1)
@@ -367,7 +367,7 @@ Item {
         title: qsTr("Import Tables and Drawings")
         fileMode: FileDialog.OpenFiles
         nameFilters: [qsTr("Tables and drawings (*.csv *.CSV *.txt *.dxf *.DXF)")]
-        onAccepted: root.filesToImport = selectedFiles
+        onAccepted: root.filesToImport = selectedFiles.map(file => file)
     }
 
     FileDialog {

@@ -114,6 +114,12 @@ INSTANTIATE_TEST_SUITE_P(
               "bar 1",
               {},
               {1}},
+        Fault{"NotANumber",
+              [](Project& p) { p.F_I.edit()[12] = std::nan(""); },
+              Meaningless,
+              "Numbers that are none",
+              "load of node 2 is",
+              {2}},
         Fault{"LonelyLastNode", addLonelyNode, EndsProgram, "Nodes without elements", "joins node 3", {3}},
         Fault{"LonelyFirstNode",
               [](Project& p) {

@@ -4,13 +4,14 @@
 #include <QQmlEngine>
 
 #include "CapturedOutput.h"
+#include "Drops.h"
 #include "UpdateStates.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 
-/// Lets the tests import the program's QML modules and read what it prints ("standardOutput"), and
-/// bring an update manager into its states ("updates").
+/// Lets the tests import the program's QML modules and read what it prints ("standardOutput"),
+/// bring an update manager into its states ("updates"), and drop files ("drops").
 class Setup : public QObject {
   Q_OBJECT
 
@@ -19,11 +20,13 @@ class Setup : public QObject {
     engine->addImportPath("qrc:/qt/qml");
     engine->rootContext()->setContextProperty("standardOutput", &output_);
     engine->rootContext()->setContextProperty("updates", &updates_);
+    engine->rootContext()->setContextProperty("drops", &drops_);
   }
 
  private:
   CapturedOutput output_;
   UpdateStates updates_;
+  Drops drops_;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(qml_tests, Setup)

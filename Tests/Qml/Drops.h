@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QUrl>
+
+/// Drops files on the middle of an item, as the window system would.
+class Drops : public QObject {
+  Q_OBJECT
+
+ public:
+  Q_INVOKABLE void drop(QQuickItem* item, const QList<QUrl>& files) {
+    const QPointF place = item->mapToScene({item->width() / 2, item->height() / 2});
+    QMimeData data;
+    data.setUrls(files);
+    QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDragMoveEvent move(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent dropped(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    for (QEvent* event : {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move), static_cast<QEvent*>(&dropped)})
+      QCoreApplication::sendEvent(item->window(), event);
+  }
+};
