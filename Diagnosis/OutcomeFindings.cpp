@@ -13,15 +13,14 @@ double diagonalOf(const Project& project, std::int64_t dof) {
   return project.H_II.values[static_cast<std::size_t>(project.H_II.starts[static_cast<std::size_t>(dof)])];
 }
 
-/// Positions of the bars for which the predicate holds and one of whose nodes is marked.
-template <class Predicate>
-Positions barsAt(const Project& project, const std::vector<bool>& marked, Predicate&& predicate) {
+/// Positions of the elements for which the predicate holds and one of whose nodes is marked.
+template <class Element, class Predicate>
+Positions elementsAt(const std::vector<bool>& marked, const std::vector<Element>& elements, Predicate&& predicate) {
   Positions found;
-  const auto& trusses = *project.trussElements;
-  for (std::size_t i = 0; i < trusses.size(); ++i) {
-    const bool touches = marked[static_cast<std::size_t>(trusses[i].startNodeId)] ||
-                         marked[static_cast<std::size_t>(trusses[i].endNodeId)];
-    if (touches && predicate(trusses[i])) found.push_back(static_cast<std::int64_t>(i));
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    const bool touches = marked[static_cast<std::size_t>(elements[i].startNodeId)] ||
+                         marked[static_cast<std::size_t>(elements[i].endNodeId)];
+    if (touches && predicate(elements[i])) found.push_back(static_cast<std::int64_t>(i));
   }
   return found;
 }
@@ -38,7 +37,7 @@ Finding explainNotPositive(const Project& project, const SolveFault& fault) {
   const std::string where = "In step " + std::to_string(fault.step) + " the stiffness of node " +
                             std::to_string(*fault.dof / dofsPerNode) + " in " + directionOf(*fault.dof) + " becomes " +
                             numberText(diagonalOf(project, *fault.dof));
-  const auto compressed = barsAt(project, marked, isCompressedNonLinear);
+  const auto compressed = elementsAt(marked, *project.trussElements, isCompressedNonLinear);
   if (!compressed.empty())
     return {EndsProgram,
             "Compressed non-linear bars",
@@ -48,12 +47,21 @@ Finding explainNotPositive(const Project& project, const SolveFault& fault) {
             compressed,
             {},
             true};
-  const auto out = barsAt(project, marked, [](const TrussElement& truss) { return truss.isOut(); });
+  const auto out = elementsAt(marked, *project.trussElements, [](const TrussElement& truss) { return truss.isOut(); });
   if (!out.empty())
     return {EndsProgram, "Compression-only bars have dropped out",
             where + ", since " + listed("bar", out) +
                 " took tension and dropped out, and a solve ends the program: hold the node otherwise.",
             markedOf(marked), out};
+  const auto turned = elementsAt(marked, *project.beamElements, [](const BeamElement& beam) { return beam.dXx < 0; });
+  if (!turned.empty())
+    return {EndsProgram,
+            "Stiffness that is not positive",
+            where + ", since " + listed("beam", turned) + (turned.size() == 1 ? " is" : " are") +
+                " the wrong way round, and a solve ends the program: let the start be at the larger x.",
+            markedOf(marked),
+            {},
+            turned};
   return {EndsProgram, "Stiffness that is not positive",
           where + ", and a solve ends the program: look for negative areas or moduli.", markedOf(marked)};
 }
@@ -71,7 +79,7 @@ Finding explainUnstable(const Project& project, std::int64_t dof, int step, Find
             {node}};
   std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
   marked[static_cast<std::size_t>(node)] = true;
-  const auto compressed = barsAt(project, marked, isCompressedNonLinear);
+  const auto compressed = elementsAt(marked, *project.trussElements, isCompressedNonLinear);
   return {
       consequence,
       "Loss of stability",

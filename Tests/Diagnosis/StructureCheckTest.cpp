@@ -329,6 +329,18 @@ TEST(StructureCheck, SeesSupportsFromAnyDirection) {
   EXPECT_THAT(StructureCheck::of(row).findings, IsEmpty());
 }
 
+TEST(StructureCheck, BlamesABeamThatIsTheWrongWayRound) {
+  Triangle project;
+  project.addNode({-3, 0, 0});
+  addBeam(project, 3, 0, 1000, false);
+  const auto findings = StructureCheck::of(project).findings;
+  ASSERT_EQ(findings.size(), 2u);
+  EXPECT_EQ(findings[0].title, "Beams the wrong way round");
+  EXPECT_EQ(findings[1].consequence, EndsProgram);
+  EXPECT_THAT(findings[1].text, HasSubstr("since beam 0 is the wrong way round"));
+  EXPECT_THAT(findings[1].beams, ElementsAre(0));
+}
+
 TEST(StructureCheck, TellsOfEveryFaultThatItCanSee) {
   Triangle project;
   addBar(project, 0, 1, 5);
