@@ -138,7 +138,8 @@ Item {
                 elide: Text.ElideRight
                 opacity: 0.8
                 font.pixelSize: 12
-                text: qsTr("Nothing was solved. Click a finding to see where it is.")
+                text: (root.calculation.outcome !== "" ? qsTr("Solved in spite of this.") : qsTr("Nothing was solved.")) + " "
+                    + qsTr("Click a finding to see where it is.")
             }
             Button {
                 objectName: "calculateAnyway"
