@@ -3,7 +3,6 @@
 #include <cmath>
 #include <utility>
 
-#include "Platform/AtomicFile.h"
 #include "Platform/FileBytes.h"
 #include "Platform/JsonReader.h"
 #include "Platform/NumberText.h"
@@ -129,6 +128,11 @@ Result<std::string> encodeProject(const Project& project) {
   return json.take();
 }
 
+void encodeProject(const Project& project, const ByteSink& sink) {
+  JsonWriter json(sink);
+  write(json, project);
+}
+
 Result<std::shared_ptr<Project>> decodeProject(std::string json) {
   try {
     Contents contents;
@@ -141,10 +145,7 @@ Result<std::shared_ptr<Project>> decodeProject(std::string json) {
 
 std::optional<Failure> writeProject(const Project& project, const std::filesystem::path& path) {
   if (auto fault = whyNotEncodable(project)) return fault;
-  return replaceFile(path, [&project](const ByteSink& sink) {
-    JsonWriter json(sink);
-    write(json, project);
-  });
+  return replaceFile(path, [&project](const ByteSink& sink) { encodeProject(project, sink); });
 }
 
 Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "DataModel/Project.h"
+#include "Platform/AtomicFile.h"
 #include "Platform/JsonWriter.h"
 #include "Platform/Result.h"
 
@@ -15,6 +16,9 @@
 /// The project as JSON text: name, elements with all stored fields, coordinates, loads and restraints. Fails if the
 /// project cannot be encoded.
 [[nodiscard]] Result<std::string> encodeProject(const Project& project);
+
+/// The same, handed to the sink piece by piece. The project must be one that can be encoded.
+void encodeProject(const Project& project, const ByteSink& sink);
 
 /// The project that `json` describes. Element fields are taken as stored; displacements and work arrays are zeros.
 /// Fails as a whole, telling the key and element, or line and column where the text is not JSON.

@@ -1,6 +1,7 @@
 #include "Exchange/TableColumn.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
 
 #include "Platform/NumberText.h"
@@ -107,12 +108,14 @@ Cell stateOf(const TrussElement& truss) {
 
 /// What EAL3 was made from: the shortest number near it that gives the same EAL3, if there is one.
 double youngModulusOf(const TrussElement& truss) {
-  const double L = length({truss.dXx, truss.dXy, truss.dXz});
-  const double E = truss.EAL3 * std::pow(L, 3.0) / truss.area;
+  constexpr int digits = 13;
+  const double L3 = std::pow(length({truss.dXx, truss.dXy, truss.dXz}), 3.0);
+  const double E = truss.EAL3 * L3 / truss.area;
   std::array<char, 32> shortened{};
-  std::snprintf(shortened.data(), shortened.size(), "%.13g", E);
-  const auto rounded = parseNumber(shortened.data());
-  return rounded && truss.area * *rounded / std::pow(L, 3.0) == truss.EAL3 ? *rounded : E;
+  const auto* end = std::to_chars(shortened.begin(), shortened.end(), E, std::chars_format::general, digits).ptr;
+  double rounded = E;
+  std::from_chars(shortened.begin(), end, rounded);
+  return truss.area * rounded / L3 == truss.EAL3 ? rounded : E;
 }
 
 Cell youngModulus(const Project& project, std::int64_t row) {

@@ -8,9 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
-#include "Platform/FileBytes.h"
 
 namespace fs = std::filesystem;
 
@@ -36,13 +34,6 @@ std::vector<fs::path> filesIn(const fs::path& folder) {
   std::vector<fs::path> files;
   for (auto& [time, file] : found) files.push_back(std::move(file));
   return files;
-}
-
-QString writeRecovery(const fs::path& file, const RecoveredProject& content) {
-  const auto text = encodeRecovery(content);
-  if (!text) return QString::fromStdString(text.failure().reason);
-  const auto failure = replaceFile(file, *text);
-  return failure ? QString::fromStdString(failure->reason) : QString();
 }
 
 }  // namespace
@@ -86,9 +77,10 @@ void Recovery::write() {
   writing_ = true;
   RecoveredProject content{(*viewModel_.project)->copy(), viewModel_.currentFileUrl, QDateTime::currentDateTime()};
   writer_.start([this, content = std::move(content)] {
-    const QString failure = writeRecovery(file_, content);
+    const auto failure = writeRecovery(file_, content);
+    const auto reason = failure ? QString::fromStdString(failure->reason) : QString();
     QMetaObject::invokeMethod(
-        this, [this, failure] { written(failure); }, Qt::QueuedConnection);
+        this, [this, reason] { written(reason); }, Qt::QueuedConnection);
   });
 }
 
@@ -133,8 +125,7 @@ void Recovery::look(int furtherTries) {
     auto lock = FileLock::take(lockOf(file));
     locked |= !lock;
     if (!lock) continue;
-    const auto text = readFile(file);
-    auto content = text ? decodeRecovery(*text) : Result<RecoveredProject>(text.failure());
+    auto content = readRecovery(file);
     if (!content) {
       printWarning("the recovery file " + file.string() + " is left alone: " + content.failure().reason);
       continue;

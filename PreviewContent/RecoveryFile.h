@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <string>
 
 #include "DataModel/Project.h"
 #include "Platform/Result.h"
@@ -17,9 +16,10 @@ struct RecoveredProject {
   QDateTime time;                             ///< of its last change
 };
 
-/// The text of a recovery file: a line that tells of the rest and carries its checksum, then the project. Fails if the
-/// project cannot be encoded.
-[[nodiscard]] Result<std::string> encodeRecovery(const RecoveredProject& recovered);
+/// Replaces the recovery file in one step: a line that tells of file and time, the project, and a checksum of both.
+/// Returns the reason when nothing was replaced.
+[[nodiscard]] std::optional<Failure> writeRecovery(const std::filesystem::path& path,
+                                                   const RecoveredProject& recovered);
 
-/// The same read back. Fails, with the reason, on any text but one that encodeRecovery wrote, whole and unchanged.
-[[nodiscard]] Result<RecoveredProject> decodeRecovery(const std::string& text);
+/// The same read back. Fails, with the reason, on any file but one that writeRecovery wrote, whole and unchanged.
+[[nodiscard]] Result<RecoveredProject> readRecovery(const std::filesystem::path& path);

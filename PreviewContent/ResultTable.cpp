@@ -1,8 +1,26 @@
 #include "PreviewContent/ResultTable.h"
 
+#include <QtConcurrentFilter>
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <numeric>
+
+namespace {
+
+/// In lower case, as searches want it.
+std::string shownText(const Cell& cell) {
+  constexpr int shownDigits = 6;
+  const auto* number = std::get_if<double>(&cell);
+  if (number == nullptr || !std::isfinite(*number)) return textOf(cell);
+  std::array<char, 32> text{};
+  const double shown = *number + 0.0;  // without the sign of a negative zero
+  char* const end = std::to_chars(text.begin(), text.end(), shown, std::chars_format::general, shownDigits).ptr;
+  return {text.begin(), end};
+}
+
+}  // namespace
 
 void ResultTable::setProjectViewModel(ProjectViewModel* value) {
   viewModel_ = value;
@@ -76,10 +94,7 @@ void ResultTable::mark(int row) const {
 }
 
 QString ResultTable::textAt(std::int64_t position, int column) const {
-  constexpr int shownDigits = 6;
-  const Cell cell = columns()[static_cast<std::size_t>(column)].cell(project(), position);
-  if (const auto* number = std::get_if<double>(&cell)) return QString::number(*number, 'g', shownDigits);
-  return QString::fromStdString(textOf(cell));
+  return QString::fromStdString(shownText(columns()[static_cast<std::size_t>(column)].cell(project(), position)));
 }
 
 int ResultTable::rowOf(qint64 position) const {
@@ -93,10 +108,10 @@ void ResultTable::arrange() {
   positions_.resize(active_ ? static_cast<std::size_t>(size()) : 0);
   std::iota(positions_.begin(), positions_.end(), std::int64_t{0});
   if (!search_.isEmpty())
-    std::erase_if(positions_, [this](std::int64_t position) {
-      for (int column = 0; column < columnCount(); ++column)
-        if (textAt(position, column).contains(search_, Qt::CaseInsensitive)) return false;
-      return true;
+    QtConcurrent::blockingFilter(positions_, [this, sought = search_.toLower().toStdString()](std::int64_t position) {
+      return std::ranges::any_of(columns(), [&](const TableColumn& column) {
+        return shownText(column.cell(project(), position)).find(sought) != std::string::npos;
+      });
     });
   if (sortColumn_ >= 0) sortPositions();
   endResetModel();

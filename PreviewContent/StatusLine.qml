@@ -49,9 +49,16 @@ Pane {
         Label {
             objectName: "hint"
             Layout.fillWidth: true
-            elide: Text.ElideRight
+            elide: root.warning !== "" ? Text.ElideMiddle : Text.ElideRight  // a warning's reason stands at its end
             text: root.warning !== "" ? root.warning : root.hint
             color: root.warning !== "" ? "#d0342c" : palette.windowText
+
+            ToolTip.visible: truncated && hover.hovered
+            ToolTip.text: text
+
+            HoverHandler {
+                id: hover
+            }
         }
         Label {
             objectName: "counts"

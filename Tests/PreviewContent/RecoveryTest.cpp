@@ -8,11 +8,11 @@
 #include <QDeadlineTimer>
 #include <QProcess>
 #include <cmath>
-#include <fstream>
 #include <memory>
 #include <random>
 #include <thread>
 
+#include "Platform/FileBytes.h"
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
 
@@ -51,18 +51,20 @@ TEST_F(RecoveryTest, ATextThatIsNotWholeIsRefused) {
   auto project = std::make_shared<Project>("Brücke");
   project->addNode({0.1, 2, -0.0});
   const RecoveredProject recovered{project, "/home/a b.json", QDateTime::currentDateTime()};
-  const std::string text = *encodeRecovery(recovered);
-  const auto back = decodeRecovery(text);
+  const fs::path path = files / "kept";
+  ASSERT_EQ(writeRecovery(path, recovered), std::nullopt);
+  const auto back = readRecovery(path);
   ASSERT_TRUE(back);
   EXPECT_EQ(*back->project->X_I, *project->X_I);
   EXPECT_EQ(*back->project->name, "Brücke");
   EXPECT_EQ(back->file, recovered.file);
   EXPECT_EQ(back->time.toMSecsSinceEpoch(), recovered.time.toMSecsSinceEpoch());
-  for (std::size_t length = 0; length < text.size(); ++length) EXPECT_FALSE(decodeRecovery(text.substr(0, length)));
-  for (std::size_t i = text.find('\n') + 1; i < text.size(); ++i) {
+  const std::string text = *readFile(path);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    EXPECT_FALSE(readRecovery(files.put("short", text.substr(0, i)))) << i;
     std::string changed = text;
     changed[i] = static_cast<char>(changed[i] ^ 1);
-    EXPECT_FALSE(decodeRecovery(changed)) << i;
+    EXPECT_FALSE(readRecovery(files.put("changed", changed))) << i;
   }
 }
 
@@ -164,8 +166,7 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
 
   const auto left = recoveryFiles(folder);
   ASSERT_EQ(left.size(), 1);
-  std::ifstream file(left.front());
-  const auto kept = decodeRecovery({std::istreambuf_iterator<char>(file), {}});
+  const auto kept = readRecovery(left.front());
   ASSERT_TRUE(kept);
   EXPECT_EQ(kept->project->nodeCount(), 1);
 }
