@@ -109,8 +109,7 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
          nodes});
   if (std::ranges::all_of(*project.F_I, [](double load) { return load == 0; }))
     add({NeverConverges, "No loads",
-         "Nothing loads the structure, so that the solve runs all its steps, prints nan, and leaves everything where "
-         "it "
-         "is: load a node."});
+         "Nothing loads the structure, so that the solve runs all its steps, prints nan, and moves nothing: load a "
+         "node."});
   return findings;
 }

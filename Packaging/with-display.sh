@@ -10,7 +10,8 @@ server=
 trap '[ -z "$server" ] || kill "$server" 2>/dev/null; rm -rf "$folder"' EXIT
 
 mkfifo "$folder/number"
-Xvfb -displayfd 3 -screen 0 "${size}x24" -nolisten tcp 3>"$folder/number" 2>"$folder/log" &
+# With a reset whenever its last client goes, it would turn away another that comes at that moment.
+Xvfb -noreset -displayfd 3 -screen 0 "${size}x24" -nolisten tcp 3>"$folder/number" 2>"$folder/log" &
 server=$!
 if ! read -r -t 30 number <"$folder/number"; then
   cat "$folder/log" >&2
