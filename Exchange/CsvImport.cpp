@@ -131,7 +131,7 @@ void readKind(const Reader& reader, Draft::Member& member) {
 /// Names what is passed over, unless a table that was exported has it.
 void remarkOnUnknown(const CsvTable& table, const std::set<std::string, std::less<>>& known, Draft& draft) {
   for (const std::string& name : table.names)
-    if (!known.contains(name)) draft.remarks.push_back("The column \"" + name + "\" is passed over.");
+    if (!name.empty() && !known.contains(name)) draft.remarks.push_back("The column \"" + name + "\" is passed over.");
 }
 
 }  // namespace

@@ -3,7 +3,7 @@ import QtQuick.Controls
 import Gavrel.PreviewContent
 
 /// A table of nodes or elements. A click on a heading sorts, a click on a row points it out in the 3D area; the arrow
-/// keys go from row to row.
+/// keys go from row to row, the page keys further, Home and End to the first and the last.
 Item {
     id: root
 
@@ -123,8 +123,14 @@ Item {
         columnWidthProvider: column => root.widths[column]
         ScrollBar.vertical: ScrollBar {}
         ScrollBar.horizontal: ScrollBar {}
-        Keys.onUpPressed: root.select(Math.max(0, root.selectedRow - 1))
-        Keys.onDownPressed: root.select(Math.min(root.table.rows - 1, root.selectedRow + 1))
+        Keys.onPressed: event => {
+            const page = Math.max(1, Math.floor(height / root.rowHeight) - 1);
+            const step = new Map([[Qt.Key_Up, -1], [Qt.Key_Down, 1], [Qt.Key_PageUp, -page], [Qt.Key_PageDown, page],
+                [Qt.Key_Home, -root.table.rows], [Qt.Key_End, root.table.rows]]).get(event.key);
+            event.accepted = step !== undefined;
+            if (event.accepted)
+                root.select(Math.max(0, Math.min(root.table.rows - 1, root.selectedRow + step)));
+        }
 
         delegate: Rectangle {
             id: cell

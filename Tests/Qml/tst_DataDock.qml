@@ -119,6 +119,11 @@ TestCase {
         compare(view.selectedPosition, 1);
         table.sortBy(4);
         compare(view.selectedRow, 1, "the selection follows the order");
+        findChild(view, "table").forceActiveFocus();
+        for (const [key, row] of [[Qt.Key_Up, 0], [Qt.Key_Up, 0], [Qt.Key_End, 1], [Qt.Key_Home, 0], [Qt.Key_PageDown, 1]]) {
+            keyClick(key);
+            compare(view.selectedRow, row);
+        }
 
         table.search = "5.65";
         compare([table.rows, table.size], [1, 2]);
