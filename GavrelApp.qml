@@ -69,6 +69,7 @@ ApplicationWindow {
 
         anchors.fill: parent
         projectViewModel: window.projectViewModel
+        covered: offer.presented || updateSheet.presented || about.visible || controls.visible
     }
 
     AboutDialog {
@@ -80,6 +81,8 @@ ApplicationWindow {
     }
 
     Sheet {
+        id: offer
+
         presented: window.recovery.hasOffer
         onDismissed: window.recovery.postponeOffer()
 

@@ -1,5 +1,5 @@
 #include <QtQml/qqmlextensionplugin.h>
-#include <QGuiApplication>
+#include <QApplication>
 #include <QIcon>
 #include <QQuickStyle>
 #include <QQuickWindow>
@@ -38,15 +38,15 @@ int main(int argc, char** argv) {
   qputenv("QSG_RENDER_LOOP", "basic");
   QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
   QQuickStyle::setStyle(QStringLiteral("Fusion"));
-  QGuiApplication application(argc, argv);
-  QGuiApplication::setApplicationName(QStringLiteral("gavrel"));
-  QGuiApplication::setApplicationDisplayName(QStringLiteral("Gavrel"));
-  QGuiApplication::setApplicationVersion(QString::fromStdString(version));
-  QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/gavrel.svg")));
-  QGuiApplication::setDesktopFileName(QStringLiteral("gavrel"));
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("gavrel"));
+  QApplication::setApplicationDisplayName(QStringLiteral("Gavrel"));
+  QApplication::setApplicationVersion(QString::fromStdString(version));
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/gavrel.svg")));
+  QApplication::setDesktopFileName(QStringLiteral("gavrel"));
 
   if (options.screenshot) return writeScreenshot(options);
   GavrelApp app;
   if (!app.start(options.file, options.updateFailure)) return 1;
-  return QGuiApplication::exec();
+  return QApplication::exec();
 }

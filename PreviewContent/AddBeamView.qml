@@ -22,6 +22,8 @@ Item {
     implicitWidth: 340
     implicitHeight: layout.implicitHeight + 20
 
+    Component.onCompleted: nodeIDs = nodeIDs.slice()  // a copy: what is collected later is not for this form
+
     function cancel() {
         dismiss();
     }

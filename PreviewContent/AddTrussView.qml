@@ -19,7 +19,10 @@ Item {
     implicitWidth: 340
     implicitHeight: layout.implicitHeight + 20
 
-    Component.onCompleted: Precondition.require(nodeIDs.length >= 2, "A truss form needs two nodes")
+    Component.onCompleted: {
+        nodeIDs = nodeIDs.slice();  // a copy: what is collected later is not for this form
+        Precondition.require(nodeIDs.length >= 2, "A truss form needs two nodes");
+    }
 
     function cancel() {
         dismiss();

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Gavrel.PreviewContent
 
@@ -17,11 +16,20 @@ Item {
     property bool showingConvergence: false
     property var filesToImport: []
     property string notice: ""
+    /// A file that was chosen for writing and is there already: the file, what writes it, and the panel it was chosen in.
+    property var replacing: null
+    /// Set by the window while something of its own lies over this.
+    property bool covered: false
 
     readonly property alias calculation: solver
     readonly property alias visualization: view
     readonly property alias dock: dataDock
     readonly property bool compact: width < 1000
+    readonly property string plainName: projectViewModel.projectName.replace(/\//g, "-")
+    /// Whether a sheet or panel is open, so that what lies behind it has to wait.
+    readonly property bool blocked: covered || view.showingSheet
+        || [nodeForm, trussForm, beamForm, convergence, importForm, noticeSheet, replaceQuestion, saveQuestion].some(sheet => sheet.presented)
+        || [savePanel, openPanel, importPanel, exportPanel].some(panel => panel.visible)
 
     function toggleMode(target) {
         projectViewModel.appMode = projectViewModel.appMode === AppMode.normal ? target : AppMode.normal;
@@ -45,10 +53,22 @@ Item {
     }
 
     function showSavePanel() {
-        savePanel.currentFolder = projectViewModel.currentFolder;
-        savePanel.selectedFile = projectViewModel.currentFolder + "/"
-            + encodeURIComponent(projectViewModel.projectName.replace(/\//g, "-") + ".json");
-        savePanel.open();
+        savePanel.open(projectViewModel.currentFolder, plainName + ".json");
+    }
+
+    /// Gives the file that was chosen in the panel to the function, after a question if there is one of its name.
+    function writeTo(file, write, panel) {
+        if (exchange.exists(file))
+            replacing = { file: file, write: write, panel: panel };
+        else
+            write(file);
+    }
+
+    function saveTo(file) {
+        if (projectViewModel.saveProject(file))
+            goOn();
+        else
+            waitingAction = null;
     }
 
     /// Does this at once, or when the user has answered what is to become of unsaved changes. Not if the answer is to stay.
@@ -71,20 +91,15 @@ Item {
     }
 
     function showOpenPanel() {
-        whenSaved(() => openFrom(openPanel));
+        whenSaved(() => openPanel.open(projectViewModel.currentFolder));
     }
 
     function open(url) {
         whenSaved(() => projectViewModel.loadProject(url));
     }
 
-    function openFrom(panel) {
-        panel.currentFolder = projectViewModel.currentFolder;
-        panel.open();
-    }
-
     function showImportPanel() {
-        openFrom(importPanel);
+        importPanel.open(projectViewModel.currentFolder);
     }
 
     /// Asks for a file and gives it to the function, whose answer, unless it is empty, is shown.
@@ -92,9 +107,7 @@ Item {
         exportPanel.write = write;
         exportPanel.defaultSuffix = suffix;
         exportPanel.nameFilters = [suffix.toUpperCase() + " (*." + suffix + ")"];
-        exportPanel.currentFolder = projectViewModel.currentFolder;
-        exportPanel.selectedFile = projectViewModel.currentFolder + "/" + encodeURIComponent(name + "." + suffix);
-        exportPanel.open();
+        exportPanel.open(projectViewModel.currentFolder, name + "." + suffix);
     }
 
     function exportNodes() {
@@ -106,12 +119,12 @@ Item {
     }
 
     function exportVtu() {
-        exportWith(file => notice = exchange.exportVtu(file), projectViewModel.projectName.replace(/\//g, "-"), "vtu");
+        exportWith(file => notice = exchange.exportVtu(file), plainName, "vtu");
     }
 
     function exportPicture() {
         exportWith(file => view.grabToImage(grabbed => notice = exchange.exportPicture(grabbed.image, file)),
-            projectViewModel.projectName.replace(/\//g, "-"), "png");
+            plainName, "png");
     }
 
     function selectionMessage(nodes, mode) {
@@ -149,6 +162,7 @@ Item {
 
     DropArea {
         anchors.fill: parent
+        enabled: !root.blocked
         keys: ["text/uri-list"]
         onDropped: drop => {
             const urls = drop.urls.map(url => url);  // the event's own list goes with it
@@ -244,6 +258,8 @@ Item {
     }
 
     Sheet {
+        id: nodeForm
+
         presented: root.showingAddNodeSheet
         onDismissed: root.showingAddNodeSheet = false
 
@@ -253,18 +269,24 @@ Item {
     }
 
     Sheet {
+        id: trussForm
+
         presented: root.showingTrussConfigSheet
         onDismissed: root.showingTrussConfigSheet = false
-        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? trussForm : null
+        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? addTruss : null
     }
 
     Sheet {
+        id: beamForm
+
         presented: root.showingBeamConfigSheet
         onDismissed: root.showingBeamConfigSheet = false
-        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? beamForm : null
+        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? addBeam : null
     }
 
     Sheet {
+        id: convergence
+
         presented: root.showingConvergence
         onDismissed: root.showingConvergence = false
 
@@ -276,6 +298,8 @@ Item {
     }
 
     Sheet {
+        id: importForm
+
         presented: root.filesToImport.length > 0
         onDismissed: root.filesToImport = []
 
@@ -292,6 +316,8 @@ Item {
     }
 
     Sheet {
+        id: noticeSheet
+
         presented: root.notice !== ""
         onDismissed: root.notice = ""
 
@@ -301,7 +327,9 @@ Item {
     }
 
     Sheet {
-        presented: root.waitingAction !== null && !savePanel.visible
+        id: saveQuestion
+
+        presented: root.waitingAction !== null && !savePanel.visible && root.replacing === null
         onDismissed: root.waitingAction = null
 
         QuestionView {
@@ -315,8 +343,35 @@ Item {
         }
     }
 
+    Sheet {
+        id: replaceQuestion
+
+        presented: root.replacing !== null
+        onDismissed: {
+            root.replacing = null;
+            root.waitingAction = null;
+        }
+
+        QuestionView {
+            question: qsTr("Replace “%1”?").arg(exchange.nameOf(root.replacing.file))
+            explanation: qsTr("There is a file of this name already. What it holds is lost if it is replaced.")
+            losing: qsTr("Replace")
+            nothing: qsTr("Cancel")
+            usual: qsTr("Choose Another Name")
+            // The answer first, since the question whether to save comes back when nothing is to be replaced any more.
+            onLost: {
+                root.replacing.write(root.replacing.file);
+                root.replacing = null;
+            }
+            onChosen: {
+                root.replacing.panel.open(root.projectViewModel.currentFolder, exchange.nameOf(root.replacing.file));
+                root.replacing = null;
+            }
+        }
+    }
+
     Component {
-        id: trussForm
+        id: addTruss
 
         AddTrussView {
             nodeIDs: root.projectViewModel.selectedNodesForTruss
@@ -325,7 +380,7 @@ Item {
     }
 
     Component {
-        id: beamForm
+        id: addBeam
 
         AddBeamView {
             nodeIDs: root.projectViewModel.selectedNodesForTruss
@@ -333,51 +388,48 @@ Item {
         }
     }
 
-    component JsonPanel: FileDialog {
-        nameFilters: [qsTr("JSON files (*.json)")]
-        defaultSuffix: "json"
-    }
-
-    JsonPanel {
+    FilePanel {
         id: savePanel
 
+        purpose: FilePanel.Save
         title: qsTr("Save Project")
-        fileMode: FileDialog.SaveFile
         acceptLabel: qsTr("Save")
-        onAccepted: {
-            if (root.projectViewModel.saveProject(selectedFile))
-                root.goOn();
-            else
-                root.waitingAction = null;
-        }
+        nameFilters: [qsTr("JSON files (*.json)")]
+        defaultSuffix: "json"
+        palette: root.palette
+        onAccepted: files => root.writeTo(files[0], file => root.saveTo(file), savePanel)
         onRejected: root.waitingAction = null
     }
 
-    JsonPanel {
+    FilePanel {
         id: openPanel
 
         title: qsTr("Open Project")
-        fileMode: FileDialog.OpenFile
-        onAccepted: root.projectViewModel.loadProject(selectedFile)
+        nameFilters: [qsTr("JSON files (*.json)")]
+        palette: root.palette
+        onAccepted: files => root.projectViewModel.loadProject(files[0])
     }
 
-    FileDialog {
+    FilePanel {
         id: importPanel
 
+        purpose: FilePanel.OpenMany
         title: qsTr("Import Tables and Drawings")
-        fileMode: FileDialog.OpenFiles
+        acceptLabel: qsTr("Import")
         nameFilters: [qsTr("Tables and drawings (*.csv *.CSV *.txt *.dxf *.DXF)")]
-        onAccepted: root.filesToImport = selectedFiles.map(file => file)
+        palette: root.palette
+        onAccepted: files => root.filesToImport = files
     }
 
-    FileDialog {
+    FilePanel {
         id: exportPanel
 
         property var write: null
 
+        purpose: FilePanel.Save
         title: qsTr("Export")
-        fileMode: FileDialog.SaveFile
         acceptLabel: qsTr("Export")
-        onAccepted: write(selectedFile)
+        palette: root.palette
+        onAccepted: files => root.writeTo(files[0], write, exportPanel)
     }
 }

@@ -1,6 +1,7 @@
 #include "PreviewContent/FileExchange.h"
 
 #include <QBuffer>
+#include <QFileInfo>
 #include <string>
 
 #include "Exchange/Export.h"
@@ -20,6 +21,14 @@ QString report(const std::optional<Failure>& failure, const std::filesystem::pat
 }
 
 }  // namespace
+
+bool FileExchange::exists(const QUrl& file) {
+  return QFileInfo::exists(file.toLocalFile());
+}
+
+QString FileExchange::nameOf(const QUrl& file) {
+  return QFileInfo(file.toLocalFile()).fileName();
+}
 
 QString FileExchange::importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear) {
   std::vector<std::filesystem::path> paths;

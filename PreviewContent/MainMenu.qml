@@ -2,13 +2,19 @@ import QtQuick
 import QtQuick.Controls
 import Gavrel.PreviewContent
 
-/// The menu bar of the main window.
+/// The menu bar of the main window. While a sheet or panel is open, nothing but Quit, which asks, can be chosen.
 MenuBar {
     id: root
 
     required property ContentView content
     property RecentFiles recentFiles: null
     readonly property VisualizationView visualization: content.visualization
+
+    enabled: !content.blocked
+
+    component Command: Action {
+        enabled: !root.content.blocked
+    }
 
     signal checkForUpdates()
     signal aboutRequested()
@@ -17,11 +23,11 @@ MenuBar {
     CommandMenu {
         title: qsTr("&Gavrel")
 
-        Action {
+        Command {
             text: qsTr("&About Gavrel")
             onTriggered: root.aboutRequested()
         }
-        Action {
+        Command {
             text: qsTr("Check for &Updates...")
             shortcut: "Ctrl+U"
             onTriggered: root.checkForUpdates()
@@ -37,12 +43,12 @@ MenuBar {
     CommandMenu {
         title: qsTr("&File")
 
-        Action {
+        Command {
             text: qsTr("&New")
             shortcut: StandardKey.New
             onTriggered: root.content.newProject()
         }
-        Action {
+        Command {
             text: qsTr("&Open…")
             shortcut: StandardKey.Open
             onTriggered: root.content.showOpenPanel()
@@ -73,29 +79,29 @@ MenuBar {
             }
 
             MenuSeparator {}
-            Action {
+            Command {
                 text: qsTr("C&lear This List")
                 onTriggered: root.recentFiles.clear()
             }
         }
-        Action {
+        Command {
             text: qsTr("&Restore Previous Structure")
-            enabled: root.content.projectViewModel.hasPrevious
+            enabled: !root.content.blocked && root.content.projectViewModel.hasPrevious
             onTriggered: root.content.whenSaved(() => root.content.projectViewModel.restorePrevious())
         }
         MenuSeparator {}
-        Action {
+        Command {
             text: qsTr("&Save")
             shortcut: StandardKey.Save
             onTriggered: root.content.save()
         }
-        Action {
+        Command {
             text: qsTr("Save &As…")
             shortcut: "Ctrl+Shift+S"
             onTriggered: root.content.showSavePanel()
         }
         MenuSeparator {}
-        Action {
+        Command {
             text: qsTr("&Import…")
             shortcut: "Ctrl+I"
             onTriggered: root.content.showImportPanel()
@@ -103,19 +109,19 @@ MenuBar {
         CommandMenu {
             title: qsTr("&Export")
 
-            Action {
+            Command {
                 text: qsTr("&Node Table (CSV)…")
                 onTriggered: root.content.exportNodes()
             }
-            Action {
+            Command {
                 text: qsTr("&Element Table (CSV)…")
                 onTriggered: root.content.exportElements()
             }
-            Action {
+            Command {
                 text: qsTr("&ParaView Grid (VTU)…")
                 onTriggered: root.content.exportVtu()
             }
-            Action {
+            Command {
                 text: qsTr("P&icture (PNG)…")
                 onTriggered: root.content.exportPicture()
             }
@@ -125,59 +131,59 @@ MenuBar {
     CommandMenu {
         title: qsTr("&View")
 
-        Action {
+        Command {
             text: qsTr("&Fit to Structure")
             shortcut: "Ctrl+0"
             onTriggered: root.visualization.camera.fit()
         }
         MenuSeparator {}
-        Action {
+        Command {
             text: qsTr("Fr&ont")
             shortcut: "Ctrl+1"
             onTriggered: root.visualization.camera.show(ViewCamera.Front)
         }
-        Action {
+        Command {
             text: qsTr("&Top")
             shortcut: "Ctrl+2"
             onTriggered: root.visualization.camera.show(ViewCamera.Top)
         }
-        Action {
+        Command {
             text: qsTr("&Right")
             shortcut: "Ctrl+3"
             onTriggered: root.visualization.camera.show(ViewCamera.Right)
         }
-        Action {
+        Command {
             text: qsTr("&Isometric")
             shortcut: "Ctrl+4"
             onTriggered: root.visualization.camera.show(ViewCamera.Isometric)
         }
         MenuSeparator {}
-        Action {
+        Command {
             text: qsTr("&z Axis Upright")
             checkable: true
             checked: root.visualization.camera.zUp
             onTriggered: root.visualization.camera.zUp = checked
         }
         MenuSeparator {}
-        Action {
+        Command {
             text: qsTr("&Show Strain")
             checkable: true
             checked: root.content.projectViewModel.isStrainVisualizationActive
             onTriggered: root.content.toggleStrain()
         }
-        Action {
+        Command {
             text: qsTr("&Node Numbers")
             checkable: true
             checked: root.visualization.showsNodeNumbers
             onToggled: root.visualization.showsNodeNumbers = checked
         }
-        Action {
+        Command {
             text: qsTr("&Element Numbers")
             checkable: true
             checked: root.visualization.showsElementNumbers
             onToggled: root.visualization.showsElementNumbers = checked
         }
-        Action {
+        Command {
             text: qsTr("Rendering S&tatistics")
             checkable: true
             onToggled: root.visualization.options = checked ? 3 : 2
@@ -185,35 +191,66 @@ MenuBar {
     }
 
     CommandMenu {
+        id: structure
+
+        readonly property ProjectViewModel model: root.content.projectViewModel
+        readonly property bool enoughNodes: model.selectedNodesForTruss.length >= 2
+
         title: qsTr("&Structure")
 
-        Action {
+        Command {
+            text: qsTr("Add N&ode…")
+            shortcut: "Ctrl+Shift+N"
+            onTriggered: root.content.addNode()
+        }
+        Command {
+            text: structure.model.appMode === AppMode.addingTruss ? qsTr("Done &Selecting") : qsTr("&Select for Truss")
+            enabled: !root.content.blocked && structure.model.appMode !== AppMode.addingBeam
+            onTriggered: root.content.toggleMode(AppMode.addingTruss)
+        }
+        Command {
+            text: structure.model.appMode === AppMode.addingBeam ? qsTr("Done Se&lecting") : qsTr("Se&lect for Beam")
+            enabled: !root.content.blocked && structure.model.appMode !== AppMode.addingTruss
+            onTriggered: root.content.toggleMode(AppMode.addingBeam)
+        }
+        Command {
+            text: qsTr("Add &Truss…")
+            enabled: !root.content.blocked && structure.enoughNodes && structure.model.appMode === AppMode.addingTruss
+            onTriggered: root.content.showingTrussConfigSheet = true
+        }
+        Command {
+            text: qsTr("Add B&eam…")
+            enabled: !root.content.blocked && structure.enoughNodes && structure.model.appMode === AppMode.addingBeam
+            onTriggered: root.content.showingBeamConfigSheet = true
+        }
+        MenuSeparator {}
+        Command {
             text: qsTr("&Calculate")
             shortcut: "Ctrl+R"
             onTriggered: root.content.calculation.run()
         }
-        Action {
+        Command {
             text: qsTr("Check &Before Calculating")
             checkable: true
             checked: root.content.calculation.checks
             onToggled: root.content.calculation.checks = checked
         }
-        Action {
+        Command {
             text: qsTr("&Convergence…")
-            enabled: root.content.calculation.residuals.length > 0
+            enabled: !root.content.blocked && root.content.calculation.residuals.length > 0
             onTriggered: root.content.showingConvergence = true
         }
         MenuSeparator {}
-        Action {
+        Command {
             text: qsTr("&Findings")
             onTriggered: root.content.dock.show(0)
         }
-        Action {
+        Command {
             text: qsTr("&Node Table")
             shortcut: "Ctrl+T"
             onTriggered: root.content.dock.show(1)
         }
-        Action {
+        Command {
             text: qsTr("&Element Table")
             shortcut: "Ctrl+Shift+T"
             onTriggered: root.content.dock.show(2)
@@ -223,7 +260,7 @@ MenuBar {
     CommandMenu {
         title: qsTr("&Help")
 
-        Action {
+        Command {
             text: qsTr("&Mouse and Keys")
             onTriggered: root.helpRequested()
         }

@@ -25,6 +25,7 @@ Item {
     property alias showsNodeNumbers: sceneView.showsNodeNumbers
     property alias showsElementNumbers: sceneView.showsElementNumbers
     readonly property alias camera: sceneView.camera
+    readonly property bool showingSheet: showingNodeDetailSheet || showingElementDetailSheet
 
     signal nodeClicked(var node)
     signal elementClicked(bool isBeam, var element)
