@@ -20,8 +20,8 @@ ApplicationWindow {
 
     width: Math.min(1200, Screen.desktopAvailableWidth)
     height: Math.min(800, Screen.desktopAvailableHeight)
-    minimumWidth: 800
-    minimumHeight: 500
+    minimumWidth: 640
+    minimumHeight: 420
     visible: true
     title: (projectViewModel.hasUnsavedChanges ? "*" : "") + (projectViewModel.currentFileName || projectViewModel.projectName)
     palette: appearance.dark ? darkPalette : lightPalette

@@ -4,21 +4,25 @@ import QtQuick.Layouts
 import Gavrel.PreviewContent
 import Gavrel.Views
 
-/// The ten commands below the 3D area.
-RowLayout {
+/// The ten commands below the 3D area: one row or, where that is too wide, two.
+GridLayout {
     id: root
 
     required property Item commands
     property bool compact: false
+    property bool narrow: false
     readonly property ProjectViewModel model: commands.projectViewModel
     readonly property bool enoughNodes: model.selectedNodesForTruss.length >= 2
 
     readonly property int buttonPadding: compact ? 5 : 12
     readonly property int buttonFont: compact ? 12 : 13
 
-    spacing: compact ? 3 : 8
+    columns: narrow ? 5 : 10
+    columnSpacing: compact ? 3 : 8
+    rowSpacing: columnSpacing
 
     component Command: Button {
+        Layout.fillWidth: root.narrow
         implicitWidth: implicitContentWidth + leftPadding + rightPadding
         horizontalPadding: root.buttonPadding
         verticalPadding: 6
@@ -62,6 +66,7 @@ RowLayout {
     }
     ProminentButton {
         objectName: "showStrain"
+        Layout.fillWidth: root.narrow
         text: qsTr("Show Strain")
         implicitWidth: implicitContentWidth + leftPadding + rightPadding
         horizontalPadding: root.buttonPadding

@@ -25,6 +25,7 @@ Item {
     readonly property alias visualization: view
     readonly property alias dock: dataDock
     readonly property bool compact: width < 1000
+    readonly property bool narrow: width < 790
     readonly property string plainName: projectViewModel.projectName.replace(/\//g, "-")
     /// Whether a sheet or panel is open, so that what lies behind it has to wait.
     readonly property bool blocked: covered || view.showingSheet
@@ -223,6 +224,8 @@ Item {
         }
 
         SplitView {
+            id: split
+
             Layout.fillWidth: true
             Layout.fillHeight: true
             orientation: Qt.Vertical
@@ -243,8 +246,9 @@ Item {
                 id: dataDock
 
                 objectName: "dock"
-                SplitView.preferredHeight: 240
+                SplitView.preferredHeight: Math.min(240, 0.4 * root.height)
                 SplitView.minimumHeight: 110
+                SplitView.maximumHeight: split.height - 110  // what a dock that was drawn up leaves to the 3D area
                 projectViewModel: root.projectViewModel
                 calculation: solver
             }
@@ -254,6 +258,7 @@ Item {
             Layout.alignment: Qt.AlignHCenter
             commands: root
             compact: root.compact
+            narrow: root.narrow
         }
     }
 
