@@ -23,6 +23,17 @@ bool hasDisplay() {
   return false;
 }
 
+/// An application of widgets would leave without asking windows that are none.
+class Application : public QApplication {
+ public:
+  using QApplication::QApplication;
+
+ protected:
+  bool event(QEvent* event) override {
+    return event->type() == QEvent::Quit ? QGuiApplication::event(event) : QApplication::event(event);
+  }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -38,7 +49,7 @@ int main(int argc, char** argv) {
   qputenv("QSG_RENDER_LOOP", "basic");
   QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
   QQuickStyle::setStyle(QStringLiteral("Fusion"));
-  QApplication application(argc, argv);
+  Application application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("gavrel"));
   QApplication::setApplicationDisplayName(QStringLiteral("Gavrel"));
   QApplication::setApplicationVersion(QString::fromStdString(version));

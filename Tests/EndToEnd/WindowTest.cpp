@@ -28,9 +28,8 @@ void turnRestraints(Desktop& desktop, bool x, bool y, bool z) {
 
 /// Completes the save panel that has opened.
 void saveAs(Desktop& desktop, const std::string& name) {
-  desktop.keys("Tab ctrl+a");
-  desktop.type(name);
-  desktop.keys("Tab Tab space");  // past the filter to "Save"
+  desktop.type(name);  // takes the place of the name that is proposed
+  desktop.keys("Return");
 }
 
 TEST(Window, BuildsSolvesAndSavesATriangle) {
@@ -163,6 +162,31 @@ TEST(Window, OffersWhatAKilledProcessHasLeftAndAsksBeforeItGoes) {
   ASSERT_TRUE(kept);
   EXPECT_EQ((*kept)->nodeCount(), 2);
   EXPECT_EQ(std::ssize(*(*kept)->trussElements), 1);
+}
+
+TEST(Window, ASaveUnderATakenNameAsksAndTheKeyboardReachesNothingBehindASheet) {
+  Desktop desktop;
+  desktop.home.put("taken.json", "somebody's");
+  desktop.keys("ctrl+shift+n ctrl+n ctrl+o ctrl+shift+s Return");
+  desktop.expectLine("Added Node: id 0");
+  desktop.keys("ctrl+s");
+  desktop.expectLine("No save location specified. Use 'Save As...'");
+  saveAs(desktop, "taken");
+  EXPECT_EQ(desktop.home.get("taken.json"), "somebody's");
+  desktop.keys("Return");  // Choose Another Name
+  saveAs(desktop, "taken.json");
+  desktop.keys("Escape");
+  EXPECT_EQ(desktop.home.get("taken.json"), "somebody's");
+  desktop.keys("ctrl+s");
+  saveAs(desktop, "free");
+  desktop.expectLine("Project saved successfully to free.json");
+  desktop.keys("ctrl+shift+s");
+  saveAs(desktop, "taken");
+  desktop.keys("Tab space");  // Replace
+  desktop.expectLine("Project saved successfully to taken.json");
+  desktop.keys("ctrl+q");
+  EXPECT_EQ(desktop.exitStatus(), 0);
+  EXPECT_EQ(desktop.home.get("taken.json"), desktop.home.get("free.json"));
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TestCase {
         compare(texts(1), ["New", "Open…", "-", "Restore Previous Structure", "-", "Save", "Save As…", "-", "Import…", "-"]);
         compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "z Axis Upright", "-",
                            "Show Strain", "Node Numbers", "Element Numbers", "Rendering Statistics"]);
-        compare(texts(3), ["Calculate", "Check Before Calculating", "Convergence…", "-", "Findings", "Node Table", "Element Table"]);
+        compare(texts(3), ["Add Node…", "Select for Truss", "Select for Beam", "Add Truss…", "Add Beam…", "-", "Calculate", "Check Before Calculating", "Convergence…", "-", "Findings", "Node Table", "Element Table"]);
         compare(action(0, "Check for Updates...").shortcut, "Ctrl+U");
         action(0, "Check for Updates...").trigger();
         compare(updates.count, 1);
@@ -99,6 +99,113 @@ TestCase {
             verify(content.dock.open);
             compare(content.dock.currentTab, tab);
         }
+    }
+
+    function test_elementCommandsFollowTheMode() {
+        const enabled = () => ["Add Truss…", "Add Beam…"].map(text => action(3, text).enabled);
+        model.newProject();
+        for (let i = 0; i < 2; ++i)
+            model.addNode(i, 0, 0, false);
+        compare(enabled(), [false, false]);
+        action(3, "Select for Truss").trigger();
+        verify(!action(3, "Select for Beam").enabled);
+        model.selectedNodesForTruss = [0];
+        compare(enabled(), [false, false]);
+        model.selectedNodesForTruss = [0, 1];
+        compare(enabled(), [true, false]);
+        action(3, "Done Selecting").trigger();
+        action(3, "Select for Beam").trigger();
+        model.selectedNodesForTruss = [0, 1];
+        compare(enabled(), [false, true]);
+        action(3, "Add Beam…").trigger();
+        verify(content.showingBeamConfigSheet);
+        keyClick(Qt.Key_Escape);
+        verify(!content.showingBeamConfigSheet);
+        action(3, "Add Node…").trigger();
+        verify(content.showingAddNodeSheet);
+        keyClick(Qt.Key_Escape);
+        model.discardChanges();
+    }
+
+    function test_whatLiesBehindASheetRests_data() {
+        return [
+            { tag: "node form", open: () => content.addNode() },
+            { tag: "truss form", open: () => content.showingTrussConfigSheet = true },
+            { tag: "beam form", open: () => content.showingBeamConfigSheet = true },
+            { tag: "convergence", open: () => content.showingConvergence = true },
+            { tag: "import", open: () => content.filesToImport = [Qt.resolvedUrl("nodes.csv")] },
+            { tag: "notice", open: () => content.notice = "Something" },
+            { tag: "unsaved changes", open: () => content.whenSaved(() => {}) },
+            { tag: "existing file", open: () => content.writeTo(Qt.resolvedUrl("nodes.csv"), null, null) },
+            { tag: "node", open: () => content.visualization.selectedNode = 0 },
+            { tag: "element", open: () => content.visualization.selectedElement = 0 },
+        ];
+    }
+
+    function test_whatLiesBehindASheetRests(data) {
+        model.newProject();
+        for (let i = 0; i < 2; ++i)
+            model.addNode(i, 0, 0, true);
+        model.appMode = data.tag === "node" ? AppMode.normal : AppMode.addingTruss;
+        model.selectedNodesForTruss = [0, 1];
+        const enabled = () => [0, 1, 2, 3].reduce((all, menu) => all.concat(
+            texts(menu).filter(text => text !== "-" && action(menu, text).enabled)), []);
+        const before = enabled();
+        verify(before.length > 20);
+        data.open();
+        tryVerify(() => content.blocked);
+        compare(enabled(), ["Quit"]);
+        verify(!menus.enabled);
+        keyClick("N", Qt.ControlModifier);
+        keyClick("S", Qt.ControlModifier);
+        compare(model.numberOfNodes, 2);
+        wait(0);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !content.blocked);
+        content.visualization.selectedNode = content.visualization.selectedElement = null;
+        model.appMode = data.tag === "node" ? AppMode.normal : AppMode.addingTruss;
+        model.selectedNodesForTruss = [0, 1];
+        compare(enabled(), before);
+        model.discardChanges();
+    }
+
+    function test_aFormKeepsTheNodesItWasOpenedWith() {
+        model.newProject();
+        for (let i = 0; i < 3; ++i)
+            model.addNode(i, 0, 0, false);
+        for (const [mode, sheet] of [[AppMode.addingTruss, "showingTrussConfigSheet"], [AppMode.addingBeam, "showingBeamConfigSheet"]]) {
+            const elements = model.numberOfElements;
+            model.appMode = mode;
+            model.selectedNodesForTruss = [2, 0];
+            content[sheet] = true;
+            model.selectedNodesForTruss = [];
+            keyClick(Qt.Key_Return);
+            compare(model.numberOfElements, elements + 1);
+            verify(!content[sheet]);
+        }
+        model.discardChanges();
+    }
+
+    function test_anExistingFileIsReplacedOnlyIfItsUserSaysSo() {
+        const written = [];
+        const asked = [];
+        const panel = { open: (folder, name) => asked.push(name) };
+        const write = file => written.push(file);
+        content.writeTo(Qt.resolvedUrl("not-there.csv"), write, panel);
+        compare(written, [Qt.resolvedUrl("not-there.csv")]);
+        const there = Qt.resolvedUrl("nodes.csv");
+        const answers = [[() => keyClick(Qt.Key_Escape), 1, 0], [() => keyClick(Qt.Key_Return), 1, 1],
+                         [() => mouseClick(findChild(content.Overlay.overlay, "losing")), 2, 1]];
+        for (const [answer, writes, asks] of answers) {
+            content.writeTo(there, write, panel);
+            compare(written.length, writes === 2 ? 1 : writes);
+            verify(content.blocked);
+            answer();
+            compare(written.length, writes);
+            compare(asked.length, asks);
+            verify(!content.blocked);
+        }
+        compare(asked, ["nodes.csv"]);
     }
 
     function test_newAsksBeforeItEmptiesTheStructure() {
