@@ -20,8 +20,18 @@ Item {
     implicitWidth: 420
     implicitHeight: stack.implicitHeight + 32
 
+    onLost: console.debug(log, root.losing, "in answer to", root.question)
+
     function confirm() {
         chosen();
+    }
+
+    // QT_LOGGING_RULES=gavrel.questions.debug=true tells on standard error what was answered.
+    LoggingCategory {
+        id: log
+
+        name: "gavrel.questions"
+        defaultLogLevel: LoggingCategory.Info
     }
 
     ColumnLayout {

@@ -1,6 +1,7 @@
 #include "Tests/EndToEnd/Desktop.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,16 +12,22 @@
 
 using namespace std::chrono_literals;
 
-Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program) : path_(program) {
+Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program, Rights rights)
+    : path_(program), rights_(rights) {
   start(arguments);
   expectWindow();
 }
 
 void Desktop::start(const std::vector<std::string>& arguments) {
+  constexpr uid_t nobody = 65534;
+  if (rights_ == Rights::homeOnly && ::chown(home.path().c_str(), nobody, nobody) != 0)
+    throw std::runtime_error("only root can take rights away from a program");
   program_ = ::fork();
   if (program_ == 0) {
-    const int out = ::open((home / "output.txt").c_str(), O_CREAT | O_WRONLY | O_APPEND, 0600);
-    ::dup2(out, STDOUT_FILENO);
+    if (rights_ == Rights::homeOnly && (::setgroups(0, nullptr) != 0 || ::setgid(nobody) != 0 || ::setuid(nobody) != 0))
+      ::_exit(127);
+    for (const auto& [name, descriptor] : {std::pair{"output.txt", STDOUT_FILENO}, {"errors.txt", STDERR_FILENO}})
+      ::dup2(::open((home / name).c_str(), O_CREAT | O_WRONLY | O_APPEND, 0600), descriptor);
     ::setenv("HOME", home.path().c_str(), 1);
     ::setenv("XDG_RUNTIME_DIR", home.path().c_str(), 1);
     std::vector<char*> argv{const_cast<char*>(path_.c_str())};
@@ -34,6 +41,10 @@ void Desktop::start(const std::vector<std::string>& arguments) {
 void Desktop::killAndRestart() {
   ::kill(program_, SIGKILL);
   ::waitpid(program_, nullptr, 0);
+  restart();
+}
+
+void Desktop::restart() {
   start({});
   focusWindow();
 }
@@ -73,22 +84,22 @@ void Desktop::press(Button button) {
   std::vector<Image::Point> buttons;
   expect("the command row", [&] { return (buttons = Image::ofScreen().buttonRow(10)).size() == 10; });
   const auto [x, y] = buttons[button];
-  run("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
+  runAndSettle("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
 }
 
 void Desktop::clickNode(std::size_t fromLeft, std::size_t count) {
   std::vector<Image::Point> balls;
   expect(std::to_string(count) + " nodes", [&] { return (balls = Image::ofScreen().balls()).size() == count; });
   const auto [x, y] = balls[fromLeft];
-  run("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
+  runAndSettle("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
 }
 
 void Desktop::keys(const std::string& names) {
-  run("key --delay 40 " + names);
+  runAndSettle("key --delay 40 " + names);
 }
 
 void Desktop::type(const std::string& text) {
-  run("type --delay 20 -- '" + text + "'");
+  runAndSettle("type --delay 20 -- '" + text + "'");
 }
 
 void Desktop::expectLine(const std::string& start) {
@@ -107,8 +118,14 @@ void Desktop::expectTitle(const std::string& part) {
 }
 
 int Desktop::exitStatus() {
+  std::optional<int> status;
+  expect("the program's end", [&] { return (status = ended()).has_value(); });
+  return *status;
+}
+
+std::optional<int> Desktop::ended() {
   int status = 0;
-  expect("the program's end", [&] { return ::waitpid(program_, &status, WNOHANG) == program_; });
+  if (::waitpid(program_, &status, WNOHANG) != program_) return std::nullopt;
   program_ = -1;
   return status;
 }
@@ -116,6 +133,10 @@ int Desktop::exitStatus() {
 void Desktop::run(const std::string& xdotoolCommands) {
   if (std::system(("xdotool " + xdotoolCommands).c_str()) != 0)
     throw std::runtime_error("failed: xdotool " + xdotoolCommands);
+}
+
+void Desktop::runAndSettle(const std::string& xdotoolCommands) {
+  run(xdotoolCommands);
   settle();
 }
 
