@@ -18,6 +18,8 @@ Popup {
 
     parent: Overlay.overlay
     anchors.centerIn: parent
+    width: parent ? Math.min(implicitWidth, parent.width - 16) : implicitWidth
+    height: parent ? Math.min(implicitHeight, parent.height - 16) : implicitHeight
     modal: true
     focus: true
     closePolicy: Popup.NoAutoClose
