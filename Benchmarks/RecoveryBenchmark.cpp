@@ -1,6 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include "Benchmarks/BenchmarkLattice.h"
@@ -13,8 +12,6 @@ constexpr double milli = 1e-3;
 
 /// What keeping the unsaved changes costs: for how long it stops the user, and until all is on the disk.
 void recovery(benchmark::State& state) {
-  int noArguments = 0;
-  const QCoreApplication application(noArguments, nullptr);
   ProjectViewModel viewModel;
   viewModel.setProject(benchmarkLattice(static_cast<int>(state.range(0))).build());
   const QTemporaryDir folder;

@@ -1,10 +1,17 @@
 #include <benchmark/benchmark.h>
+#ifdef GAVREL_APPLICATION
+#include <QCoreApplication>
+#endif
 
 #include "Benchmarks/Table.h"
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+#ifdef GAVREL_APPLICATION
+  // One for all benchmarks: when it is gone, Qt's threads are, too.
+  const QCoreApplication application(argc, argv);
+#endif
   Table table;
   benchmark::RunSpecifiedBenchmarks(&table);
   benchmark::Shutdown();

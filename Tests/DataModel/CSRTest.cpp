@@ -77,7 +77,7 @@ TEST(CSR, DistinctAtOrderedKeepsWhatExceedsAllBefore) {
   EXPECT_EQ(CSR::DistinctAtOrdered({}), (std::vector<std::int32_t>{}));
 }
 
-/// One element added by the book: for each row, the last local entry to name a column counts.
+/// One element added entry by entry: for each row, the last local entry to name a column counts.
 void addLiterally(std::map<std::pair<std::int64_t, std::int64_t>, double>& H, std::vector<double>& R,
                   const std::vector<double>& H_vv, const std::vector<double>& F_v, const std::vector<std::int64_t>& I_v,
                   const std::vector<bool>& D_I) {

@@ -62,28 +62,77 @@ TEST(Project, NegativeAndOverflowingNodesEndTheProcess) {
   }
 }
 
-TEST(Project, AnnouncesEveryChangeBeforeIt) {
-  Project project;
-  int calls = 0;
-  std::size_t seen = 99;
-  project.observe([&] {
-    if (calls++ == 0) seen = project.X_I->size() + project.F_I->size() + project.D_I->size();
-  });
-  const auto announced = [&](auto&& change) {
-    calls = 0;
-    change();
-    return calls > 0;
+/// One announcement for each published property that an operation writes, and before it: ahead of the k-th, no more
+/// than k - 1 of them may differ.
+TEST(Project, AnnouncesEachPropertyBeforeItChanges) {
+  struct Properties {
+    std::string name;
+    std::vector<TrussElement> trusses;
+    std::vector<BeamElement> beams;
+    std::vector<double> X, U, F;
+    std::vector<bool> D;
+
+    explicit Properties(const Project& p)
+        : name(*p.name),
+          trusses(*p.trussElements),
+          beams(*p.beamElements),
+          X(*p.X_I),
+          U(*p.U_I),
+          F(*p.F_I),
+          D(*p.D_I) {}
+    int changedIn(const Project& p) const {
+      return (*p.name != name) + (*p.trussElements != trusses) + (*p.beamElements != beams) + (*p.X_I != X) +
+             (*p.U_I != U) + (*p.F_I != F) + (*p.D_I != D);
+    }
   };
-  EXPECT_TRUE(announced([&] { project.addNode({0, 0, 0}); }));
-  EXPECT_EQ(seen, 0u);
-  EXPECT_TRUE(announced([&] { project.setLoadAndRestraint(0, {1, 0, 0}, false, false, false); }));
-  EXPECT_FALSE(announced([&] { project.setLoadAndRestraint(1, {1, 0, 0}, false, false, false); }));
-  EXPECT_TRUE(announced([&] { project.name.edit() = "other"; }));
-  project.addNode({1, 0, 0});
-  addBar(project, 0, 1, 1.0);
-  clamp(project, 0);
-  EXPECT_TRUE(announced([&] { project.Solve(); }));
-  EXPECT_FALSE(announced([&] { project.magnify = 3; }));
+  const struct {
+    const char* operation;
+    void (*change)(Project&);
+    int announced;
+    int changed;
+  } cases[] = {
+      {"addNode",
+       [](Project& p) {
+         p.addNode({1, 2, 3});
+       },
+       4, 4},
+      {"setLoadAndRestraint",
+       [](Project& p) {
+         p.setLoadAndRestraint(1, {5, 6, 7}, false, true, false);
+       },
+       2, 2},
+      {"setLoadAndRestraint past the end",
+       [](Project& p) {
+         p.setLoadAndRestraint(2, {1, 1, 1}, 1, 1, 1);
+       },
+       0, 0},
+      {"edit", [](Project& p) { p.name.edit() = "other"; }, 1, 1},
+      {"magnify", [](Project& p) { p.magnify = 3; }, 0, 0},
+      {"PrepareSolve", [](Project& p) { p.PrepareSolve(); }, 1, 1},
+      {"Assemble", [](Project& p) { p.PrepareSolve(), p.Assemble(); }, 3, 3},
+      // U_I at first; both lists and U_I in each of 17 steps, as the beam halves the residual; both lists at the end.
+      {"Solve", [](Project& p) { p.Solve(); }, 1 + 17 * 3 + 2, 3},
+      {"takeSolution", [](Project& p) { p.takeSolution(std::move(*p.copy())); }, 3, 0},
+  };
+  for (const auto& [operation, change, announced, changed] : cases) {
+    SCOPED_TRACE(operation);
+    Project project;
+    for (const double x : {2.0, 0.0}) project.addNode({x, 0, 0});
+    addBar(project, 0, 1, 1.0);
+    addBeam(project, 0, 1, 1.0, false);
+    project.setLoadAndRestraint(1, {1, 0, 0}, false, false, false);
+    clamp(project, 0);
+    project.U_I.edit()[6] = 9;
+    project.trussElements.edit()[0].dUx = project.beamElements.edit()[0].dUx = 8;
+    const Properties before(project);
+    int calls = 0;
+    project.observe([&] { EXPECT_LE(before.changedIn(project), calls++); });
+    testing::internal::CaptureStdout();
+    change(project);
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(calls, announced);
+    EXPECT_EQ(before.changedIn(project), changed);
+  }
 }
 
 TEST(Project, CallsObserversInOrderUntilTheyAreForgotten) {
