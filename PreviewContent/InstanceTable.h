@@ -19,7 +19,6 @@ class InstanceTable : public QQuick3DInstancing {
   [[nodiscard]] int size() const { return static_cast<int>(rows_.size() / rowSize); }
 
   void clear() { rows_.clear(); }
-  void reserve(qsizetype rows) { rows_.reserve(rows * rowSize); }
 
   /// Appends a shape whose mesh is stretched by `stretch` in its own axes before `world` puts it into the scene, which
   /// is drawn relative to `origin` so that single precision suffices far from zero.

@@ -1,11 +1,10 @@
 import QtQuick
-import QtQuick3D
+import Gavrel.PreviewContent
 
-/// How fast the 3D view draws, and how much.
+/// How fast the window draws, and how much of it is in the 3D area.
 Rectangle {
     id: root
 
-    required property View3D view
     required property int shapes
     required property int triangles
 
@@ -14,14 +13,21 @@ Rectangle {
     radius: 6
     color: "#d9202328"
 
+    FrameTimer {
+        id: timer
+
+        window: root.visible ? root.Window.window : null
+    }
+
     Text {
         id: text
 
+        objectName: "renderingStatistics"
         x: 12
         y: 8
         color: "#f2f3f5"
         font.pixelSize: 12
-        text: qsTr("%1 frames/s, %2 ms a frame\n%3 shapes, %4 triangles").arg(root.view.renderStats.fps)
-            .arg(root.view.renderStats.frameTime.toFixed(1)).arg(root.shapes).arg(root.triangles)
+        text: qsTr("%1 ms a frame\n%2 shapes, %3 triangles").arg(timer.milliseconds.toFixed(1)).arg(root.shapes)
+            .arg(root.triangles)
     }
 }

@@ -72,8 +72,6 @@ Item {
     }
 
     View3D {
-        id: view
-
         anchors.fill: parent
         camera: camera
         environment: SceneEnvironment {
@@ -172,7 +170,6 @@ Item {
             margins: 12
         }
         visible: (root.options & 1) !== 0
-        view: view
         shapes: sceneContents.balls.size + sceneContents.tubes.size + sceneContents.cones.size
         triangles: balls.triangles + tubes.triangles + cones.triangles
     }

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <qqml.h>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QQuickWindow>
+#include <atomic>
+#include <memory>
+
+/// Measures how long a window takes for a frame: from the synchronization with its items until the picture has been
+/// handed over. The time that passes without a reason to draw does not count.
+class FrameTimer : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  Q_PROPERTY(QQuickWindow* window READ window WRITE setWindow NOTIFY windowChanged)
+  Q_PROPERTY(double milliseconds READ milliseconds NOTIFY measured)
+
+ public:
+  using QObject::QObject;
+  ~FrameTimer() override { setWindow(nullptr); }
+
+  [[nodiscard]] QQuickWindow* window() const { return window_; }
+  /// Which window to measure; null for none.
+  void setWindow(QQuickWindow* value);
+
+  /// Of a recent frame, in tenths; 0 before the first. Renewed a few times a second at most. The frame after a renewal
+  /// is left out: it may be there for nothing but to show the figure, and would lead to another.
+  [[nodiscard]] double milliseconds() const { return milliseconds_; }
+
+ signals:
+  void windowChanged();
+  void measured();
+
+ private:
+  /// Shared with the thread that draws, which may outlive this for a frame.
+  struct Clock {
+    QElapsedTimer sinceBeginning;
+    std::atomic<double> milliseconds = 0;
+  };
+
+  void renew();
+
+  QPointer<QQuickWindow> window_;
+  std::shared_ptr<Clock> clock_;
+  QMetaObject::Connection begin_, end_;
+  QElapsedTimer sinceRenewal_;
+  bool justRenewed_ = false;
+  double milliseconds_ = 0;
+};
