@@ -132,6 +132,7 @@ TEST(CSR, WhatLiesOutsideTheArraysEndsTheProcess) {
   };
   EXPECT_DEATH(create(-1, 0, 12), "index -1 is outside the rows of the matrix");
   EXPECT_DEATH(create(0, 2, 12), "index 17 is outside the rows of the matrix, which has 12 entries");
+  EXPECT_DEATH(create(0, 1, 11), "index 11 is outside the rows of the matrix, which has 11 entries");
   EXPECT_DEATH(create(0, INT64_MAX / 6 + 1, 12), "too large");
   EXPECT_DEATH(create(0, 357913941, 6 * 357913942L), "degree of freedom 2147483651 does not fit into 32 bits");
 

@@ -47,14 +47,23 @@ TEST(ElementRecord, WarnsOfAndDisarmsElementsWithoutLength) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), warnings + warnings);
 }
 
-TEST(ElementRecord, StrainIsPositiveInCompression) {
-  TrussElement bar = truss({0, 0, 0}, {2, 0, 0});
-  bar.dUx = -0.002;  // the end moved away from the start
-  EXPECT_DOUBLE_EQ(bar.strain(), -0.001);
-  bar = truss({1, 2, 3}, {2, 0, 5});  // X = (-1, 2, -2), L = 3
-  bar.dUx = 4;
-  bar.dUz = 100;
-  EXPECT_NEAR(bar.strain(), 204.0 / 9, 1e-12);
+TEST(ElementRecord, StrainIsThatOfCompressionAndTensileStrainAndForceAreThoseOfTension) {
+  TrussElement bar({}, 0, 1, {1, 2, 3}, {2, 0, 5}, 1, 27, false, false);  // X = (-1, 2, -2), L = 3, EAL3 = 1
+  bar.dUx = 3;
+  bar.dUy = 1;
+  bar.dUz = 8;
+  EXPECT_DOUBLE_EQ(bar.strain(), 17.0 / 9);
+  bar.currentStrain = 18;
+  EXPECT_EQ(bar.tensileStrain(), 2);
+  EXPECT_DOUBLE_EQ(bar.axialForce(), 18 * 3);
+  bar.isNonLinear = true;
+  EXPECT_DOUBLE_EQ(bar.axialForce(), 18 * 7) << "on the chord X + U = (2, 3, 6)";
+  EXPECT_FALSE(bar.isOut());
+  bar.isCompressionOnly = true;
+  EXPECT_TRUE(bar.isOut());
+  EXPECT_EQ(bar.axialForce(), 0);
+  bar.currentStrain = 0;
+  EXPECT_FALSE(bar.isOut());
   EXPECT_FALSE(std::isfinite(TrussElement{}.strain()));
 }
 

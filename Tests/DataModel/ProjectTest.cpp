@@ -62,6 +62,66 @@ TEST(Project, NegativeAndOverflowingNodesEndTheProcess) {
   }
 }
 
+/// A cantilever of a bar and a beam under a load across and along, solved.
+std::shared_ptr<Project> solvedCantilever() {
+  auto project = std::make_shared<Project>("cantilever", std::vector<TrussElement>{}, std::vector<BeamElement>{}, 3.0);
+  for (const double x : {2.0, 0.0}) project->addNode({x, 0, 0});
+  addBar(*project, 0, 1, 1.0);
+  addBeam(*project, 0, 1, 1.0, false);
+  clamp(*project, 0);
+  project->setLoadAndRestraint(1, {1, 2, 0}, false, false, true);
+  std::vector<double> norms;
+  EXPECT_EQ(project->trySolve([&norms](int, double norm) { norms.push_back(norm); }, 4).norms, norms);
+  EXPECT_EQ(norms.size(), 4U);
+  return project;
+}
+
+TEST(Project, CopiesAndSolutionsBringEverythingButTheObservers) {
+  const auto project = solvedCantilever();
+  project->observe([] { FAIL() << "of the original"; });
+  const auto copy = project->copy();
+  const auto expectSameSolution = [&](const Project& other) {
+    EXPECT_EQ(*other.trussElements, *project->trussElements);
+    EXPECT_EQ(*other.beamElements, *project->beamElements);
+    EXPECT_EQ(*other.U_I, *project->U_I);
+    EXPECT_EQ(other.dU_I, project->dU_I);
+    EXPECT_EQ(other.R_I, project->R_I);
+  };
+  expectSameSolution(*copy);
+  copy->name.edit() += "";
+  EXPECT_EQ(*copy->name, "cantilever");
+  EXPECT_EQ(*copy->X_I, *project->X_I);
+  EXPECT_EQ(*copy->F_I, *project->F_I);
+  EXPECT_EQ(*copy->D_I, *project->D_I);
+  EXPECT_EQ(copy->nI, 12);
+  EXPECT_EQ(copy->vv_J, project->vv_J);
+  EXPECT_EQ(copy->magnify, 3);
+  EXPECT_TRUE(copy->H_II.values.empty());
+
+  Project solved("other name");
+  solved.takeSolution(std::move(*solvedCantilever()));
+  expectSameSolution(solved);
+  EXPECT_EQ(solved.H_II.values, project->H_II.values);
+  EXPECT_EQ(*solved.name, "other name");
+  EXPECT_TRUE(solved.X_I->empty());
+}
+
+TEST(Project, ALinearSolveAloneWarnsOfLostStiffness) {
+  const auto warningOf = [](Project& project, double lastDiagonal) {
+    project.H_II.values = {1, 1, lastDiagonal};
+    testing::internal::CaptureStderr();
+    project.LinearSolve();
+    return testing::internal::GetCapturedStderr();
+  };
+  Project project;
+  project.nI = 2;
+  project.H_II = CSR(std::vector<std::vector<std::int32_t>>{{0, 1}, {1}});
+  project.R_I = project.dU_I = {0, 0};
+  EXPECT_EQ(warningOf(project, 2), "");
+  EXPECT_EQ(warningOf(project, 1 + 1e-15).find("Warning: the structure may be unstable at node 0, translation"), 0U);
+  EXPECT_EQ(warningOf(project, 2), "");
+}
+
 /// One announcement for each published property that an operation writes, and before it: ahead of the k-th, no more
 /// than k - 1 of them may differ.
 TEST(Project, AnnouncesEachPropertyBeforeItChanges) {
