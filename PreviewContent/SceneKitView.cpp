@@ -144,9 +144,8 @@ class SceneBuilder {
   void addRestraints() {
     for (std::int64_t i = 0; i < nodes_; ++i) {
       const auto restraints = project_.getNodeRestraints(i);
-      if (!restraints || *restraints == Project::Restraints{}) continue;
       const auto place = drawnPlace(i);
-      if (!place) continue;
+      if (!restraints || !place) continue;
       if (restraints->x) addMarker(*place, {1, 0, 0}, "rest_x_node_", i);
       if (restraints->y) addMarker(*place, {0, 1, 0}, "rest_y_node_", i);
       if (restraints->z) addMarker(*place, {0, 0, 1}, "rest_z_node_", i);
@@ -276,7 +275,7 @@ SceneKitView::StrainExtremes SceneKitView::strainExtremes(const Project& project
 
 Color SceneKitView::colorForStrain(double strain, double minStrain, double maxStrain) {
   constexpr double epsilon = 1e-9;
-  if (std::abs(maxStrain - minStrain) < epsilon || std::abs(strain) <= epsilon) return neutralColor;
+  if (std::abs(maxStrain - minStrain) < epsilon) return neutralColor;
   const auto blend = [](double fraction, const Color& end) {
     const double t = fraction < 1 ? std::max(fraction, 0.0) : 1.0;  // not a number counts as 1
     const auto mix = [t](double from, double to) { return from * (1 - t) + to * t; };

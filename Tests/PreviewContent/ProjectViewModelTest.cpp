@@ -102,6 +102,56 @@ TEST(ProjectViewModel, AnnouncesEachPropertyBeforeItChanges) {
   }
 }
 
+/// One announcement for each published property that an operation writes, and before it: ahead of the k-th, no more
+/// than k - 1 of them may differ. The project, which has announcements of its own, is another observable.
+TEST(ProjectViewModel, AnnouncesEachPropertyThatAnOperationWrites) {
+  TemporaryFolder folder;
+  const auto file = folder.put("a.json", R"({"name":"","trussElements":[],"X_I":[1,2,3,4,5],"F_I":[],"D_I":[]})");
+  const struct {
+    const char* operation;
+    std::function<void(ProjectViewModel&)> change;
+    int announced, byProject;
+  } cases[] = {
+      {"addNode", [](auto& m) { m.addNode(1, 2, 3, false); }, 2, 4},
+      {"addNode, tied", [](auto& m) { m.addNode(1, 2, 3, true); }, 3, 5},
+      {"addTruss", [](auto& m) { m.addTruss(0, 1, 1, 1); }, 1, 1},
+      {"addTruss to nothing", [](auto& m) { m.addTruss(0, 7, 1, 1); }, 0, 0},
+      {"addBeam", [](auto& m) { m.addBeam(0, 1, 1, 1, 1, 1, 1); }, 1, 1},
+      {"setLoadAndRestraint", [](auto& m) { m.setLoadAndRestraint(1, 1, 1, 1, false, true, false); }, 1, 2},
+      {"setNonLinear", [](auto& m) { m.setNonLinear(0, false); }, 0, 1},
+      {"makeLinear", [](auto& m) { m.makeLinear({0}); }, 1, 1},
+      {"saveProject", [&](auto& m) { m.saveProject(folder / "b.json"); }, 0, 0},
+      {"loadProject", [&](auto& m) { m.loadProject(file); }, 3, 0},
+      {"loadProject that fails", [&](auto& m) { m.loadProject(folder / "none"); }, 3, 0},
+      {"newProject", [](auto& m) { m.newProject(); }, 5, 0},
+      {"restore", [](auto& m) { m.restore(std::make_shared<Project>(), std::nullopt); }, 3, 0},
+      {"setProject", [](auto& m) { m.setProject(std::make_shared<Project>()); }, 1, 0},
+      {"setMarks", [](auto& m) { m.setMarks({.nodes = {1}}); }, 0, 0},
+  };
+  for (const auto& [operation, change, announced, byProject] : cases) {
+    SCOPED_TRACE(operation);
+    ProjectViewModel model;
+    int calls = 0, projectCalls = 0;
+    printed([&] {
+      for (const double x : {0.0, 1.0}) model.addNode({x, 0, 0}, true);
+      model.setAppMode(AppMode::addingTruss);
+      model.setSelectedNodesForTruss({1});
+      const auto former = *model.project;
+      const auto differing = [&, state = stateOf(model), nodes = *model.numberOfNodes] {
+        return (*model.project != former) + (*model.numberOfNodes != nodes) + (*model.appMode != std::get<0>(state)) +
+               (*model.selectedNodesForTruss != std::get<1>(state));
+      };
+      model.objectWillChange.observe([&] { EXPECT_LE(differing(), calls++); });
+      const auto subscription = former->observe([&] { ++projectCalls; });
+      change(model);
+      EXPECT_LE(differing(), calls);
+      former->forget(subscription);
+    });
+    EXPECT_EQ(calls, announced);
+    EXPECT_EQ(projectCalls, byProject);
+  }
+}
+
 TEST(ProjectViewModel, TellsObserversBeforeAChangeAndTheWindowAfterIt) {
   TemporaryFolder folder;
   const auto file = folder.put("a.json", R"({"name":"","trussElements":[],"X_I":[1,2,3,4,5],"F_I":[],"D_I":[]})");

@@ -124,11 +124,21 @@ TEST(SceneKitView, LeavesOutWhatHasNoPlace) {
   v.project->addNode({1, 0, 0});
   addBar(*v.project, 0, 1, 1);
   addBeam(*v.project, 0, 1, 1, false);
+  v.project->F_I.edit() = {1, 0, 0, 0, 1, 0};
+  v.project->D_I.edit() = {true, false, false, false, true, true};
+  v.magnification = 2;
+  v.project->U_I.edit() = {0.5, 0, 0, 0, 0, 1e9};
   v.project->U_I.edit().resize(5);  // the displacement of node 1 ends before
   testing::internal::CaptureStdout();
-  EXPECT_THAT(v.names(), testing::ElementsAre("", "", "", "0"));
+  EXPECT_THAT(v.names(), testing::ElementsAre("", "", "", "0", "load_node_0", "rest_x_node_0"));
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "Warning: Could not find coordinates or displacement for nodes of truss element 0.\n");
+  expectNear(v.scene.rootNode.children[3].position, {2, 0, 0}, 1e-12);
+  v.project->U_I.edit().assign(12, 0.0);
+  v.project->F_I.edit().resize(5);
+  v.project->D_I.edit() = {false, true, false, true, true};
+  EXPECT_THAT(v.names(),
+              testing::ElementsAre("", "", "", "0", "1", "element_0", "element_0", "load_node_0", "rest_y_node_0"));
 }
 
 TEST(SceneKitView, TubesRunBetweenTheirEnds) {
@@ -176,6 +186,16 @@ TEST(SceneKitView, ArrowsPointAlongTheirLoads) {
     expectNear(shaft.position, {from.x + (tip.x - from.x) * half, (tip.y - from.y) * half, (tip.z - from.z) * half});
   }
   EXPECT_THROW(v.named("load_node_3"), std::out_of_range);
+
+  const SceneNode slanted = SceneKitView::createArrowNode({1, 1, 1}, {3, -2, 7}, 0.03, 0.1, 0.5, red);  // L = 7
+  const Transform shaft = transformOf(slanted.children[0]), head = transformOf(slanted.children[1]);
+  expectNear(head.translation, {3, -2, 7});
+  expectNear(head.direction({0, 7, 0}), {2, -3, 6}, 1e-4);
+  expectNear(shaft.direction({0, 7, 0}), {2, -3, 6}, 1e-4);
+  EXPECT_NEAR(std::get<Tube>(slanted.children[0].content).height, 6.75, 1e-5);
+  expectNear(shaft.translation, {1 + 3.375 * 2 / 7, 1 - 3.375 * 3 / 7, 1 + 3.375 * 6 / 7}, 1e-5);
+  const SceneNode stub = SceneKitView::createArrowNode({0, 0, 0}, {0.1, 0, 0}, 0.03, 0.1, 0.5, red);
+  EXPECT_EQ(std::get<Tube>(stub.children[0].content).height, 0) << "shorter than half of its head";
 }
 
 TEST(SceneKitView, RestraintsAreConesBeforeTheNode) {
@@ -207,6 +227,9 @@ TEST(SceneKitView, StrainColoursScaleEachSideByItsOwnExtreme) {
   EXPECT_NEAR(halfway.blue, 0.55, 1e-12);
   EXPECT_EQ(color(5, 5, 5), neutral) << "all the same";
   EXPECT_EQ(color(1e-10, -1, 1), neutral);
+  EXPECT_EQ(color(-1e-10, -1, 1), neutral);
+  EXPECT_EQ(color(nan, -1, 1), neutral);
+  EXPECT_EQ(color(-0.5, -2, 3).green, 0.9 * 0.75 + 0.4 * 0.25);
   EXPECT_EQ(color(2, -1, 1), tension) << "beyond the extreme";
   EXPECT_EQ(color(1, nan, nan), tension);
 
