@@ -135,7 +135,7 @@ class HitTester {
     const double along = dot(offset, ray_.direction);
     const double away2 = dot(offset, offset) - along * along;
     // Room for what the difference loses to rounding when the shape is far away.
-    return radius > 0 && away2 <= reach2 + 1e-12 * along * along && (along >= 0 || along * along <= reach2);
+    return away2 <= reach2 + 1e-12 * along * along && (along >= 0 || along * along <= reach2);
   }
 
   [[nodiscard]] std::optional<double> meet(const SceneNode& node, const Transform* outer) const {

@@ -122,7 +122,7 @@ OrbitCamera::ClipPlanes OrbitCamera::clipPlanes(const Bounds& box) const {
     farthest = std::max(farthest, deep);
   }
   const double slack = 0.01 * box.radius();
-  const double far = std::max(1.01 * (farthest + slack), 1e-3);
+  const double far = std::max(1.01 * farthest, 1e-3);
   return {std::max(nearest - slack, far * deepestRatio), far};
 }
 

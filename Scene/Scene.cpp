@@ -5,9 +5,8 @@
 void SceneNode::lookAt(const Vector3& target) {
   const Vector3 sight = target - position;
   if (sight == Vector3{}) return;
-  const double across = std::hypot(sight.x, sight.z);
-  const double yaw = across > 0 ? std::atan2(-sight.x, -sight.z) : 0;
-  const double pitch = std::atan2(sight.y, across);
+  const double yaw = std::atan2(-sight.x, -sight.z);
+  const double pitch = std::atan2(sight.y, std::hypot(sight.x, sight.z));
   // The turn by the pitch about x and then by the yaw about y as one, by the product of their quaternions.
   const double cy = std::cos(yaw / 2), sy = std::sin(yaw / 2), cp = std::cos(pitch / 2), sp = std::sin(pitch / 2);
   const Vector3 axis{cy * sp, sy * cp, -sy * sp};

@@ -104,21 +104,36 @@ TEST(HitTest, MeetsShapesWhereTheyAreUnderAnyTransform) {
 }
 
 TEST(HitTest, KnowsCapsApexBaseAndGrazes) {
-  const SceneNode ball = shape(Sphere{1}), tube = shape(Tube{1, 4}), cone = shape(Cone{1, 2});
+  const SceneNode ball = shape(Sphere{1}), tube = shape(Tube{1, 4}), cone = shape(Cone{1, 2}),
+                  steep = shape(Cone{1, 1});
   const struct {
     const SceneNode& node;
     Ray ray;
     double distance;
   } cases[] = {
-      {ball, {{0, 0, 5}, {0, 0, -2}}, 4},          {ball, {{0, 0, 5}, {0, 0, 1}}, -1},
-      {ball, {{0, 0, 0}, {1, 1, 0}}, 1},           {ball, {{1 - 1e-9, 0, 5}, {0, 0, -1}}, 5 - std::sqrt(2e-9)},
-      {ball, {{1 + 1e-9, 0, 5}, {0, 0, -1}}, -1},  {tube, {{0.5, 9, 0}, {0, -1, 0}}, 7},
-      {tube, {{1.001, 9, 0}, {0, -1, 0}}, -1},     {tube, {{5, 1.999, 0}, {-1, 0, 0}}, 4},
-      {tube, {{5, 2.001, 0}, {-1, 0, 0}}, -1},     {tube, {{0, 0, 0}, {0, 1, 0}}, 2},
-      {cone, {{0, 5, 0}, {0, -1, 0}}, 4},          {cone, {{0, -5, 0}, {0, 1, 0}}, 4},
-      {cone, {{0.999, -5, 0}, {0, 1, 0}}, 4},      {cone, {{1.001, -5, 0}, {0, 1, 0}}, -1},
-      {cone, {{5, 0, 0}, {-1, 0, 0}}, 4.5},        {cone, {{5, 1.5, 0}, {-1, 0, 0}}, -1},
-      {cone, {{5, 0.999, 0}, {-1, 0, 0}}, 4.9995}, {cone, {{0.5, 5, 0}, {0, -1, 0}}, 5},
+      {ball, {{0, 0, 5}, {0, 0, -2}}, 4},
+      {ball, {{0, 0, 5}, {0, 0, 1}}, -1},
+      {ball, {{0, 0, 0}, {1, 1, 0}}, 1},
+      {ball, {{1 - 1e-9, 0, 5}, {0, 0, -1}}, 5 - std::sqrt(2e-9)},
+      {ball, {{1 + 1e-9, 0, 5}, {0, 0, -1}}, -1},
+      {tube, {{0.5, 9, 0}, {0, -1, 0}}, 7},
+      {tube, {{1.001, 9, 0}, {0, -1, 0}}, -1},
+      {tube, {{5, 1.999, 0}, {-1, 0, 0}}, 4},
+      {tube, {{5, 2.001, 0}, {-1, 0, 0}}, -1},
+      {tube, {{0, 0, 0}, {0, 1, 0}}, 2},
+      {cone, {{0, 5, 0}, {0, -1, 0}}, 4},
+      {cone, {{0, -5, 0}, {0, 1, 0}}, 4},
+      {cone, {{0.999, -5, 0}, {0, 1, 0}}, 4},
+      {cone, {{1.001, -5, 0}, {0, 1, 0}}, -1},
+      {cone, {{5, 0, 0}, {-1, 0, 0}}, 4.5},
+      {cone, {{5, 1.5, 0}, {-1, 0, 0}}, -1},
+      {cone, {{5, 0.999, 0}, {-1, 0, 0}}, 4.9995},
+      {cone, {{0.5, 5, 0}, {0, -1, 0}}, 5},
+      // Along the slope of the cone's other side.
+      {steep, {{0, -0.25, 0}, {1, 1, 0}}, 0.375 * std::sqrt(2)},
+      {steep, {{3, 2.75, 0}, {-1, -1, 0}}, 2.625 * std::sqrt(2)},
+      {steep, {{-3, -3.25, 0}, {1, 1, 0}}, 2.75 * std::sqrt(2)},
+      {steep, {{-3, -2.4, 0}, {1, 1, 0}}, -1},
   };
   for (const auto& c : cases) EXPECT_NEAR(distanceTo(c.node, c.ray), c.distance, 1e-6) << &c - cases;
 }
@@ -141,6 +156,12 @@ TEST(HitTest, OrdersByDistanceAndKeepsItsDigitsFarAway) {
     const Vector3 centre{1e6 * i, 7e6, -1e7 + 1e5 * i};
     EXPECT_NEAR(distanceTo(shape(Sphere{0.05}, centre), {{0, 0, 0}, centre}), length(centre) - 0.05, 1e-6);
   }
+  SceneNode doubled, tiny = shape(Sphere{1});
+  doubled.scale = {2, 2, 2};
+  doubled.children = {shape(Sphere{1})};
+  EXPECT_EQ(distanceTo(doubled, {{0, 0, 5}, {0, 0, -1}}), 3);
+  tiny.scale = {1e-8, 1e-8, 1e-8};
+  EXPECT_NEAR(distanceTo(tiny, {{0, 0, 5}, {0, 0, -1}}), 5 - 1e-8, 1e-12);
   const SceneNode endless = shape(Tube{0.05, 2e8});
   EXPECT_NEAR(distanceTo(endless, {{0.03, 9e7 - 60, -80}, {0, 0.6, 0.8}}), 99.95, 1e-6);
   EXPECT_EQ(distanceTo(endless, {{0.0501, 9e7 - 60, -80}, {0, 0.6, 0.8}}), -1);

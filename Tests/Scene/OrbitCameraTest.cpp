@@ -56,6 +56,9 @@ TEST(OrbitCamera, TurnsMovesAndZoomsAboutWhatIsHeld) {
   EXPECT_NEAR(c.depth(held), before.depth, 1e-9);
   c.orbit(held, 0, 9);
   EXPECT_EQ(c.pitch, -pi / 2) << "looking straight down is as far as it goes";
+  c.orbit(held, 4, -99);
+  EXPECT_EQ(c.pitch, pi / 2) << "or straight up";
+  EXPECT_NEAR(c.yaw, 4.4 - 2 * pi, 1e-12);
   c = camera();
   c.pan(held, 30, -20);
   expectSeenAt(c, held, before.x + 30, before.y - 20);
@@ -67,34 +70,38 @@ TEST(OrbitCamera, TurnsMovesAndZoomsAboutWhatIsHeld) {
   EXPECT_NEAR(length(held - c.position), 0.1, 1e-9);
 }
 
-TEST(OrbitCamera, FitsPointsOfAnySizeAndCutsNothingAway) {
+TEST(OrbitCamera, FitsPointsOfAnySizeIntoPicturesOfAnyForm) {
   const std::vector<Vector3> unit{{0, 0, 0}, {4, 0, 1}, {4, 3, -2}, {-1, 2, 5}, {NAN, 0, 0}};
   for (const double scale : {1e-3, 1.0, 1e6}) {
     for (const bool zUp : {false, true}) {
-      std::vector<Vector3> points;
-      Bounds box;
-      for (const Vector3& p : unit) {
-        points.push_back({p.x * scale + 1e7, p.y * scale, p.z * scale});
-        box.add(points.back(), 0.1);
-      }
-      OrbitCamera c = camera();
-      c.zUp = zUp;
-      c.yaw = 0.6;
-      c.pitch = -0.4;
-      c.fit(points);
-      double closest = 1e9;
-      for (std::size_t i = 0; i + 1 < points.size(); ++i) {
-        const auto seen = c.project(points[i]);
-        ASSERT_TRUE(seen);
-        closest = std::min({closest, seen->x, seen->y, c.width - seen->x, c.height - seen->y});
-        const auto [near, far] = c.clipPlanes(box);
-        EXPECT_LT(near, seen->depth);
-        EXPECT_GT(far, seen->depth);
-        EXPECT_GT(near, 0);
-      }
-      EXPECT_GT(closest, 0);
-      if (scale >= 1) {
-        EXPECT_LT(closest, 60) << "one side of the picture is nearly reached";
+      for (const double width : {200.0, 2400.0}) {
+        std::vector<Vector3> points;
+        for (const Vector3& p : unit) points.push_back({p.x * scale + 1e7, p.y * scale, p.z * scale});
+        OrbitCamera c = camera();
+        c.width = width;
+        c.zUp = zUp;
+        c.yaw = 0.6;
+        c.pitch = -0.4;
+        c.fit(points);
+        // From the middle to a side is 1, in each of the four directions.
+        double left = 0, right = 0, down = 0, up = 0;
+        for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+          const auto seen = c.project(points[i]);
+          ASSERT_TRUE(seen);
+          const double x = 2 * seen->x / width - 1, y = 1 - 2 * seen->y / c.height;
+          left = std::max(left, -x), right = std::max(right, x), down = std::max(down, -y), up = std::max(up, y);
+        }
+        if (scale < 1) {
+          EXPECT_LT(std::max({left, right, down, up}), 0.1) << "not nearer than a single node";
+          continue;
+        }
+        const bool wide = width > c.height;
+        const auto [low, high] = wide ? std::pair(down, up) : std::pair(left, right);
+        EXPECT_NEAR(low, 1 / 1.1, 1e-6);
+        EXPECT_NEAR(high, 1 / 1.1, 1e-6);
+        const auto [from, to] = wide ? std::pair(left, right) : std::pair(down, up);
+        EXPECT_LT(std::max(from, to), 0.9);
+        EXPECT_NEAR(from, to, 0.2) << "nearly in the middle";
       }
     }
   }
@@ -103,6 +110,26 @@ TEST(OrbitCamera, FitsPointsOfAnySizeAndCutsNothingAway) {
   EXPECT_EQ(c.position, camera().position);
   c.fit({{3, 3, 3}});
   expectSeenAt(c, {3, 3, 3}, 600, 350);
+  EXPECT_EQ(c.depth({3, 3, 3}), 2);
+}
+
+TEST(OrbitCamera, ClipPlanesHoldTheBoxAndNoMoreThanThat) {
+  const OrbitCamera c = camera();  // 10 before the plane z = 0
+  const auto planes = [&c](double low, double high) {
+    Bounds box;
+    box.add({0, 0, low}, 0);
+    box.add({1, 7, high}, 0);
+    return c.clipPlanes(box);
+  };
+  const auto [near, far] = planes(-20, 5);
+  EXPECT_LT(near, 5);
+  EXPECT_GT(near, 4.8);
+  EXPECT_GT(far, 30);
+  EXPECT_LT(far, 31);
+  EXPECT_NEAR(planes(-20, 11).near, 30 * 1.01 * 1e-4, 1e-9) << "as near as the depth buffer allows";
+  EXPECT_EQ(planes(20, 30).far, 1e-3) << "all of it is behind";
+  EXPECT_EQ(c.clipPlanes({}).near, 0.1);
+  EXPECT_EQ(c.clipPlanes({}).far, 1000);
 }
 
 TEST(OrbitCamera, KeepsTheChosenAxisUpright) {
