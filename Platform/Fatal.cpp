@@ -3,12 +3,27 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
+
+namespace {
+
+std::function<void(std::string_view)>& keeper() {
+  static std::function<void(std::string_view)> keep;
+  return keep;
+}
+
+}  // namespace
+
+void onFatal(std::function<void(std::string_view line)> keep) {
+  keeper() = std::move(keep);
+}
 
 void fatal(std::string_view what) {
   std::fflush(stdout);
-  const std::string line = "Fatal error: " + std::string(what) + "\n";
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  const std::string line = "Fatal error: " + std::string(what);
+  std::fwrite((line + "\n").data(), 1, line.size() + 1, stderr);
   std::fflush(stderr);
+  if (const auto keep = std::exchange(keeper(), {})) keep(line);  // once, should it fail in this way itself
   std::abort();
 }
 

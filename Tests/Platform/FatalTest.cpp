@@ -35,4 +35,15 @@ TEST(Fatal, WritesPendingOutputBeforeItEndsTheProcess) {
   EXPECT_EQ(folder.get("printed"), "printed before");
 }
 
+TEST(Fatal, HandsItsLineToWhoWantsToKeepIt) {
+  const TemporaryFolder folder;
+  onFatal([&](std::string_view line) {
+    folder.put("kept", line);
+    fatal("in the keeper, too");
+  });
+  EXPECT_DEATH(fatal("the end"), "^Fatal error: the end\nFatal error: in the keeper, too\n$");
+  EXPECT_EQ(folder.get("kept"), "Fatal error: the end");
+  onFatal({});
+}
+
 }  // namespace
