@@ -68,6 +68,39 @@ int writeAll(int descriptor, const Producer& produce) {
   return code;
 }
 
+/// Whether a file may still be written itself where nothing can be put in its place for this reason: its folder may not
+/// be changed, it is somebody else's in a folder like /tmp, or it is mounted there on its own.
+bool leavesTheFileWritable(int code) {
+  return code == EACCES || code == EPERM || code == EROFS || code == EBUSY;
+}
+
+/// Room on the disk for `size` bytes of an open file of `oldSize`; 0, or the errno value where there is none.
+int reserve(int descriptor, off_t size, off_t oldSize) {
+  if (size == 0 || ::fallocate(descriptor, 0, 0, size) == 0) return 0;
+  const int code = errno;
+  if (code == EOPNOTSUPP || code == ENOSYS || code == EINVAL) return 0;  // the file system cannot tell
+  return ::ftruncate(descriptor, oldSize) == 0 ? code : errno;
+}
+
+/// Writes over the content of a file. Room is made before the first byte goes, so that a full disk leaves it as it was.
+std::optional<Failure> overwrite(const path& file, std::string_view bytes) {
+  const auto fail = [&](int code) { return systemFailure("cannot write", file, code); };
+  FileDescriptor target(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+  struct stat old {};
+  if (!target.isOpen() || ::fstat(target.get(), &old) != 0) return fail(errno);
+  const auto size = static_cast<off_t>(bytes.size());
+  if (const int code = reserve(target.get(), size, old.st_size); code != 0) return fail(code);
+  if (const int code = writeAll(target.get(), bytes); code != 0) return fail(code);
+  if (::ftruncate(target.get(), size) != 0 || ::fsync(target.get()) != 0 || !target.close()) return fail(errno);
+  return std::nullopt;
+}
+
+std::optional<Failure> overwrite(const path& file, const Producer& produce) {
+  std::string whole;
+  produce([&whole](std::string_view piece) { whole += piece; });
+  return overwrite(file, std::string_view(whole));
+}
+
 std::optional<Failure> writeDirectly(const path& file, const Producer& produce) {
   FileDescriptor target(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
   if (!target.isOpen()) return systemFailure("cannot open", file, errno);
@@ -109,8 +142,7 @@ std::optional<Failure> whyNotReplaceable(const path& requested) {
   if (!exists && errno != ENOENT) return systemFailure("cannot write", requested, errno);
   if (exists && S_ISDIR(old.st_mode)) return systemFailure("cannot write", requested, EISDIR);
   if (exists && ::access(requested.c_str(), W_OK) != 0) return systemFailure("cannot write", requested, errno);
-  if (exists && isOther(old)) return std::nullopt;
-  if (::access(folderOf(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
+  if (!exists && ::access(folderOf(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
     return systemFailure("cannot create a file beside", requested, errno);
   return std::nullopt;
 }
@@ -129,10 +161,18 @@ std::optional<Failure> replaceFile(const path& requested, const Producer& produc
   const path folder = folderOf(target);
   path beside;
   FileDescriptor file = createIn(folder, exists ? ownerOnly : anybody, beside);
+  if (!file.isOpen() && exists && leavesTheFileWritable(errno)) return overwrite(requested, produce);
   if (!file.isOpen()) return systemFailure("cannot create a file beside", requested, errno);
 
   int code = fill(file, produce, exists ? &old : nullptr);
-  if (code == 0 && ::rename(beside.c_str(), target.c_str()) != 0) code = errno;
+  if (code == 0 && ::rename(beside.c_str(), target.c_str()) != 0) {
+    code = errno;
+    if (exists && leavesTheFileWritable(code)) {
+      const auto whole = readFile(beside);
+      ::unlink(beside.c_str());
+      return whole ? overwrite(requested, std::string_view(*whole)) : whole.failure();
+    }
+  }
   if (code != 0) {
     ::unlink(beside.c_str());
     return systemFailure("cannot write", requested, code);

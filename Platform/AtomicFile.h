@@ -12,6 +12,10 @@
 /// it, and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user may,
 /// the owner are kept; a new file gets the user's default permissions. Pipes and devices are written directly.
 ///
+/// Where nothing can be put in the file's place (its folder may not be changed, or it is somebody else's in a folder
+/// like /tmp) it is written over, once all bytes are there and the disk has room for them: only a crash in that moment
+/// can leave a part.
+///
 /// Returns the reason when nothing was replaced. A file that its user marked read-only is not replaced. Other hard
 /// links to the file keep the old content.
 [[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& requested, std::string_view bytes);

@@ -1,16 +1,26 @@
 #include "Platform/AtomicFile.h"
 
 #include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <thread>
 
 #include "Platform/FileBytes.h"
+#include "Platform/FileLock.h"
+#include "Platform/FileStamp.h"
+#include "Platform/PrivateFolder.h"
 #include "Tests/TemporaryFolder.h"
 
 namespace {
@@ -126,6 +136,185 @@ TEST(AtomicFile, LeavesTheOldFileWhenItCannotBeReplaced) {
   EXPECT_EXIT(writeAsUser("/dev/null"), testing::ExitedWithCode(0), "none");  // devices are written directly
   EXPECT_EXIT(writeAsUser("/dev/full"), testing::ExitedWithCode(3), "\"/dev/full\": No space left on device");
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+/// A folder in which the test's ordinary user may write to `file`, "old", but not replace it.
+struct LockedFolder {
+  explicit LockedFolder(mode_t mode) {
+    fs::permissions(folder.path(), fs::perms::all);
+    ::chmod(file.c_str(), 0666);
+    ::chmod(sub.c_str(), mode);
+  }
+
+  TemporaryFolder folder;
+  const fs::path sub = [this] {
+    fs::create_directory(folder / "sub");
+    return folder / "sub";
+  }();
+  const fs::path file = folder.put("sub/file", "the old content");
+};
+
+TEST(AtomicFile, IsWrittenOverWhereNothingCanBePutInItsPlace) {
+  if (::geteuid() != 0) GTEST_SKIP() << "The superuser has to own the folder.";
+  constexpr mode_t closedToOthers = 0755;
+  constexpr mode_t sticky = 01777;  // as /tmp: everybody may add files, and replace only their own
+  for (const mode_t mode : {closedToOthers, sticky}) {
+    const LockedFolder locked(mode);
+    const auto as = [&](const auto& action) {
+      becomeOrdinaryUser();
+      const auto refused = whyNotReplaceable(locked.file);
+      if (refused) {
+        std::fputs(refused->reason.c_str(), stderr);
+        ::_exit(5);
+      }
+      action();
+    };
+    const auto write = [&](const std::string& bytes) { as([&] { replaceAndExit(locked.file, bytes); }); };
+    for (const std::string& bytes : {std::string(200000, 'n'), std::string("short"), std::string()}) {
+      EXPECT_EXIT(write(bytes), testing::ExitedWithCode(0), "none");
+      EXPECT_EQ(locked.folder.get("sub/file"), bytes);
+    }
+
+    // No room: the old content is still there, whole.
+    locked.folder.put("sub/file", "the old content");
+    const auto writeTooMuch = [&] {
+      ::signal(SIGXFSZ, SIG_IGN);
+      const rlimit limit{4096, 4096};
+      ::setrlimit(RLIMIT_FSIZE, &limit);
+      write(std::string(100000, 'x'));
+    };
+    EXPECT_EXIT(writeTooMuch(), testing::ExitedWithCode(3), "cannot write \".*/file\": File too large");
+    EXPECT_EQ(locked.folder.get("sub/file"), "the old content");
+    EXPECT_EQ(std::distance(fs::directory_iterator(locked.sub), {}), 1);
+
+    // Nothing there, and nothing can be: that is known before.
+    const auto create = [&] {
+      becomeOrdinaryUser();
+      const auto refused = whyNotReplaceable(locked.sub / "new");
+      std::fputs(reasonOf(refused).c_str(), stderr);
+      ::_exit(refused ? 3 : 0);
+    };
+    EXPECT_EXIT(create(), testing::ExitedWithCode(mode == sticky ? 0 : 3), mode == sticky ? "none" : "denied");
+  }
+}
+
+TEST(FileStamp, IsAnotherOneAfterEachChangeByAnybody) {
+  const TemporaryFolder folder;
+  const auto file = folder.put("file", "content");
+  EXPECT_EQ(FileStamp::of(folder / "none"), std::nullopt);
+  EXPECT_EQ(FileStamp::of(folder.path()), std::nullopt);
+  const auto old = FileStamp::of(file);
+  ASSERT_TRUE(old);
+  EXPECT_EQ(FileStamp::of(file), old);
+  fs::create_symlink(file, folder / "link");
+  EXPECT_EQ(FileStamp::of(folder / "link"), old);
+  ::chmod(file.c_str(), 0600);
+  EXPECT_EQ(FileStamp::of(file), old);
+
+  const auto time = fs::last_write_time(file);
+  fs::last_write_time(file, time + std::chrono::nanoseconds(1000));  // the same bytes, written later
+  EXPECT_NE(FileStamp::of(file), old);
+  fs::last_write_time(file, time);
+  EXPECT_EQ(FileStamp::of(file), old);
+  folder.put("file", "longer content");
+  fs::last_write_time(file, time);
+  EXPECT_NE(FileStamp::of(file), old);
+  folder.put("other", "content");
+  fs::last_write_time(folder / "other", time);
+  fs::rename(folder / "other", file);
+  EXPECT_NE(FileStamp::of(file), old);
+}
+
+/// For a child process: makes the system answer each flock that this file system has no locks.
+void forgetLocks() {
+  std::array<sock_filter, 4> filter{sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                                    sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
+                                    sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
+                                    sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+  const sock_fprog program{filter.size(), filter.data()};
+  if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+    ::_exit(6);
+}
+
+/// What a process that took the lock and is still running, or was killed, leaves to another one. Ends the process.
+void takeFromAnother(const fs::path& file, bool locksWork, bool killed) {
+  if (!locksWork) forgetLocks();
+  std::array<int, 2> pipe{};
+  if (::pipe(pipe.data()) != 0) ::_exit(7);
+  const pid_t owner = ::fork();
+  if (owner == 0) {
+    const auto lock = FileLock::take(file);
+    if (::write(pipe[1], lock ? "1" : "0", 1) != 1) ::_exit(7);
+    ::pause();
+  }
+  char taken = 0;
+  if (::read(pipe[0], &taken, 1) != 1 || taken != '1') ::_exit(7);
+  if (killed) ::kill(owner, SIGKILL);
+  siginfo_t ended{};
+  if (killed) ::waitid(P_PID, static_cast<id_t>(owner), &ended, WEXITED | WNOWAIT);  // gone, but not waited for
+  const bool free = FileLock::take(file).has_value();
+  const bool freeAgain = FileLock::take(file).has_value();  // the one just taken is given back
+  ::kill(owner, SIGKILL);
+  ::_exit(free && freeAgain ? 1 : 0);
+}
+
+TEST(FileLock, IsFreeOnceItsOwnerIsGoneEvenWhereThereAreNoLocks) {
+  const TemporaryFolder folder;
+  for (const bool locksWork : {true, false}) {
+    for (const bool killed : {true, false}) {
+      SCOPED_TRACE(std::string(locksWork ? "locks" : "no locks") + (killed ? ", killed" : ", running"));
+      EXPECT_EXIT(takeFromAnother(folder / "lock", locksWork, killed), testing::ExitedWithCode(killed ? 1 : 0), "");
+    }
+  }
+  // What is named by a process of another machine, by one before the last start, and by one whose number another has.
+  const auto self = std::to_string(::getpid());
+  const auto line = [](const char* file) {
+    std::string text;
+    std::getline(std::ifstream(file) >> std::ws, text);
+    return text;
+  };
+  const std::string machine = line("/etc/machine-id"), start = line("/proc/sys/kernel/random/boot_id");
+  for (const auto& [owner, free] : {std::pair("another " + start + " 1 1\n", false),
+                                    {machine + " before " + self + " 1\n", true},
+                                    {machine + " " + start + " " + self + " 1\n", true},
+                                    {std::string("nonsense"), true}}) {
+    SCOPED_TRACE(owner);
+    const auto lock = folder.put("named", owner);
+    const auto take = [&] {
+      forgetLocks();
+      ::_exit(FileLock::take(lock) ? 1 : 0);
+    };
+    EXPECT_EXIT(take(), testing::ExitedWithCode(free ? 1 : 0), "");
+  }
+}
+
+TEST(PrivateFolder, IsOneThatBelongsToThisUserAlone) {
+  const TemporaryFolder folder;
+  ::setenv("TMPDIR", folder.path().c_str(), 1);
+  const fs::path expected = folder / ("gavrel-" + std::to_string(::geteuid()));
+  const auto isRefused = [] { return !privateTemporaryFolder(); };
+  for (int i = 0; i < 2; ++i) {  // made, and found
+    const auto found = privateTemporaryFolder();
+    ASSERT_TRUE(found) << found.failure().reason;
+    EXPECT_EQ(*found, expected);
+    EXPECT_EQ(permissions(expected), 0700u);
+  }
+  for (const mode_t mode : {0710u, 0704u, 0777u}) {
+    ::chmod(expected.c_str(), mode);
+    EXPECT_TRUE(isRefused()) << mode;
+  }
+  ::chmod(expected.c_str(), 0700);
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::chown(expected.c_str(), 65534, 65534), 0);
+    EXPECT_TRUE(isRefused()) << "somebody else's";
+  }
+  fs::rename(expected, folder / "other");
+  fs::create_symlink(folder / "other", expected);
+  EXPECT_TRUE(isRefused()) << "a link";
+  fs::remove(expected);
+  folder.put(expected.filename().string(), "");
+  EXPECT_TRUE(isRefused()) << "a file";
+  ::unsetenv("TMPDIR");
 }
 
 TEST(FileBytes, ReadsFilesOfAllSizes) {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+/// Which file stood at a path, and in which state: what is written there or put in its place by anybody has another
+/// stamp.
+struct FileStamp {
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;  ///< inode
+  std::int64_t size = 0;     ///< bytes
+  std::int64_t changed = 0;  ///< last change of the content, nanoseconds since 1970
+
+  /// Of the regular file at the path, symbolic links followed; none where there is no such file.
+  [[nodiscard]] static std::optional<FileStamp> of(const std::filesystem::path& path);
+
+  bool operator==(const FileStamp&) const = default;
+};
