@@ -13,10 +13,17 @@ std::string notFinite(const std::string& where, double number) {
   return where + " is " + numberText(number) + ", which a project file cannot hold";
 }
 
-/// Throws JsonError for the first number that JSON cannot hold.
-void requireFinite(const std::string& key, const std::vector<double>& numbers) {
+std::string describeCoordinate(std::int64_t i) {
+  return "node " + std::to_string(i / 3) + ", " + "xyz"[i % 3];
+}
+
+/// Throws JsonError for the first number that JSON cannot hold; `describe` tells what an entry is of.
+void requireFinite(const std::string& key, const std::vector<double>& numbers,
+                   std::string (*describe)(std::int64_t entry)) {
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    if (!std::isfinite(numbers[i])) throw JsonError(notFinite(key + "[" + std::to_string(i) + "]", numbers[i]));
+    if (std::isfinite(numbers[i])) continue;
+    const std::string meaning = " (" + describe(static_cast<std::int64_t>(i)) + ")";
+    throw JsonError(notFinite(key + "[" + std::to_string(i) + "]" + meaning, numbers[i]));
   }
 }
 
@@ -69,29 +76,22 @@ void readElements(JsonValue json, std::vector<Record>& elements) {
   readJsonItems(json, [&elements](JsonValue item) { readJsonObject(item, elements.emplace_back(), members); });
 }
 
-/// What a project file holds.
-struct Contents {
-  std::string name;
-  std::vector<TrussElement> trussElements;
-  std::vector<BeamElement> beamElements;
-  std::vector<double> X_I;
-  std::vector<double> F_I;
-  std::vector<bool> D_I;
-};
-
 constexpr std::array contentMembers{
-    JsonMember<Contents>{"name", [](JsonValue json, Contents& to) { readJson(json, to.name); }},
-    JsonMember<Contents>{"trussElements", [](JsonValue json, Contents& to) { readElements(json, to.trussElements); }},
-    JsonMember<Contents>{"beamElements",
-                         [](JsonValue json, Contents& to) {
-                           if (!jsonResult(json.is_null())) readElements(json, to.beamElements);
-                         },
-                         false},
-    JsonMember<Contents>{"X_I", [](JsonValue json, Contents& to) { readJson(json, to.X_I); }},
-    JsonMember<Contents>{"F_I", [](JsonValue json, Contents& to) { readJson(json, to.F_I); }},
-    JsonMember<Contents>{"D_I", [](JsonValue json, Contents& to) { readJson(json, to.D_I); }}};
+    JsonMember<ProjectContents>{"name", [](JsonValue json, ProjectContents& to) { readJson(json, to.name); }},
+    JsonMember<ProjectContents>{"trussElements",
+                                [](JsonValue json, ProjectContents& to) { readElements(json, to.trussElements); }},
+    JsonMember<ProjectContents>{"beamElements",
+                                [](JsonValue json, ProjectContents& to) {
+                                  if (!jsonResult(json.is_null())) readElements(json, to.beamElements);
+                                },
+                                false},
+    JsonMember<ProjectContents>{"X_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.X_I); }},
+    JsonMember<ProjectContents>{"F_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.F_I); }},
+    JsonMember<ProjectContents>{"D_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.D_I); }}};
 
-std::shared_ptr<Project> projectOf(Contents contents) {
+}  // namespace
+
+std::shared_ptr<Project> projectOf(ProjectContents contents) {
   auto project = std::make_shared<Project>(std::move(contents.name), std::move(contents.trussElements),
                                            std::move(contents.beamElements));
   project->X_I.edit() = std::move(contents.X_I);
@@ -106,15 +106,13 @@ std::shared_ptr<Project> projectOf(Contents contents) {
   return project;
 }
 
-}  // namespace
-
 std::optional<Failure> whyNotEncodable(const Project& project) {
   try {
     if (!simdjson::validate_utf8(*project.name)) throw JsonError("the project's name is not valid UTF-8");
     requireFinite("trussElements", *project.trussElements);
     requireFinite("beamElements", *project.beamElements);
-    requireFinite("X_I", *project.X_I);
-    requireFinite("F_I", *project.F_I);
+    requireFinite("X_I", *project.X_I, describeCoordinate);
+    requireFinite("F_I", *project.F_I, describeDof);
   } catch (const JsonError& error) {
     return Failure{error.what()};
   }
@@ -135,7 +133,7 @@ void encodeProject(const Project& project, const ByteSink& sink) {
 
 Result<std::shared_ptr<Project>> decodeProject(std::string json) {
   try {
-    Contents contents;
+    ProjectContents contents;
     JsonDocument(std::move(json)).read([&contents](JsonValue root) { readJsonObject(root, contents, contentMembers); });
     return projectOf(std::move(contents));
   } catch (const JsonError& error) {

@@ -4,11 +4,25 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "DataModel/Project.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/JsonWriter.h"
 #include "Platform/Result.h"
+
+/// What is kept of a project.
+struct ProjectContents {
+  std::string name;
+  std::vector<TrussElement> trussElements;
+  std::vector<BeamElement> beamElements;
+  std::vector<double> X_I;
+  std::vector<double> F_I;
+  std::vector<bool> D_I;
+};
+
+/// A project of these contents, taken as they are; displacements and work arrays are zeros.
+[[nodiscard]] std::shared_ptr<Project> projectOf(ProjectContents contents);
 
 /// What keeps the project from being kept in a file: a number that is not finite, or a name that is not valid UTF-8.
 [[nodiscard]] std::optional<Failure> whyNotEncodable(const Project& project);

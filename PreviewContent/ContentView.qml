@@ -24,11 +24,12 @@ Item {
     readonly property alias calculation: solver
     readonly property alias visualization: view
     readonly property alias dock: dataDock
+    readonly property alias fileSheets: files
     readonly property bool compact: width < 1000
     readonly property bool narrow: width < 790
     readonly property string plainName: projectViewModel.projectName.replace(/\//g, "-")
     /// Whether a sheet or panel is open, so that what lies behind it has to wait.
-    readonly property bool blocked: covered || view.showingSheet
+    readonly property bool blocked: covered || view.showingSheet || files.presented
         || [nodeForm, trussForm, beamForm, convergence, importForm, noticeSheet, replaceQuestion, saveQuestion].some(sheet => sheet.presented)
         || [savePanel, openPanel, importPanel, exportPanel].some(panel => panel.visible)
 
@@ -47,8 +48,16 @@ Item {
     }
 
     function save() {
+        files.changeOnDisk = projectViewModel.changeOnDisk();
+        if (files.changeOnDisk === "")
+            write();
+    }
+
+    function write() {
         if (projectViewModel.saveProject())
             goOn();
+        else if (files.failedSave !== "")
+            files.asksForPlace = true;
         else
             showSavePanel();
     }
@@ -87,6 +96,14 @@ Item {
             action();
     }
 
+    /// Does this at once unless it shows a structure that ends the program, for which there is a reason then: asks first.
+    function whenShowable(name, danger, action) {
+        if (danger === "")
+            action();
+        else
+            files.askToShow(name, danger, action);
+    }
+
     function newProject() {
         whenSaved(() => projectViewModel.newProject());
     }
@@ -96,7 +113,7 @@ Item {
     }
 
     function open(url) {
-        whenSaved(() => projectViewModel.loadProject(url));
+        whenSaved(() => projectViewModel.openProject(url));
     }
 
     function showImportPanel() {
@@ -331,10 +348,19 @@ Item {
         }
     }
 
+    FileSheets {
+        id: files
+
+        projectViewModel: root.projectViewModel
+        onOverwriteChosen: root.write()
+        onPlaceRequested: root.showSavePanel()
+        onCancelled: root.waitingAction = null
+    }
+
     Sheet {
         id: saveQuestion
 
-        presented: root.waitingAction !== null && !savePanel.visible && root.replacing === null
+        presented: root.waitingAction !== null && !savePanel.visible && root.replacing === null && !files.presented
         onDismissed: root.waitingAction = null
 
         QuestionView {
@@ -412,7 +438,7 @@ Item {
         title: qsTr("Open Project")
         nameFilters: [qsTr("JSON files (*.json)")]
         palette: root.palette
-        onAccepted: files => root.projectViewModel.loadProject(files[0])
+        onAccepted: files => root.projectViewModel.openProject(files[0])
     }
 
     FilePanel {

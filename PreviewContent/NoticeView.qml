@@ -8,8 +8,12 @@ Item {
     id: root
 
     required property string text
+    property string closing: qsTr("Close")
+    /// What there is to do about it, if anything.
+    property string action: ""
 
     signal dismiss()
+    signal acted()
 
     implicitWidth: 440
     implicitHeight: stack.implicitHeight + 32
@@ -37,11 +41,24 @@ Item {
             maximumLineCount: 20
             elide: Text.ElideRight
         }
-        ProminentButton {
-            Layout.alignment: Qt.AlignRight
-            horizontalPadding: 12
-            text: qsTr("Close")
-            onClicked: root.dismiss()
+        RowLayout {
+            spacing: 8
+
+            Button {
+                objectName: "action"
+                horizontalPadding: 12
+                visible: root.action !== ""
+                text: root.action
+                onClicked: root.acted()
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            ProminentButton {
+                horizontalPadding: 12
+                text: root.closing
+                onClicked: root.dismiss()
+            }
         }
     }
 }

@@ -10,6 +10,7 @@
 #include "Platform/Console.h"
 #include "Platform/Fatal.h"
 #include "Platform/NumberText.h"
+#include "PreviewContent/Drawable.h"
 #include "PreviewContent/FileUrl.h"
 
 namespace {
@@ -77,8 +78,10 @@ void ProjectViewModel::addBeam(qint64 startNodeId, qint64 endNodeId, double area
 }
 
 bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& target) {
-  const auto report = [](const Failure& failure) {
+  const auto report = [this](const Failure& failure) {
     printLine("Failed to save project: " + failure.reason);
+    setHasUnsavedChanges(true);
+    emit saveFailed(QString::fromStdString(failure.reason));
     return false;
   };
   if (const auto failure = whyNotEncodable(**project)) return report(*failure);
@@ -90,7 +93,11 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
     printLine("No save location specified. Use 'Save As...'");
     return false;
   }
-  if (const auto failure = writeProject(**project, *currentFileUrl)) return report(*failure);
+  const auto failure = writeProject(**project, *currentFileUrl);
+  // After a failure, too: its user has agreed to replace what stands there.
+  currentFileStamp_ = FileStamp::of(*currentFileUrl);
+  if (failure) return report(*failure);
+  setFileThatHoldsIt(currentFileUrl);
   setHasUnsavedChanges(false);
   printLine("Project saved successfully to " + currentFileUrl->filename().string());
   emit fileUsed();
@@ -102,39 +109,57 @@ bool ProjectViewModel::saveProject(const QUrl& target) {
 }
 
 bool ProjectViewModel::loadProject(const std::optional<std::filesystem::path>& source) {
+  return load(source, /*onlyIfDrawable=*/false);
+}
+
+bool ProjectViewModel::openProject(const std::optional<std::filesystem::path>& source) {
+  return load(source, /*onlyIfDrawable=*/true);
+}
+
+bool ProjectViewModel::load(const std::optional<std::filesystem::path>& source, bool onlyIfDrawable) {
   if (!source) {
     printLine("No load file specified. Use 'Open...'");
     return false;
   }
   emit endangered();
+  const auto stamp = FileStamp::of(*source);  // before it is read, so that a change meanwhile is noticed
   auto loaded = readProject(*source);
   if (!loaded) {
     printLine("Failed to load project: " + loaded.failure().reason);
-    if ((*project)->nodeCount() > 0) previous_ = {*project, currentFileUrl, hasUnsavedChanges_};
-    replace(std::make_shared<Project>(), std::nullopt, false);
+    if ((*project)->nodeCount() > 0) previous_ = {*project, origin(), hasUnsavedChanges_};
+    replace(std::make_shared<Project>(), {}, false);
+    emit openFailed(QString::fromStdString(loaded.failure().reason));
     return false;
   }
-  replace(std::move(*loaded), source, false, "Project loaded successfully from " + source->filename().string());
+  if (const auto danger = whyNotDrawable(**loaded); danger && onlyIfDrawable) {
+    heldBack_ = *source;
+    emit openHeldBack(QString::fromStdString(source->filename().string()), QString::fromStdString(danger->reason));
+    return false;
+  }
+  replace(std::move(*loaded), {source, stamp}, false,
+          "Project loaded successfully from " + source->filename().string());
   emit fileUsed();
   return true;
 }
 
-void ProjectViewModel::replace(std::shared_ptr<Project> next, const std::optional<std::filesystem::path>& file,
-                               bool unsaved, const std::string& line) {
+void ProjectViewModel::replace(std::shared_ptr<Project> next, const Origin& origin, bool unsaved,
+                               const std::string& line) {
   const std::int64_t nodes = next->nodeCount();
   project.edit() = std::move(next);
   numberOfNodes.edit() = nodes;
-  currentFileUrl = file;
+  currentFileUrl = origin.file;
+  currentFileStamp_ = origin.stamp;
   setMarks({});
   announce();
   if (!line.empty()) printLine(line);
   emit currentFileChanged();
+  setFileThatHoldsIt(origin.file);
   setHasUnsavedChanges(unsaved);
   emit projectLoaded();
 }
 
-void ProjectViewModel::restore(std::shared_ptr<Project> structure, const std::optional<std::filesystem::path>& file) {
-  replace(std::move(structure), file, true);
+void ProjectViewModel::restore(std::shared_ptr<Project> structure, const Origin& origin) {
+  replace(std::move(structure), origin, true);
   emit structureEdited();
 }
 
@@ -142,19 +167,30 @@ void ProjectViewModel::restorePrevious() {
   if (!previous_) return;
   emit endangered();
   const Previous former = *std::exchange(previous_, std::nullopt);
-  replace(former.project, former.file, former.unsaved);
+  replace(former.project, former.origin, former.unsaved);
   if (former.unsaved) emit structureEdited();
+}
+
+QString ProjectViewModel::changeOnDisk() const {
+  if (!currentFileUrl) return {};
+  const auto now = FileStamp::of(*currentFileUrl);
+  if (now == currentFileStamp_) return {};
+  return now ? QStringLiteral("changed") : QStringLiteral("removed");
 }
 
 bool ProjectViewModel::loadProject(const QUrl& source) {
   return loadProject(pathOf(source));
 }
 
+bool ProjectViewModel::openProject(const QUrl& source) {
+  return openProject(pathOf(source));
+}
+
 void ProjectViewModel::newProject() {
   setAppMode(AppMode::normal);
   setSelectedNodesForTruss({});
   emit endangered();
-  replace(std::make_shared<Project>(), std::nullopt, false);
+  replace(std::make_shared<Project>(), {}, false);
 }
 
 NodeContents ProjectViewModel::nodeContents(qint64 nodeID) const {
@@ -263,6 +299,11 @@ void ProjectViewModel::announceEdit() {
 
 void ProjectViewModel::setHasUnsavedChanges(bool value) {
   if (std::exchange(hasUnsavedChanges_, value) != value) emit unsavedChangesChanged();
+}
+
+void ProjectViewModel::setFileThatHoldsIt(const std::optional<std::filesystem::path>& file) {
+  fileThatHoldsIt_ = file;
+  emit currentFileHoldsItChanged();
 }
 
 QVariantList ProjectViewModel::selectedNodes() const {

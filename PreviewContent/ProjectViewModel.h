@@ -13,6 +13,7 @@
 
 #include "DataModel/Project.h"
 #include "Exchange/Import.h"
+#include "Platform/FileStamp.h"
 #include "Platform/Observable.h"
 #include "PreviewContent/AppMode.h"
 #include "PreviewContent/SheetContents.h"
@@ -35,6 +36,7 @@ class ProjectViewModel : public QObject {
   Q_PROPERTY(bool isStrainVisualizationActive READ strainActive WRITE setIsStrainVisualizationActive NOTIFY
                  isStrainVisualizationActiveChanged)
   Q_PROPERTY(QString currentFileName READ currentFileName NOTIFY currentFileChanged)
+  Q_PROPERTY(bool currentFileHoldsIt READ currentFileHoldsIt NOTIFY currentFileHoldsItChanged)
   Q_PROPERTY(QUrl currentFolder READ currentFolder NOTIFY currentFileChanged)
   Q_PROPERTY(bool hasUnsavedChanges READ hasUnsavedChanges NOTIFY unsavedChangesChanged)
   Q_PROPERTY(bool hasPrevious READ hasPrevious NOTIFY projectChanged)
@@ -45,6 +47,12 @@ class ProjectViewModel : public QObject {
     std::vector<std::int64_t> nodes = {};
     std::vector<std::int64_t> trusses = {};
     std::vector<std::int64_t> beams = {};
+  };
+
+  /// The file that a structure came from, as it then was.
+  struct Origin {
+    std::optional<std::filesystem::path> file;
+    std::optional<FileStamp> stamp;
   };
 
   Observable objectWillChange;
@@ -77,7 +85,8 @@ class ProjectViewModel : public QObject {
                            double shearModulus);
 
   /// Writes the project to `target`, which becomes the current file even if the write fails, or to the current file.
-  /// False, with the reason on standard output, if there is neither or the file could not be written.
+  /// False, with the reason on standard output, if there is neither or the file could not be written; the structure
+  /// then counts as unsaved.
   bool saveProject(const std::optional<std::filesystem::path>& target);
   Q_INVOKABLE bool saveProject(const QUrl& target = {});
 
@@ -86,15 +95,28 @@ class ProjectViewModel : public QObject {
   bool loadProject(const std::optional<std::filesystem::path>& source);
   Q_INVOKABLE bool loadProject(const QUrl& source);
 
+  /// The same for a user: what would end the process as soon as it is drawn is held back, and nothing changes, until
+  /// `openAnyway` is called.
+  bool openProject(const std::optional<std::filesystem::path>& source);
+  Q_INVOKABLE bool openProject(const QUrl& source);
+  Q_INVOKABLE void openAnyway() { loadProject(heldBack_); }
+
   /// Starts again with an empty project without a file, in normal mode with nothing selected.
   Q_INVOKABLE void newProject();
 
   /// Publishes a project that is not kept in a file as it is, but may have come from one.
-  void restore(std::shared_ptr<Project> structure, const std::optional<std::filesystem::path>& file);
+  void restore(std::shared_ptr<Project> structure, const Origin& origin);
 
   /// Brings back what a file that could not be read has replaced.
   Q_INVOKABLE void restorePrevious();
   [[nodiscard]] bool hasPrevious() const { return previous_.has_value(); }
+
+  /// What others have done to the current file since it was read or written here: "changed", "removed" or nothing.
+  [[nodiscard]] Q_INVOKABLE QString changeOnDisk() const;
+  /// The current file and its state when it was last read or written.
+  [[nodiscard]] Origin origin() const { return {currentFileUrl, currentFileStamp_}; }
+  /// Whether the current file, if there is one, has ever held this structure: not if it could not be written.
+  [[nodiscard]] bool currentFileHoldsIt() const { return currentFileUrl == fileThatHoldsIt_; }
 
   /// Takes the structure as it is for one that need not be saved.
   Q_INVOKABLE void discardChanges() { setHasUnsavedChanges(false); }
@@ -143,6 +165,10 @@ class ProjectViewModel : public QObject {
   void projectLoaded();   ///< the project is another one
   void isStrainVisualizationActiveChanged();
   void currentFileChanged();
+  void currentFileHoldsItChanged();
+  void saveFailed(const QString& reason);
+  void openFailed(const QString& reason);
+  void openHeldBack(const QString& file, const QString& reason);
   void fileUsed();         ///< the current file was read or written
   void structureEdited();  ///< not by opening or beginning another
   void unsavedChangesChanged();
@@ -153,20 +179,24 @@ class ProjectViewModel : public QObject {
   /// A project and what is known of it.
   struct Previous {
     std::shared_ptr<Project> project;
-    std::optional<std::filesystem::path> file;
+    Origin origin;
     bool unsaved;
   };
 
   void announceEdit();
   void setHasUnsavedChanges(bool value);
+  void setFileThatHoldsIt(const std::optional<std::filesystem::path>& file);
+  bool load(const std::optional<std::filesystem::path>& source, bool onlyIfDrawable);
   /// `line`: what to print of it.
-  void replace(std::shared_ptr<Project> next, const std::optional<std::filesystem::path>& file, bool unsaved,
-               const std::string& line = {});
+  void replace(std::shared_ptr<Project> next, const Origin& origin, bool unsaved, const std::string& line = {});
   void announce();
   template <class Value>
   void set(Published<Value>& property, Value value, void (ProjectViewModel::*changed)());
 
   bool hasUnsavedChanges_ = false;
+  std::optional<FileStamp> currentFileStamp_;
+  std::optional<std::filesystem::path> fileThatHoldsIt_;
+  std::optional<std::filesystem::path> heldBack_;
   Marks marks_;
   std::optional<Previous> previous_;
 

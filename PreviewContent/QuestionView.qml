@@ -4,6 +4,7 @@ import QtQuick.Layouts
 import Gavrel.Views
 
 /// A question with its explanation, and three answers: one that loses something, one that does nothing, and the usual one.
+/// Without a text for it, there is no button for the second.
 Item {
     id: root
 
@@ -44,6 +45,7 @@ Item {
         spacing: 12
 
         Label {
+            objectName: "question"
             Layout.fillWidth: true
             text: root.question
             textFormat: Text.PlainText
@@ -75,6 +77,7 @@ Item {
             Button {
                 objectName: "nothing"
                 horizontalPadding: 12
+                visible: root.nothing !== ""
                 text: root.nothing
                 onClicked: root.dismiss()
             }

@@ -8,7 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
+#include "Platform/FileBytes.h"
+#include "PreviewContent/Drawable.h"
 
 namespace fs = std::filesystem;
 
@@ -22,6 +25,11 @@ constexpr const char* extension = ".recovery";
 
 fs::path lockOf(const fs::path& file) {
   return file.string() + ".lock";
+}
+
+/// Beside a recovery file: why its process has ended, where that is known.
+fs::path reasonOf(const fs::path& file) {
+  return file.string() + ".reason";
 }
 
 /// The recovery files in the folder, the last written first.
@@ -75,7 +83,8 @@ void Recovery::write() {
     lock_ = FileLock::take(lockOf(file_));
   }
   writing_ = true;
-  RecoveredProject content{(*viewModel_.project)->copy(), viewModel_.currentFileUrl, QDateTime::currentDateTime()};
+  const auto [file, stamp] = viewModel_.origin();
+  RecoveredProject content{(*viewModel_.project)->copy(), file, stamp, QDateTime::currentDateTime()};
   writer_.start([this, content = std::move(content)] {
     const auto failure = writeRecovery(file_, content);
     const auto reason = failure ? QString::fromStdString(failure->reason) : QString();
@@ -87,7 +96,7 @@ void Recovery::write() {
 void Recovery::written(const QString& failure) {
   writing_ = false;
   if (pending_)
-    soon_.start();
+    write();  // what has changed meanwhile has waited long enough
   else
     pending_ = !failure.isEmpty();  // to be tried again with the next change, or before the next danger
   if (std::exchange(failure_, failure) != failure) emit failureChanged();
@@ -106,11 +115,13 @@ void Recovery::finishWriting() {
 }
 
 void Recovery::forget() {
-  finishWriting();
   pending_ = false;
   soon_.stop();
+  finishWriting();
+  pending_ = false;  // set again where the last writing has failed
   std::error_code ignored;
   fs::remove(file_, ignored);
+  fs::remove(reasonOf(file_), ignored);
   if (!std::exchange(failure_, {}).isEmpty()) emit failureChanged();
 }
 
@@ -130,7 +141,8 @@ void Recovery::look(int furtherTries) {
       printWarning("the recovery file " + file.string() + " is left alone: " + content.failure().reason);
       continue;
     }
-    offer_ = Offer{file, std::move(*lock), std::move(*content)};
+    const auto reason = readFile(reasonOf(file));
+    offer_ = Offer{file, std::move(*lock), std::move(*content), reason ? *reason : ""};
     emit offerChanged();
     return;
   }
@@ -140,7 +152,7 @@ void Recovery::look(int furtherTries) {
 
 void Recovery::restoreOffer() {
   if (!offer_) return;
-  viewModel_.restore(offer_->content.project, offer_->content.file);
+  viewModel_.restore(offer_->content.project, {offer_->content.file, offer_->content.stamp});
   flush();
   if (failure_.isEmpty()) removeOfferedFile();
   postponeOffer();
@@ -163,7 +175,23 @@ void Recovery::postponeOffer() {
 void Recovery::removeOfferedFile() {
   std::error_code ignored;
   fs::remove(offer_->file, ignored);
+  fs::remove(reasonOf(offer_->file), ignored);
   fs::remove(lockOf(offer_->file), ignored);
+}
+
+void Recovery::keepReason(std::string_view reason) const {
+  std::error_code ignored;
+  if (!fs::exists(file_, ignored)) return;
+  if (const auto failure = replaceFile(reasonOf(file_), reason)) printWarning(failure->reason);
+}
+
+QString Recovery::offeredReason() const {
+  return offer_ ? QString::fromStdString(offer_->reason) : QString();
+}
+
+QString Recovery::offeredDanger() const {
+  const auto danger = offer_ ? whyNotDrawable(*offer_->content.project) : std::nullopt;
+  return danger ? QString::fromStdString(danger->reason) : QString();
 }
 
 QString Recovery::offeredName() const {

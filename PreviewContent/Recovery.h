@@ -6,6 +6,9 @@
 #include <QTimer>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "Platform/FileLock.h"
 #include "PreviewContent/ProjectViewModel.h"
@@ -24,6 +27,8 @@ class Recovery : public QObject {
   Q_PROPERTY(QString offeredTime READ offeredTime NOTIFY offerChanged)
   Q_PROPERTY(qint64 offeredNodes READ offeredNodes NOTIFY offerChanged)
   Q_PROPERTY(qint64 offeredElements READ offeredElements NOTIFY offerChanged)
+  Q_PROPERTY(QString offeredReason READ offeredReason NOTIFY offerChanged)
+  Q_PROPERTY(QString offeredDanger READ offeredDanger NOTIFY offerChanged)
   Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
 
  public:
@@ -44,12 +49,19 @@ class Recovery : public QObject {
   /// Declares the unsaved changes worthless.
   Q_INVOKABLE void forget();
 
+  /// Keeps a line that tells why this process ends, for who is offered what it leaves. Nothing where it leaves nothing.
+  void keepReason(std::string_view reason) const;
+
   [[nodiscard]] bool hasOffer() const { return offer_.has_value(); }
   [[nodiscard]] QString offeredName() const;
   [[nodiscard]] QString offeredFile() const;
   [[nodiscard]] QString offeredTime() const;
   [[nodiscard]] qint64 offeredNodes() const;
   [[nodiscard]] qint64 offeredElements() const;
+  /// Why the process that left it has ended; empty where it could not tell.
+  [[nodiscard]] QString offeredReason() const;
+  /// Why drawing it ends the process; empty if it does not.
+  [[nodiscard]] QString offeredDanger() const;
   /// Why the last change could not be kept; empty if it is.
   [[nodiscard]] const QString& failure() const { return failure_; }
 
@@ -62,6 +74,7 @@ class Recovery : public QObject {
     std::filesystem::path file;
     FileLock lock;
     RecoveredProject content;
+    std::string reason;
   };
 
   void edited();

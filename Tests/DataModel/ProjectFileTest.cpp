@@ -164,8 +164,8 @@ TEST(ProjectFile, RefusesToWriteWhatJsonCannotHold) {
     void (*spoil)(Project&);
     const char* reason;
   } cases[] = {
-      {[](Project& p) { p.X_I.edit()[1] = Limits::quiet_NaN(); }, "X_I[1] is nan"},
-      {[](Project& p) { p.F_I.edit()[11] = -Limits::infinity(); }, "F_I[11] is -inf"},
+      {[](Project& p) { p.X_I.edit()[1] = Limits::quiet_NaN(); }, "X_I[1] (node 0, y) is nan"},
+      {[](Project& p) { p.F_I.edit()[11] = -Limits::infinity(); }, "F_I[11] (node 1, rotation about z) is -inf"},
       {[](Project& p) { p.trussElements.edit()[0].EAL3 = Limits::infinity(); }, "trussElements[0].EAL3 is inf"},
       {[](Project& p) { p.beamElements.edit()[0].dθy = Limits::quiet_NaN(); }, "beamElements[0].dθy is nan"},
       {[](Project& p) { p.name.edit() = "\xC3("; }, "name is not valid UTF-8"},

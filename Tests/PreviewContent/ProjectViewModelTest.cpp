@@ -224,19 +224,142 @@ TEST(ProjectViewModel, SavesAndLoads) {
   EXPECT_EQ(model.currentFileUrl, std::nullopt);
 }
 
-TEST(ProjectViewModel, AFailedSaveKeepsItsTarget) {
+TEST(ProjectViewModel, AFailedSaveKeepsItsTargetAndWhatIsUnsaved) {
   TemporaryFolder folder;
   ProjectViewModel model;
+  int changes = 0;
+  QStringList reasons;
+  QObject::connect(&model, &ProjectViewModel::unsavedChangesChanged, [&] { ++changes; });
+  QObject::connect(&model, &ProjectViewModel::saveFailed, [&](const QString& reason) { reasons += reason; });
   const auto target = folder / "missing/model.json";
   EXPECT_THAT(printed([&] { EXPECT_FALSE(model.saveProject(target)); }), StartsWith("Failed to save project: "));
   EXPECT_EQ(model.currentFileUrl, target);
+  EXPECT_FALSE(model.currentFileHoldsIt());
+  EXPECT_TRUE(model.hasUnsavedChanges());
+  ASSERT_EQ(reasons.size(), 1);
+  EXPECT_TRUE(reasons.first().contains("missing/model.json"));
+
+  changes = 0;
+  EXPECT_FALSE(model.saveProject(QUrl()));
+  EXPECT_EQ(changes, 0) << "it counted as saved for a while, and what is kept for recovery was given up";
 
   // What no file can hold is refused before a location is looked at.
+  model.addNode({0, 1, 2}, false);
   model.addNode({0, std::numeric_limits<double>::quiet_NaN(), 0}, false);
   EXPECT_THAT(printed([&] { EXPECT_FALSE(model.saveProject(folder / "nan.json")); }),
-              StartsWith("Failed to save project: X_I[1] is nan"));
+              StartsWith("Failed to save project: X_I[4] (node 1, y) is nan"));
   EXPECT_EQ(model.currentFileUrl, target);
   EXPECT_EQ(folder.entries(), 0);
+
+  std::filesystem::create_directory(folder / "missing");
+  (*model.project)->X_I.edit()[4] = 0;
+  EXPECT_TRUE(model.saveProject(QUrl()));
+  EXPECT_TRUE(model.currentFileHoldsIt());
+  EXPECT_FALSE(model.hasUnsavedChanges());
+  EXPECT_FALSE(model.saveProject(folder / "none/other.json"));
+  EXPECT_FALSE(model.currentFileHoldsIt());
+  EXPECT_TRUE(model.hasUnsavedChanges());
+}
+
+TEST(ProjectViewModel, EachChangeOfTheStructureIsUnsavedAndToldOf) {
+  TemporaryFolder folder;
+  const auto nodes = folder.put("nodes.csv", "node,x,y,z\n0,5,5,5\n");
+  ProjectViewModel model;
+  int edits = 0;
+  QObject::connect(&model, &ProjectViewModel::structureEdited, [&] { ++edits; });
+  for (const double x : {0.0, 1.0, 2.0}) model.addNode({x, 0, 0}, true);
+  const std::pair<const char*, std::function<void()>> cases[] = {
+      {"addNode",
+       [&] {
+         model.addNode({3, 0, 0}, false);
+       }},
+      {"addTruss", [&] { model.addTruss(0, 2, 1, 1); }},
+      {"addBeam", [&] { model.addBeam(0, 2, 1, 1, 1, 1, 1); }},
+      {"setLoadAndRestraint", [&] { model.setLoadAndRestraint(0, 1, 0, 0, false, false, false); }},
+      {"setNonLinear", [&] { model.setNonLinear(0, false); }},
+      {"makeLinear", [&] { model.makeLinear({1}); }},
+      {"importFiles", [&] { EXPECT_TRUE(model.importFiles({nodes}, {})); }},
+      {"restore", [&] { model.restore((*model.project)->copy(), {}); }},
+      {"restorePrevious", [&] {
+         model.loadProject(folder / "none");
+         edits = 0;
+         model.restorePrevious();
+       }}};
+  for (const auto& [name, change] : cases) {
+    SCOPED_TRACE(name);
+    if (std::string(name) != "restorePrevious") model.discardChanges();
+    edits = 0;
+    change();
+    EXPECT_TRUE(model.hasUnsavedChanges());
+    EXPECT_GT(edits, 0);
+  }
+
+  // What was saved before a failed open is so after it was brought back, and its file is that again.
+  const auto file = folder / "saved.json";
+  model.saveProject(file);
+  const auto stamp = model.origin().stamp;
+  edits = 0;
+  model.loadProject(folder / "none");
+  model.restorePrevious();
+  EXPECT_FALSE(model.hasUnsavedChanges());
+  EXPECT_EQ(edits, 0);
+  EXPECT_EQ(model.origin().file, file);
+  EXPECT_EQ(model.origin().stamp, stamp);
+  EXPECT_TRUE(model.currentFileHoldsIt());
+}
+
+TEST(ProjectViewModel, SeesWhatOthersHaveDoneToItsFile) {
+  TemporaryFolder folder;
+  const auto file = folder / "a.json";
+  ProjectViewModel model;
+  EXPECT_EQ(model.changeOnDisk(), "");
+  model.addNode({1, 2, 3}, false);
+  model.saveProject(file);
+  EXPECT_EQ(model.changeOnDisk(), "");
+  model.addNode({2, 2, 3}, false);
+
+  ProjectViewModel second;
+  second.loadProject(file);
+  EXPECT_EQ(second.changeOnDisk(), "");
+  second.saveProject(QUrl());
+  EXPECT_EQ(model.changeOnDisk(), "changed");
+  std::filesystem::remove(file);
+  EXPECT_EQ(model.changeOnDisk(), "removed");
+  model.saveProject(QUrl());
+  EXPECT_EQ(model.changeOnDisk(), "");
+  EXPECT_EQ(second.changeOnDisk(), "changed");
+  second.loadProject(file);
+  EXPECT_EQ(second.changeOnDisk(), "");
+
+  // What stands at the place of a save that failed was to be replaced.
+  std::filesystem::create_directory(folder / "folder");
+  model.saveProject(folder / "folder");
+  EXPECT_EQ(model.changeOnDisk(), "");
+}
+
+TEST(ProjectViewModel, HoldsBackWhatWouldEndTheProcessWhenDrawn) {
+  TemporaryFolder folder;
+  Project dangerous;
+  dangerous.addNode({0, 0, 0});
+  dangerous.trussElements.edit().emplace_back(0, 0, -1, Vector3{}, Vector3{1, 0, 0}, 1, 1, false, false);
+  const auto file = folder / "dangerous.json";
+  ASSERT_EQ(writeProject(dangerous, file), std::nullopt);
+  ProjectViewModel model;
+  QStringList asked;
+  QObject::connect(&model, &ProjectViewModel::openHeldBack, [&](const QString& name, const QString& reason) {
+    asked = {name, reason};
+  });
+  model.addNode({1, 1, 1}, false);
+  model.addNode({1, 1, 2}, false);
+  const auto former = *model.project;
+  EXPECT_EQ(printed([&] { EXPECT_FALSE(model.openProject(file)); }), "");
+  EXPECT_EQ(asked, QStringList({"dangerous.json", "trussElements[0] names node -1"}));
+  EXPECT_EQ(*model.project, former);
+  EXPECT_EQ(*model.numberOfNodes, 2);
+  EXPECT_EQ(model.currentFileUrl, std::nullopt);
+  EXPECT_TRUE(model.hasUnsavedChanges());
+  EXPECT_EQ(printed([&] { model.openAnyway(); }), "Project loaded successfully from dangerous.json\n");
+  EXPECT_EQ(*model.numberOfNodes, 1);
 }
 
 TEST(ProjectViewModel, AFailedLoadLeavesAnEmptyProject) {

@@ -9,6 +9,7 @@
 #include <numbers>
 
 #include "PreviewContent/Coordinator.h"
+#include "PreviewContent/Drawable.h"
 #include "Scene/Transform.h"
 #include "Tests/Structures.h"
 
@@ -248,12 +249,31 @@ TEST(SceneKitView, StrainColoursScaleEachSideByItsOwnExtreme) {
   EXPECT_GT(SceneKitView::strainExtremes(Project()).min, SceneKitView::strainExtremes(Project()).max);
 }
 
-TEST(SceneKitViewDeathTest, NegativeNodesInElementsAreFatal) {
-  View v;
-  v.project->addNode({0, 0, 0});
-  addBar(*v.project, 0, 0, 1);
-  v.project->trussElements.edit()[0].endNodeId = -1;
-  EXPECT_DEATH(v.update(), "Fatal error: ");
+TEST(SceneKitViewDeathTest, WhatEndsTheProcessWhenDrawnIsKnownBefore) {
+  constexpr std::int64_t largest = (std::numeric_limits<std::int64_t>::max() - 2) / 3;
+  for (const std::int64_t node : {std::int64_t{0}, std::int64_t{2}, largest, largest + 1, std::int64_t{1} << 62,
+                                  std::numeric_limits<std::int64_t>::max(), std::int64_t{-1}, -largest,
+                                  std::numeric_limits<std::int64_t>::min()}) {
+    for (const bool isBeam : {false, true}) {
+      for (const bool atStart : {false, true}) {
+        SCOPED_TRACE(std::to_string(node) + (isBeam ? " of a beam" : " of a bar"));
+        View drawn;
+        drawn.project->addNode({0, 0, 0});
+        drawn.project->addNode({1, 0, 0});
+        const std::int64_t start = atStart ? node : 0, end = atStart ? 0 : node;
+        if (isBeam)
+          drawn.project->beamElements.edit().emplace_back(0, start, end, Vector3{}, Vector3{1, 0, 0}, 1, 1, 1, 1, 1,
+                                                          false);
+        else
+          drawn.project->trussElements.edit().emplace_back(0, start, end, Vector3{}, Vector3{1, 0, 0}, 1, 1, false,
+                                                           false);
+        if (whyNotDrawable(*drawn.project))
+          EXPECT_DEATH(drawn.update(), "Fatal error: ");
+        else
+          drawn.update();
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -238,6 +238,9 @@ TestCase {
         model.loadProject("file:///does/not/exist.json");
         standardOutput.stop();
         compare(model.numberOfNodes, 0);
+        verify(content.fileSheets.presented);
+        keyClick(Qt.Key_Escape);
+        verify(!content.fileSheets.presented);
         action(1, "Restore Previous Structure").trigger();
         compare(model.numberOfNodes, 1);
         verify(!action(1, "Restore Previous Structure").enabled);
