@@ -24,6 +24,7 @@ GavrelApp::GavrelApp(QObject* parent)
       updateManager({.versionCheckUrl = QStringLiteral(GAVREL_UPDATE_SERVER "/versions.json"),
                      .bundle = mainBundle(),
                      .publicKey = QByteArray::fromBase64(GAVREL_UPDATE_PUBLIC_KEY),
+                     .whyNotNow = [this] { return whyNotToBeEnded(); },
                      .terminate = [this] { restart(); }}),
       recovery(projectViewModel, recoveryFolder()),
       recentFiles(projectViewModel,
@@ -39,12 +40,24 @@ bool GavrelApp::start(const std::optional<std::filesystem::path>& file, const st
                                 {"updateFailure", QString::fromStdString(updateFailure)}});
   engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Gavrel/GavrelApp.qml")));
   if (engine_.rootObjects().isEmpty()) return false;
-  if (file) projectViewModel.loadProject(file);
+  if (file) projectViewModel.openProject(file);
   return true;
 }
 
-void GavrelApp::restart() {
+QString GavrelApp::whyNotToBeEnded() {
   recovery.flush();
-  engine_.rootObjects().constFirst()->setProperty("asksBeforeClosing", false);
+  if (!projectViewModel.hasUnsavedChanges()) return {};
+  return recovery.failure();
+}
+
+void GavrelApp::restart() {
+  QObject& window = *engine_.rootObjects().constFirst();
+  if (const QString reason = whyNotToBeEnded(); !reason.isEmpty()) {
+    updateManager.skipUpdate();
+    window.setProperty("staysBecause", reason);
+    return;
+  }
+  recovery.keepReason(tr("It was ended to install an update.").toStdString());
+  window.setProperty("asksBeforeClosing", false);
   QCoreApplication::quit();
 }

@@ -32,7 +32,9 @@ class GavrelApp : public QObject {
   RecentFiles recentFiles;
 
  private:
-  /// Ends the program without a question; what is not saved is offered at the next start.
+  /// Why what is not saved would be lost if the program ended now; empty if it would be offered at the next start.
+  [[nodiscard]] QString whyNotToBeEnded();
+  /// Ends the program without a question. Stays, and tells why, if something would be lost.
   void restart();
 
   QQmlApplicationEngine engine_;

@@ -14,6 +14,8 @@ ApplicationWindow {
     property bool asksBeforeClosing: true
     /// Why an update that was to be installed before this start was not.
     property string updateFailure
+    /// Why the program has not ended for an update that is installed.
+    property string staysBecause
 
     readonly property bool shouldShowUpdateSheet: ["checking", "updateAvailable", "downloading", "downloaded", "installing",
         "error"].includes(updateManager.state.name)
@@ -24,6 +26,7 @@ ApplicationWindow {
     minimumHeight: 420
     visible: true
     title: (projectViewModel.hasUnsavedChanges ? "*" : "") + (projectViewModel.currentFileName || projectViewModel.projectName)
+        + (projectViewModel.currentFileHoldsIt ? "" : qsTr(" (not saved)"))
     palette: appearance.dark ? darkPalette : lightPalette
 
     Component.onCompleted: {
@@ -69,7 +72,7 @@ ApplicationWindow {
 
         anchors.fill: parent
         projectViewModel: window.projectViewModel
-        covered: offer.presented || updateSheet.presented || about.visible || controls.visible
+        covered: offer.presented || stayNotice.presented || updateSheet.presented || about.visible || controls.visible
     }
 
     AboutDialog {
@@ -81,21 +84,40 @@ ApplicationWindow {
     }
 
     Sheet {
+        id: stayNotice
+
+        presented: window.staysBecause !== ""
+        onDismissed: window.staysBecause = ""
+
+        NoticeView {
+            text: qsTr("The new version is installed and starts by itself. This window stays open, because its changes cannot be kept without being saved.\n\n%1").arg(window.staysBecause)
+            action: qsTr("Save")
+            onActed: {
+                dismiss();
+                content.save();
+            }
+        }
+    }
+
+    Sheet {
         id: offer
 
-        presented: window.recovery.hasOffer
+        presented: window.recovery.hasOffer && !content.fileSheets.presented
         onDismissed: window.recovery.postponeOffer()
 
         QuestionView {
             question: qsTr("Restore “%1”?").arg(window.recovery.offeredName)
-            explanation: qsTr("Gavrel ended before this structure was saved.\n\n%1 nodes, %2 elements, last changed %3")
+            explanation: qsTr("Gavrel ended before this structure was saved.\n%1\n\n").arg(window.recovery.offeredReason
+                    || qsTr("It has left no reason: it was ended from outside, or by a fault of its own."))
+                + qsTr("%1 nodes, %2 elements, last changed %3")
                 .arg(window.recovery.offeredNodes).arg(window.recovery.offeredElements).arg(window.recovery.offeredTime)
                 + (window.recovery.offeredFile !== "" ? qsTr("\nOpened from %1").arg(window.recovery.offeredFile) : "")
             losing: qsTr("Discard")
             nothing: qsTr("Later")
             usual: qsTr("Restore")
             onLost: window.recovery.discardOffer()
-            onChosen: content.whenSaved(() => window.recovery.restoreOffer())
+            onChosen: content.whenSaved(() => content.whenShowable(window.recovery.offeredName, window.recovery.offeredDanger,
+                () => window.recovery.restoreOffer()))
         }
     }
 

@@ -3,11 +3,14 @@
 #include <QIcon>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <csignal>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include "GavrelApp.h"
 #include "Options.h"
+#include "Platform/Fatal.h"
 #include "Screenshot.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
@@ -57,7 +60,10 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName(QStringLiteral("gavrel"));
 
   if (options.screenshot) return writeScreenshot(options);
+  // The window lives on when nobody reads its standard output any more.
+  std::signal(SIGPIPE, SIG_IGN);
   GavrelApp app;
+  onFatal([&app](std::string_view line) { app.recovery.keepReason(line); });
   if (!app.start(options.file, options.updateFailure)) return 1;
   return QApplication::exec();
 }

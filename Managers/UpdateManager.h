@@ -32,7 +32,9 @@ class UpdateManager : public QObject {
     QByteArray publicKey = {};                ///< Ed25519, 32 bytes; where it is empty, updates need no signature
     qint64 largestArchive = qint64{1} << 30;  ///< bytes
     std::chrono::milliseconds silence = std::chrono::minutes(1);  ///< after which a transfer has failed
-    std::function<void()> terminate = {};                         ///< ends the program so that it can be replaced
+    std::function<QString()> whyNotNow =
+        {};                                ///< asked before an installation; what it answers, if anything, forbids it
+    std::function<void()> terminate = {};  ///< ends the program so that it can be replaced
   };
 
   explicit UpdateManager(Setup setup, QObject* parent = nullptr);

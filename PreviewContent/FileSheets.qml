@@ -55,8 +55,8 @@ Item {
         }
 
         NoticeView {
-            text: qsTr("“%1” was not saved.\n\n%2").arg(root.projectViewModel.currentFileName || root.projectViewModel.projectName)
-                .arg(root.failedSave)
+            text: qsTr("“%1” was not saved.").arg(root.projectViewModel.currentFileName || root.projectViewModel.projectName)
+                + "\n\n" + root.failedSave
             closing: root.asksForPlace ? qsTr("Choose Another Place…") : qsTr("Close")
         }
     }
