@@ -124,7 +124,7 @@ TEST(ProjectViewModel, AnnouncesEachPropertyThatAnOperationWrites) {
       {"loadProject", [&](auto& m) { m.loadProject(file); }, 3, 0},
       {"loadProject that fails", [&](auto& m) { m.loadProject(folder / "none"); }, 3, 0},
       {"newProject", [](auto& m) { m.newProject(); }, 5, 0},
-      {"restore", [](auto& m) { m.restore(std::make_shared<Project>(), std::nullopt); }, 3, 0},
+      {"restore", [](auto& m) { m.restore(std::make_shared<Project>(), {}); }, 3, 0},
       {"setProject", [](auto& m) { m.setProject(std::make_shared<Project>()); }, 1, 0},
       {"setMarks", [](auto& m) { m.setMarks({.nodes = {1}}); }, 0, 0},
   };
@@ -207,8 +207,8 @@ TEST(ProjectViewModel, SavesAndLoads) {
             "Project loaded successfully from a b.json\n");
   EXPECT_NE(*model.project, former);
   EXPECT_EQ(*(*model.project)->trussElements, *former->trussElements);
-  for (const auto& [url, name] : {std::pair("/a%20b.json", "a b.json"), {"/none", ""}}) {  // without a scheme
-    model.loadProject(QUrl(QString::fromStdString(folder.path().string()) + url));
+  for (const auto& [url, name] : {std::pair("/a%20b.json", "a b.json"), {"/none", ""}}) {
+    model.loadProject(QUrl("file://" + QString::fromStdString(folder.path().string()) + url));
     EXPECT_EQ(model.property("currentFileName"), name);
   }
   model.loadProject(folder / "a b.json");

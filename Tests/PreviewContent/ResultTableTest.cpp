@@ -20,7 +20,7 @@ struct Tables : testing::Test {
     for (const double x : {0.0, 5.0, 3.0, -4.0, 6.0}) project->addNode({x, 0, 0});
     for (const std::int64_t end : {1, 2, 3}) addBar(*project, 0, end, 1);
     addBeam(*project, 0, 4, 7, false);
-    model.restore(std::move(project), std::nullopt);
+    model.restore(std::move(project), {});
     elements.setProperty("ofElements", true);
     for (ResultTable* table : {&nodes, &elements}) {
       table->setProjectViewModel(&model);

@@ -34,7 +34,7 @@ struct SceneArea {
     for (const Vector3& place : {Vector3{0, 5, 0}, {4, 5, 0}, {0, 9, 0}}) project->addNode(place);
     addBar(*project, 0, 1, 1);
     addBeam(*project, 2, 1, 1, false);
-    model.restore(std::move(project), std::nullopt);
+    model.restore(std::move(project), {});
     contents.setProjectViewModel(&model);
     contents.update();
     camera.setContents(&contents);
