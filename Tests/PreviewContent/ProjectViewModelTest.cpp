@@ -419,6 +419,13 @@ TEST(RecentFiles, AreTheLastTenThatAreStillThere) {
   EXPECT_EQ(recent->paths(), expected);
   printed([&] { EXPECT_TRUE(model->loadProject(RecentFiles::url(expected[3]))); });
   EXPECT_EQ(recent->paths().first(), expected[3]);
+  // Another copy of the program reads and writes the same file.
+  EXPECT_THAT(folder.get("config/settings.ini"),
+              testing::HasSubstr("recentFiles=\"" + expected[3].section(u',', 0, 0).toStdString() + ","));
+  const auto theirs = folder.put("theirs.json", "");
+  folder.put("config/settings.ini", "[General]\nrecentFiles=" + theirs.string() + "\n");
+  save("ours.json");
+  EXPECT_EQ(recent->paths(), QStringList({path("ours.json"), path("theirs.json")}));
   recent->clear();
   EXPECT_EQ(recent->paths(), QStringList());
 }

@@ -243,6 +243,8 @@ TEST(SceneKitView, StrainColoursScaleEachSideByItsOwnExtreme) {
   v.project->trussElements.edit()[0].dUx = -0.001;
   v.project->trussElements.edit()[1].dUx = 0.003;
   EXPECT_EQ(v.named("element_0").color, yellow);
+  EXPECT_EQ(SceneKitView::strainExtremes(*v.project).min, -0.001);
+  EXPECT_EQ(SceneKitView::strainExtremes(*v.project).max, 0.003);
   v.strain = true;
   EXPECT_EQ(v.named("element_0").color, compression);
   EXPECT_EQ(v.named("element_1").color, tension);
