@@ -1,9 +1,7 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
-
-using testing::HasSubstr;
 
 TEST(Check, TellsWhatItFindsAndWithWhichStatus) {
   const TemporaryFolder folder;
@@ -22,8 +20,8 @@ TEST(Check, TellsWhatItFindsAndWithWhichStatus) {
             "1 finding\n");
   const auto forScripts = gavrelCli({"check", "--json", drifting});
   EXPECT_EQ(forScripts.status, 3);
-  EXPECT_THAT(forScripts.output, HasSubstr(R"("title": "Loads on supports")"));
-  EXPECT_THAT(forScripts.output, HasSubstr("\"nodes\": [\n      1\n    ]"));
-
-  EXPECT_EQ(gavrelCli({"check", folder / "none.json"}).status, 1);
+  EXPECT_EQ(withoutSpace(forScripts.output),
+            R"([{"consequence":"Neverconverges","title":"Loadsonsupports","text":"Arestraineddirectionofnode1carriesa)"
+            R"(load,whichmovesitfurtherineachstep,andthesolveneverconverges:removetheloadortherestraint.",)"
+            R"("nodes":[1],"trusses":[],"beams":[]}])");
 }

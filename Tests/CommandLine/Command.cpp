@@ -55,6 +55,11 @@ std::vector<std::string> words(const std::string& text) {
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
+std::string withoutSpace(std::string text) {
+  std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+  return text;
+}
+
 CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const CommandStreams& streams) {
   const auto output = openStream(false);
   const auto errors = openStream(streams.errorsToTerminal);

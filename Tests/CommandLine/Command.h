@@ -21,6 +21,9 @@ struct CommandStreams {
 
 [[nodiscard]] std::vector<std::string> words(const std::string& text);
 
+/// The text without blanks and line ends, to compare JSON by.
+[[nodiscard]] std::string withoutSpace(std::string text);
+
 /// A project of one bar between a held node and one that is pulled along x by 20 and rolls there; EA/L = 1000. A load
 /// on the pulled node's restrained y keeps it from ever converging.
 [[nodiscard]] std::string singleBarJson(double loadOnRestraint = 0);

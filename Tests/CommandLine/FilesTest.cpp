@@ -12,9 +12,12 @@ TEST(Files, WhatIsNoProjectIsRefusedWithItsReasonByEveryCommand) {
   for (const auto& [name, reason] : {std::pair{"cut.json", "line 2, column 29"},
                                      {"none.json", "none.json\": No such file or directory"},
                                      {".", "Is a directory"}}) {
-    for (const char* command : {"solve", "info"}) {
-      const auto outcome = gavrelCli({command, folder / name});
-      EXPECT_EQ(outcome.status, 1);
+    for (const char* command : {"solve", "info", "check", "export --nodes FILE", "import FILE -o FILE --into"}) {
+      auto list = words(command);
+      std::ranges::replace(list, "FILE", (folder / "x.csv").string());
+      list.push_back(folder / name);
+      const auto outcome = gavrelCli(list);
+      EXPECT_EQ(outcome.status, 1) << command;
       EXPECT_EQ(outcome.output, "");
       EXPECT_THAT(outcome.errors, AllOf(StartsWith("Failed to load project: "), HasSubstr(reason)));
     }

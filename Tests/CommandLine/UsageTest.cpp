@@ -10,6 +10,12 @@ TEST(Usage, EveryCommandHasHelpWithAnExample) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, testing::HasSubstr("Example:\n  gavrel-cli "));
   }
+  const std::string bridge = gavrelCli({"generate", "bridge", "--help"}).output;
+  for (const char* default_ :
+       {"--load FX FY FZ=[0 0 -1000] ", "--span FLOAT=40 ", "--panels INT:INT in [2 - 100000]=8"})
+    EXPECT_THAT(bridge, testing::HasSubstr(default_));
+  for (const char* default_ : {"--area FLOAT=25 ", "--modulus FLOAT=100000 "})
+    EXPECT_THAT(gavrelCli({"import", "--help"}).output, testing::HasSubstr(default_));
   const auto version = gavrelCli({"--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_THAT(version.output, testing::MatchesRegex("gavrel-cli [0-9]+\\.[0-9]+\\.[0-9]+\n"));

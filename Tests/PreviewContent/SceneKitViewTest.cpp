@@ -72,7 +72,9 @@ TEST(SceneKitView, DrawsInAFixedOrderUnderFixedNames) {
   v.project->D_I.edit()[4] = true;
   EXPECT_THAT(v.names(), testing::ElementsAre("", "", "", "0", "1", "element_0", "element_0", "load_node_0",
                                               "load_node_1", "rest_x_node_0", "rest_z_node_0", "rest_y_node_1"));
+  testing::internal::CaptureStdout();
   const auto& nodes = v.update();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_TRUE(std::holds_alternative<Camera>(nodes[0].content));
   EXPECT_EQ(nodes[0].position, (Vector3{0, 5, 10}));
   EXPECT_TRUE(std::holds_alternative<AmbientLight>(nodes[1].content));
