@@ -14,6 +14,6 @@ struct JsonFault {
   [[nodiscard]] std::string describe(std::string_view text) const;
 };
 
-/// Scans `text` by the grammar of RFC 8259, numbers within the range of a double and strings in valid UTF-8. It is
-/// slower than the parser proper and serves to say where and why that one gave up.
-[[nodiscard]] std::optional<JsonFault> scanJson(std::string_view text);
+/// Says where and why a text that the reader has given up on is not JSON; a leading byte order mark is skipped. Nothing if
+/// it is JSON, or if a number beyond the parser's reach stands before the fault.
+[[nodiscard]] std::optional<JsonFault> findJsonFault(std::string_view text);

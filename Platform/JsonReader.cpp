@@ -1,13 +1,17 @@
 #include "Platform/JsonReader.h"
 
-#include <cmath>
-
 #include "Platform/JsonFault.h"
 #include "Platform/NumberText.h"
 
 namespace {
 
 using simdjson::ondemand::json_type;
+
+/// The spelling of a value that is neither an array nor an object.
+std::string_view tokenOf(JsonValue json) {
+  const std::string_view token = json.raw_json_token();  // and the white space after it
+  return token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
+}
 
 std::string whatIs(JsonValue json) {
   json_type type{};
@@ -18,11 +22,9 @@ std::string whatIs(JsonValue json) {
     case json_type::object:
       return "an object";
     case json_type::number: {
-      double number = 0;
-      if (json.get_double().get(number) != simdjson::SUCCESS) return "a number";
-      std::string text = "the number ";
-      appendJsonNumber(text, number);
-      return text;
+      constexpr std::size_t longest = 40;
+      const std::string_view number = tokenOf(json);
+      return number.size() > longest ? "a number" : "the number " + std::string(number);
     }
     case json_type::string:
       return "a text";
@@ -37,9 +39,32 @@ std::string whatIs(JsonValue json) {
   return "something else";
 }
 
-/// Parts of the text that nobody reads still have to be JSON.
-void requireJson(std::string_view part) {
-  if (const auto scan = scanJson(part)) throw JsonError(scan->reason);
+/// Parts of the text that nobody reads still have to be JSON, so each value in them is read.
+void skip(JsonValue json, int levels) {
+  if (levels == 0) throw JsonError("the text is nested too deep");
+  double number = 0;
+  bool truth = false;
+  std::string text;
+  switch (jsonResult(json.type())) {
+    case json_type::array:
+      for (const auto item : jsonArray(json)) skip(jsonResult<JsonValue>(item), levels - 1);
+      return;
+    case json_type::object:
+      for (auto member : jsonObject(json)) {
+        auto field = jsonResult<simdjson::ondemand::field>(member);
+        static_cast<void>(jsonResult<std::string_view>(field.unescaped_key()));
+        skip(field.value(), levels - 1);
+      }
+      return;
+    case json_type::number:
+      return readJson(json, number);
+    case json_type::string:
+      return readJson(json, text);
+    case json_type::boolean:
+      return readJson(json, truth);
+    case json_type::null:
+      if (!jsonResult(json.is_null())) throwUnexpected("a value", json);
+  }
 }
 
 }  // namespace
@@ -71,23 +96,23 @@ void JsonDocument::end() {
 }
 
 void JsonDocument::requireJson() const {
-  auto fault = scanJson(std::string_view(text_).substr(start_));
-  if (!fault) return;
-  fault->offset += start_;
-  throw JsonError("not valid JSON at " + fault->describe(text_));
+  if (const auto fault = findJsonFault(text_)) throw JsonError("not valid JSON at " + fault->describe(text_));
 }
 
 void throwUnexpected(std::string_view expectedType, JsonValue json) {
   throw JsonError("expected " + std::string(expectedType) + ", found " + whatIs(json));
 }
 
-void readWholeNumber(JsonValue json, std::int64_t& value) {
-  constexpr double limit = 9223372036854775808.0;  // 2^63
-  JsonValue number = json;
-  double real = 0;
-  if (number.get_double().get(real) != simdjson::SUCCESS || std::trunc(real) != real || real < -limit || real >= limit)
-    throwUnexpected("a whole number", json);
-  value = static_cast<std::int64_t>(real);
+void readAnyNumber(JsonValue json, double& value) {
+  const auto number = parseJsonNumber(tokenOf(json));
+  if (!number) throwUnexpected("a number", json);
+  value = *number;
+}
+
+void readAnyNumber(JsonValue json, std::int64_t& value) {
+  const auto number = parseJsonWholeNumber(tokenOf(json));
+  if (!number) throwUnexpected("a whole number", json);
+  value = *number;
 }
 
 void readJson(JsonValue json, std::string& value) {
@@ -97,23 +122,8 @@ void readJson(JsonValue json, std::string& value) {
 }
 
 void skipJson(JsonValue json) {
-  double number = 0;
-  bool truth = false;
-  std::string text;
-  switch (jsonResult(json.type())) {
-    case json_type::array:
-      return ::requireJson(jsonResult(jsonArray(json).raw_json()));
-    case json_type::object:
-      return ::requireJson(jsonResult(jsonObject(json).raw_json()));
-    case json_type::number:
-      return readJson(json, number);
-    case json_type::string:
-      return readJson(json, text);
-    case json_type::boolean:
-      return readJson(json, truth);
-    case json_type::null:
-      if (!jsonResult(json.is_null())) throwUnexpected("a value", json);
-  }
+  constexpr int deepest = 1000;
+  skip(json, deepest);
 }
 
 simdjson::ondemand::object jsonObject(JsonValue json) {

@@ -65,26 +65,32 @@ class JsonDocument {
 /// Ends the reading of a value that is not of the expected type.
 [[noreturn]] void throwUnexpected(std::string_view expectedType, JsonValue json);
 
-/// Reads a whole number that is not written as one ("3.0").
-void readWholeNumber(JsonValue json, std::int64_t& value);
+/// Reads any number: as the nearest double, or as a whole number however written ("3.0").
+void readAnyNumber(JsonValue json, double& value);
+void readAnyNumber(JsonValue json, std::int64_t& value);
 
 /// The typed readers throw JsonError for a value of another type. A whole number may be written with a fraction of zero
 /// or an exponent ("3", "3.0", "3e0"); a boolean is no number.
 void readJson(JsonValue json, std::string& value);
 
+/// simdjson 3.0 reads numbers of up to this many characters right. Of longer ones it misreads those with a zero before the
+/// point and more than 19 digits that count, and refuses exponents of 20 digits.
+inline constexpr std::size_t shortNumber = 21;
+
 inline void readJson(JsonValue json, double& value) {
-  if (json.get_double().get(value) != simdjson::SUCCESS) throwUnexpected("a number", json);
+  if (json.raw_json_token().size() > shortNumber || json.get_double().get(value) != simdjson::SUCCESS)
+    readAnyNumber(json, value);
 }
 
 inline void readJson(JsonValue json, std::int64_t& value) {
-  if (json.get_int64().get(value) != simdjson::SUCCESS) readWholeNumber(json, value);
+  if (json.get_int64().get(value) != simdjson::SUCCESS) readAnyNumber(json, value);
 }
 
 inline void readJson(JsonValue json, bool& value) {
   if (json.get_bool().get(value) != simdjson::SUCCESS) throwUnexpected("true or false", json);
 }
 
-/// Reads past a value that nobody needs.
+/// Reads past a value that nobody needs; throws JsonError where it is not JSON or nested too deep.
 void skipJson(JsonValue json);
 
 /// Throws JsonError unless `json` is an object or array, respectively.

@@ -2,10 +2,12 @@
 
 #include <locale.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace {
 
@@ -42,6 +44,51 @@ std::optional<double> parseNumber(const std::string& text) {
   char* end = nullptr;
   const double number = ::strtod_l(text.c_str(), &end, plainLocale);
   if (end != text.c_str() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::optional<double> parseJsonNumber(std::string_view token) {
+  const auto isDigit = [token](std::size_t i) { return i < token.size() && token[i] >= '0' && token[i] <= '9'; };
+  const std::size_t first = token.starts_with('-') ? 1 : 0;
+  std::size_t i = first;
+  while (isDigit(i)) ++i;
+  // from_chars takes more than JSON has: "nan", ".5", "01", "5.".
+  if (i == first || (token[first] == '0' && i > first + 1)) return std::nullopt;
+  if (i < token.size() && token[i] == '.' && !isDigit(i + 1)) return std::nullopt;
+  double number = 0;
+  const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), number);
+  if (end != token.data() + token.size()) return std::nullopt;
+  if (error == std::errc()) return number;
+  const auto limit = parseNumber(std::string(token));  // infinite or, where it is too small, zero
+  return limit && std::isfinite(*limit) ? limit : std::nullopt;
+}
+
+std::optional<std::int64_t> parseJsonWholeNumber(std::string_view token) {
+  if (!parseJsonNumber(token)) return std::nullopt;
+  const std::string_view sign = token.substr(0, token.starts_with('-') ? 1 : 0);
+  const std::size_t mark = std::min(token.find_first_of("eE"), token.size());
+  std::string digits(token.substr(sign.size(), mark - sign.size()));
+  // Without point and outer zeros, the number is 0.DIGITS times ten to the power of `places`.
+  std::ptrdiff_t places = static_cast<std::ptrdiff_t>(std::min(digits.find('.'), digits.size()));
+  std::erase(digits, '.');
+  digits.erase(digits.find_last_not_of('0') + 1);  // npos + 1 is 0: nothing but zeros
+  if (digits.empty()) return 0;
+  const std::size_t zeros = digits.find_first_not_of('0');
+  digits.erase(0, zeros);
+  places -= static_cast<std::ptrdiff_t>(zeros);
+
+  std::string_view exponentText = token.substr(std::min(mark + 1, token.size()));
+  if (exponentText.starts_with('+')) exponentText.remove_prefix(1);
+  int exponent = 0;
+  const auto parsed = std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
+  if (!exponentText.empty() && parsed.ec != std::errc()) return std::nullopt;
+  places += exponent;
+  constexpr std::ptrdiff_t mostDigits = std::numeric_limits<std::int64_t>::digits10 + 1;
+  if (std::ssize(digits) > places || places > mostDigits) return std::nullopt;
+  digits.resize(static_cast<std::size_t>(places), '0');
+  digits.insert(0, sign);
+  std::int64_t number = 0;
+  if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) return std::nullopt;
   return number;
 }
 

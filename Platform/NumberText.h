@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 /// Text of `number` with the fewest digits that read back to the same double: positional with at least one decimal for
 /// zero and for 1e-4 <= |number| <= 2^53 ("0.0", "-2.5", "100000.0"), otherwise with an exponent of at least two digits
@@ -13,6 +14,14 @@
 /// infinity or NaN ("inf", "infinity", "nan" in any case). Nothing for any other text, spaces around a number and an
 /// empty text included. Numbers too large become infinite, too small ones zero. The user's locale does not matter.
 [[nodiscard]] std::optional<double> parseNumber(const std::string& text);
+
+/// The double nearest to the number that the whole of `token` spells in JSON's notation; nothing for any other text and
+/// for numbers too large for a double. Numbers too small become zero.
+[[nodiscard]] std::optional<double> parseJsonNumber(std::string_view token);
+
+/// The whole number that `token` spells in JSON's notation, however written ("3", "3.0", "0.3e1"); nothing for any other
+/// text, for fractions and for numbers beyond 64 bits.
+[[nodiscard]] std::optional<std::int64_t> parseJsonWholeNumber(std::string_view token);
 
 /// Appends the JSON form of a finite `number`: numberText without the fraction of a whole number ("100", "1e+16"), and
 /// negative zero as "-0.0" so that its sign is read back.

@@ -122,12 +122,19 @@ TEST(ProjectFile, ReadsNumbersOfEveryNotation) {
                                      {"-3e2", -300L},
                                      {"-0", 0L},
                                      {"9223372036854775807", INT64_MAX},
-                                     {"-9.223372036854775808e18", INT64_MIN}})
+                                     {"-9.223372036854775808e18", INT64_MIN},
+                                     {"9007199254740993.0", 9007199254740993},
+                                     {"90071992547409930.00e-1", 9007199254740993},
+                                     {"0.000000009223372036854775807E+27", INT64_MAX},
+                                     {"0.0e-99999999999999999999", 0L},
+                                     {"3e0000000000000000000000", 3L}})
     EXPECT_EQ((*decodeProject(withId(text)))->trussElements->front().id, number);
   for (const char* const text : {"3.5", "1e-1", "9223372036854775808", "9.223372036854775808e18",
-                                 "-9.223372036854778e18", "100000000000000000000", "true", "\"3\"", "null"})
+                                 "-9.223372036854778e18", "100000000000000000000",
+                                 "-9223372036854775809", "-9223372036854775809.0", "9007199254740993.5", "1e-400",
+                                 "3.00000000000000000000001", "10000000000000000000e1", "true", "\"3\"", "null"})
     EXPECT_THAT(reasonOf(withId(text)), HasSubstr("id: expected a whole number, found "));
-  for (const std::string unread : {"[1 2]", "{\"b\"}", "tru", "01", "nul", "\"\\x\"", "[[[]", "{\"b\": nan}", "1e999"})
+  for (const std::string unread : {"[1 2]", "{\"b\"}", "tru", "01", "nul", "\"\\x\"", "[[[]", "{\"b\": nan}", "1e999", "\"\\udc00\""})
     EXPECT_THAT(reasonOf(replaced(small, "{", "{\"a\": " + unread + ", ")), testing::StartsWith("not valid JSON"));
 }
 
@@ -152,9 +159,9 @@ TEST(ProjectFile, TellsWhatIsWrongAndWhere) {
   for (const auto& [from, to, reason] : cases) EXPECT_THAT(reasonOf(replaced(small, from, to)), HasSubstr(reason));
   EXPECT_EQ(reasonOf("[]"), "expected an object, found an array");
   EXPECT_EQ(reasonOf("1.5"), "expected an object or an array");
-  EXPECT_EQ(reasonOf("\xEF\xBB\xBF[1,]"), "not valid JSON at line 1, column 7 (byte 6): expected a value");
-  EXPECT_THAT(reasonOf(small + " 2"), HasSubstr("expected the end of the text after the value"));
-  EXPECT_THAT(reasonOf(small.substr(0, 500)), HasSubstr("but the text ends"));
+  EXPECT_EQ(reasonOf("\xEF\xBB\xBF[1,]"), "not valid JSON at line 1, column 7 (byte 6): invalid value");
+  EXPECT_THAT(reasonOf(small + " 2"), HasSubstr("must not be followed by other values"));
+  EXPECT_THAT(reasonOf(small.substr(0, 500)), HasSubstr("the text ends here"));
 }
 
 TEST(ProjectFile, RefusesToWriteWhatJsonCannotHold) {

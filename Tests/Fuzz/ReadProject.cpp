@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   const std::string text(reinterpret_cast<const char*>(data), size);
   const std::size_t skipped = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
-  const bool isJson = !scanJson(std::string_view(text).substr(skipped));
+  const bool isJson = !findJsonFault(std::string_view(text).substr(skipped));
 
   const auto project = decodeProject(text);
   if (!project) {

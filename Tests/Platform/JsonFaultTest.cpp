@@ -17,34 +17,37 @@ bool parserAccepts(std::string_view text) {
 
 TEST(JsonFault, TellsWhereAndWhy) {
   const std::string_view cases[][2] = {
-      {"", "line 1, column 1 (byte 0): expected a value, but the text ends"},
-      {"{\n  \"a\": 1,\n  \"b\" 2\n}", "line 3, column 7 (byte 18): expected ':' after the key"},
-      {"[1,]", "line 1, column 4 (byte 3): expected a value"},
-      {"[1 2]", "line 1, column 4 (byte 3): expected ',' or ']'"},
-      {"{\"a\":1,}", "line 1, column 8 (byte 7): expected a key in quotation marks"},
-      {"{\"a\":1", "line 1, column 7 (byte 6): expected ',' or '}', but the text ends"},
+      {"", "line 1, column 1 (byte 0): the document is empty (the text ends here)"},
+      {"{\n  \"a\": 1,\n  \"b\" 2\n}", "line 3, column 7 (byte 18): missing a colon after a name of object member"},
+      {"[1,]", "line 1, column 4 (byte 3): invalid value"},
+      {"[1 2]", "line 1, column 4 (byte 3): missing a comma or ']' after an array element"},
+      {"{\"a\":1,}", "line 1, column 8 (byte 7): missing a name for object member"},
+      {"{\"a\":1", "line 1, column 7 (byte 6): missing a comma or '}' after an object member (the text ends here)"},
       {"[01]", "line 1, column 2 (byte 1): a number must not begin with 0"},
-      {"[-]", "line 1, column 2 (byte 1): expected a value"},
-      {"[1.]", "line 1, column 4 (byte 3): expected a digit after the decimal point"},
-      {"[1e+]", "line 1, column 5 (byte 4): expected a digit in the exponent"},
+      {"[-]", "line 1, column 2 (byte 1): invalid value"},
+      {"[0, tru]", "line 1, column 5 (byte 4): invalid value"},
+      {"[1.]", "line 1, column 4 (byte 3): miss fraction part in number"},
+      {"[1e+]", "line 1, column 5 (byte 4): miss exponent in number"},
       {"[\r\n0,\r\n-1e999]", "line 3, column 1 (byte 7): the number is beyond the range of a double"},
-      {"\"abc", "line 1, column 5 (byte 4): the string is not closed, but the text ends"},
+      {"\"abc", "line 1, column 5 (byte 4): missing a closing quotation mark in string (the text ends here)"},
       {"\"a\x01\"", "line 1, column 3 (byte 2): a control character must be escaped in a string"},
-      {"\"\\x\"", "line 1, column 2 (byte 1): unknown escape in a string"},
-      {"\"\\u12G4\"", "line 1, column 2 (byte 1): expected four hexadecimal digits after \\u"},
-      {"\"\\ud800x\"", "line 1, column 2 (byte 1): half of a surrogate pair stands alone"},
-      {"\"\xC3\xA9\xFF\"", "line 1, column 4 (byte 3): the text is not valid UTF-8"},
-      {"[] []", "line 1, column 4 (byte 3): expected the end of the text after the value"},
+      {"\"\\x\"", "line 1, column 2 (byte 1): invalid escape character in string"},
+      {"\"\\u12G4\"", "line 1, column 2 (byte 1): incorrect hex digit after \\u escape in string"},
+      {"\"\\ud800x\"", "line 1, column 2 (byte 1): the surrogate pair in string is invalid"},
+      {"\"a\\udc00x\"", "line 1, column 3 (byte 2): the surrogate pair in string is invalid"},
+      {"\"\xC3\xA9\xFF\"", "line 1, column 4 (byte 3): invalid encoding in string"},
+      {"[] []", "line 1, column 4 (byte 3): the document root must not be followed by other values"},
+      {"[]\0"sv, "line 1, column 3 (byte 2): a zero byte"},
   };
   for (const auto& [text, expected] : cases) {
     SCOPED_TRACE(text);
-    const auto fault = scanJson(text);
+    const auto fault = findJsonFault(text);
     ASSERT_TRUE(fault);
     EXPECT_EQ(fault->describe(text), expected);
   }
 }
 
-TEST(JsonFault, FindsOneExactlyWhereTheParserGivesUp) {
+TEST(JsonFault, FindsOneExactlyWhereTheReaderGivesUp) {
   const std::string_view texts[] = {
       "null", " true\t", "-0", "0.0e-0", "1E+2", "[]", "{}", "[[],{}]", "{\"a\":{\"b\":[1,2.5,-3e4]}}", "1e308",
       "1e309", "-1e400", "1e-999", "0e999", "1.7976931348623158e308", "1.7976931348623159e308", "4.9e-324", "1e-324",
@@ -60,9 +63,9 @@ TEST(JsonFault, FindsOneExactlyWhereTheParserGivesUp) {
       "\"\xC2\x80\xDF\xBF\"", "\"\xE0\xA0\x80\xEF\xBF\xBF\"", "\"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\"", "\"\x80\"",
       "\"\xC1\xBF\"", "\"\xE0\x9F\xBF\"", "\"\xED\xA0\x80\"", "\"\xED\x9F\xBF\"", "\"\xF0\x8F\xBF\xBF\"",
       "\"\xF4\x90\x80\x80\"", "\"\xF5\x80\x80\x80\"", "\"\xC3\"", "\"\xE2\x82\"", "\"\xF0\x9F\x98\"", "[\xC3\xA9]",
-      "\"\xE2\x28\xA1\"", "\xEF\xBB\xBF[]"};
+      "\"\xE2\x28\xA1\""};
   for (const std::string_view text : texts) {
-    EXPECT_EQ(!scanJson(text), parserAccepts(text)) << testing::PrintToString(text);
+    EXPECT_EQ(!findJsonFault(text), parserAccepts(text)) << testing::PrintToString(text);
   }
 }
 
@@ -80,7 +83,7 @@ TEST(JsonFault, AgreesWithTheParserOnBrokenTexts) {
       text.replace(place, kind != 1, kind != 2, spare[random() % spare.size()]);
     }
     const bool accepts = parserAccepts(text);
-    ASSERT_EQ(!scanJson(text), accepts) << testing::PrintToString(text);
+    ASSERT_EQ(!findJsonFault(text), accepts) << testing::PrintToString(text);
     accepted += accepts ? 1 : 0;
   }
   EXPECT_GT(accepted, 3000);
