@@ -2,7 +2,9 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <regex>
 #include <set>
+#include <span>
 #include <sstream>
 
 #include "Exchange/Draft.h"
@@ -22,22 +24,35 @@ std::string lower(std::string text) {
   return text;
 }
 
-/// The fields of one line. A field in quotation marks may hold separators, and marks that are doubled.
-std::vector<std::string> split(const std::string& line, char separator, std::size_t number) {
+/// The fields of one line. A field in quotation marks may hold separators, and marks that are doubled. `fail(i, why)`
+/// throws for field i.
+template <class Fail>
+std::vector<std::string> split(const std::string& line, char separator, Fail&& fail) {
+  enum class Part { Start, Plain, Quoted, AfterQuotes };
   std::vector<std::string> fields(1);
-  bool quoted = false;
+  Part part = Part::Start;
   for (std::size_t i = 0; i < line.size(); ++i) {
     const char c = line[i];
-    if (c == '"' && quoted && i + 1 < line.size() && line[i + 1] == '"')
-      fields.back() += line[++i];
-    else if (c == '"')
-      quoted = !quoted;
-    else if (c == separator && !quoted)
+    if (part == Part::Quoted) {
+      const bool doubled = c == '"' && line.substr(i, 2) == "\"\"";
+      if (c != '"' || doubled) fields.back() += c;
+      if (doubled) ++i;
+      if (c == '"' && !doubled) part = Part::AfterQuotes;
+    } else if (c == separator) {
       fields.emplace_back();
-    else
+      part = Part::Start;
+    } else if (c == '"' && part == Part::Start) {
+      part = Part::Quoted;
+    } else if (std::isspace(static_cast<unsigned char>(c)) != 0) {
+      if (part == Part::Plain) fields.back() += c;
+    } else {
+      if (c == '"' || part == Part::AfterQuotes)
+        fail(fields.size() - 1, "quotation marks stand around a whole value, and are doubled inside");
+      part = Part::Plain;
       fields.back() += c;
+    }
   }
-  if (quoted) throw ImportError("line " + std::to_string(number) + ": a quotation mark is not closed");
+  if (part == Part::Quoted) fail(fields.size() - 1, "a quotation mark is not closed");
   for (std::string& field : fields) field = trimmed(std::move(field));
   return fields;
 }
@@ -62,7 +77,7 @@ class Reader {
   [[nodiscard]] double number(std::string_view name, std::optional<double> otherwise) const {
     std::string field = text(name);
     if (field.empty() && otherwise) return *otherwise;
-    if (table_.decimalComma) std::ranges::replace(field, ',', '.');
+    if (table_.separator != ',') std::ranges::replace(field, ',', '.');
     const auto number = parseNumber(field);
     if (!number || !std::isfinite(*number)) fail(name, "expected a number, found \"" + text(name) + "\"");
     return *number;
@@ -77,14 +92,51 @@ class Reader {
     return number;
   }
 
+  [[nodiscard]] std::string place(std::string_view name) const {
+    return "line " + std::to_string(row_.line) + ", column " + std::string(name);
+  }
   [[noreturn]] void fail(std::string_view name, const std::string& what) const {
-    throw ImportError("line " + std::to_string(row_.line) + ", column " + std::string(name) + ": " + what);
+    throw ImportError(place(name) + ": " + what);
   }
 
  private:
   const CsvTable& table_;
   const CsvTable::Row& row_;
 };
+
+/// Whether its comma may as well group thousands, as in "1,234".
+bool mayGroupThousands(const std::string& field) {
+  static const std::regex grouped("[+-]?[1-9][0-9]{0,2},[0-9]{3}");
+  return std::regex_match(field, grouped);
+}
+
+/// Where commas do not separate, a number may have one instead of a point. Throws ImportError if numbers of these
+/// columns have both, or if nothing tells a decimal comma from one that groups thousands.
+void requireOneDecimalMark(const CsvTable& table, std::span<const std::string_view> columns) {
+  if (table.separator == ',') return;
+  std::string pointAt;
+  std::string commaAt;
+  std::string doubtfulAt;
+  bool isDecimal = table.separator == ';';  // it separates where the comma is the decimal mark
+  for (const CsvTable::Row& row : table.rows) {
+    const Reader reader(table, row);
+    for (const std::string_view name : columns) {
+      const std::string field = reader.text(name);
+      const bool hasComma = field.find(',') != std::string::npos;
+      if (hasComma && commaAt.empty()) commaAt = reader.place(name);
+      if (hasComma && !mayGroupThousands(field)) isDecimal = true;
+      if (hasComma && doubtfulAt.empty()) doubtfulAt = field;
+      if (field.find('.') != std::string::npos && pointAt.empty()) pointAt = reader.place(name);
+    }
+  }
+  if (commaAt.empty()) return;
+  if (!pointAt.empty())
+    throw ImportError(commaAt + ": a number has a comma, but one has a point in " + pointAt +
+                      "; a table has one decimal mark");
+  if (!isDecimal)
+    throw ImportError(commaAt + ": the comma of \"" + doubtfulAt +
+                      "\" may mark decimals or thousands; use a point or none");
+}
 
 std::array<bool, dofsPerNode> heldIn(const Reader& reader) {
   constexpr std::array<std::string_view, dofsPerNode> names{"x", "y", "z", "rx", "ry", "rz"};
@@ -139,18 +191,23 @@ void remarkOnUnknown(const CsvTable& table, const std::set<std::string, std::les
 CsvTable CsvTable::of(const std::string& text) {
   CsvTable table;
   std::istringstream lines(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text);
-  char separator = ',';
   std::size_t number = 0;
+  const auto fail = [&](std::size_t i, const std::string& why) {
+    const std::string column = i < table.names.size() ? ", column " + table.names[i] : "";
+    throw ImportError("line " + std::to_string(number) + column + ": " + why);
+  };
   for (std::string line; std::getline(lines, line);) {
     ++number;
     if (trimmed(line).empty()) continue;
     if (table.names.empty()) {
-      separator = separatorOf(line);
-      table.decimalComma = separator != ',';
-      for (const std::string& name : split(line, separator, number)) table.names.push_back(lower(name));
+      table.separator = separatorOf(line);
+      for (const std::string& name : split(line, table.separator, fail)) {
+        if (!name.empty() && table.column(name)) fail(table.names.size(), "the column \"" + name + "\" stands twice");
+        table.names.push_back(lower(name));
+      }
       continue;
     }
-    auto fields = split(line, separator, number);
+    auto fields = split(line, table.separator, fail);
     if (fields.size() != table.names.size())
       throw ImportError("line " + std::to_string(number) + ": " + std::to_string(fields.size()) + " values for " +
                         std::to_string(table.names.size()) + " columns");
@@ -166,6 +223,7 @@ std::optional<std::size_t> CsvTable::column(std::string_view name) const {
 }
 
 void addNodes(const CsvTable& table, Draft& draft) {
+  requireOneDecimalMark(table, std::array<std::string_view, 9>{"x", "y", "z", "Fx", "Fy", "Fz", "Mx", "My", "Mz"});
   const bool numbered = table.column("node").has_value();
   if (!draft.numbers) draft.numbers.emplace();
   for (const CsvTable::Row& row : table.rows) {
@@ -184,6 +242,8 @@ void addNodes(const CsvTable& table, Draft& draft) {
 }
 
 void addMembers(const CsvTable& table, Draft& draft) {
+  requireOneDecimalMark(
+      table, std::array<std::string_view, 5>{"area", "youngModulus", "shearModulus", "inertiaY", "inertiaZ"});
   for (const CsvTable::Row& row : table.rows) {
     const Reader reader(table, row);
     Draft::Member member{.start = nodeIn(draft, reader, "start"), .end = nodeIn(draft, reader, "end")};

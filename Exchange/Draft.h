@@ -55,9 +55,9 @@ struct CsvTable {
 
   std::vector<std::string> names;  ///< in lower case
   std::vector<Row> rows;
-  bool decimalComma = false;
+  char separator = ',';
 
-  /// Throws ImportError for a text without a heading, and for rows of another length.
+  /// Throws ImportError for a text without a heading, columns of the same name, and rows of another length.
   [[nodiscard]] static CsvTable of(const std::string& text);
 
   [[nodiscard]] std::optional<std::size_t> column(std::string_view name) const;

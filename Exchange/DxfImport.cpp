@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <sstream>
 #include <unordered_map>
@@ -17,9 +19,10 @@ struct Group {
   std::size_t line;  // of the value
 };
 
-/// One entity: its name and the groups up to the next one.
+/// One entity: its name, the line with it and the groups up to the next one.
 struct Entity {
   std::string name;
+  std::size_t line;
   std::vector<Group> groups;
 
   [[nodiscard]] const Group* find(int code) const {
@@ -36,9 +39,25 @@ struct Entity {
       throw ImportError("line " + std::to_string(group.line) + ": expected a number, found \"" + group.value + "\"");
     return *number;
   }
-  [[nodiscard]] int flags() const { return static_cast<int>(number(70, 0)); }
+  [[nodiscard]] double coordinate(int code) const {
+    const Group* group = find(code);
+    if (group == nullptr) lacks(code);
+    return numberOf(*group);
+  }
+  [[noreturn]] void lacks(int code) const {
+    throw ImportError("line " + std::to_string(line) + ": the " + name + " has no group " + std::to_string(code));
+  }
+  [[nodiscard]] bool flag(int code, int bits) const {
+    const Group* group = find(code);
+    if (group == nullptr) return false;
+    const double number = numberOf(*group);
+    if (number < 0 || number > INT_MAX || number != std::trunc(number))
+      throw ImportError("line " + std::to_string(group->line) + ": expected a whole number, found \"" + group->value +
+                        "\"");
+    return (static_cast<int>(number) & bits) != 0;
+  }
   [[nodiscard]] Vector3 point(int xCode) const {
-    return {number(xCode, 0), number(xCode + 10, 0), number(xCode + 20, 0)};
+    return {coordinate(xCode), coordinate(xCode + 10), number(xCode + 20, 0)};
   }
   /// Whether it lies in a plane of its own, in whose axes its points are given.
   [[nodiscard]] bool isTilted() const { return number(210, 0) != 0 || number(220, 0) != 0 || number(230, 1) != 1; }
@@ -73,7 +92,7 @@ std::vector<Entity> entitiesOf(const std::string& dxf) {
       entersSection = group.value == "SECTION";
       if (group.value == "ENDSEC") section.clear();
       ended = group.value == "EOF";
-      if (section == "ENTITIES") entities.push_back({group.value, {}});
+      if (section == "ENTITIES") entities.push_back({group.value, number, {}});
     } else if (entersSection && group.code == 2) {
       section = group.value;
       entersSection = false;
@@ -92,42 +111,51 @@ struct Path {
   bool isBent = false;  // some of its pieces are arcs
 };
 
+constexpr int isClosed = 1;
+
 Path pathOfLightPolyline(const Entity& entity) {
-  Path path{{}, (entity.flags() & 1) != 0};
+  Path path{{}, entity.flag(70, isClosed)};
+  constexpr double missing = std::numeric_limits<double>::quiet_NaN();
   const double height = entity.number(38, 0);
   for (const Group& group : entity.groups) {
-    if (group.code == 10) path.points.push_back({Entity::numberOf(group), 0, height});
+    if (group.code == 10) path.points.push_back({Entity::numberOf(group), missing, height});
     if (group.code == 20 && !path.points.empty()) path.points.back().y = Entity::numberOf(group);
     if (group.code == 42) path.isBent = path.isBent || Entity::numberOf(group) != 0;
   }
+  for (const Vector3& point : path.points)
+    if (std::isnan(point.y)) entity.lacks(20);
   return path;
 }
 
-/// The lines of a drawing; counts by name the entities that it leaves out.
+/// The lines of a drawing; counts the entities that it leaves out by name and reason.
 std::vector<Path> pathsOf(const std::vector<Entity>& entities, std::map<std::string, int>& leftOut) {
+  constexpr const char* notLines = " left out: not made of straight lines in space.";
+  constexpr const char* onPaper = " left out: on the sheet of paper, not in space.";
   constexpr int isMesh = 16 | 64;
   constexpr int isInSpace = 8;
   constexpr int isControlPoint = 16;
   std::vector<Path> paths;
   Path* open = nullptr;  // the polyline whose vertices follow
   for (const Entity& entity : entities) {
-    if (entity.name == "LINE") {
+    if (entity.flag(67, 1) && entity.name != "VERTEX" && entity.name != "SEQEND") {
+      ++leftOut[entity.name + onPaper];
+    } else if (entity.name == "LINE") {
       paths.push_back({{entity.point(10), entity.point(11)}});
     } else if (entity.name == "LWPOLYLINE" && !entity.isTilted()) {
       paths.push_back(pathOfLightPolyline(entity));
     } else if (entity.name == "POLYLINE") {
-      const bool taken = (entity.flags() & isMesh) == 0 && ((entity.flags() & isInSpace) != 0 || !entity.isTilted());
-      if (taken) paths.push_back({{}, (entity.flags() & 1) != 0});
+      const bool taken = !entity.flag(70, isMesh) && (entity.flag(70, isInSpace) || !entity.isTilted());
+      if (taken) paths.push_back({{}, entity.flag(70, isClosed)});
       open = taken ? &paths.back() : nullptr;
-      if (!taken) ++leftOut[entity.name];
+      if (!taken) ++leftOut[entity.name + notLines];
       continue;
     } else if (entity.name == "VERTEX") {
-      if (open == nullptr || (entity.flags() & isControlPoint) != 0) continue;
+      if (open == nullptr || entity.flag(70, isControlPoint)) continue;
       open->points.push_back(entity.point(10));
       open->isBent = open->isBent || entity.number(42, 0) != 0;
       continue;
     } else if (entity.name != "SEQEND") {
-      ++leftOut[entity.name];
+      ++leftOut[entity.name + notLines];
     }
     open = nullptr;
   }
@@ -206,7 +234,7 @@ void addDrawing(const std::string& dxf, Draft& draft) {
   const auto remark = [&draft](auto count, const std::string& what) {
     if (count > 0) draft.remarks.push_back(std::to_string(count) + " " + what);
   };
-  for (const auto& [name, count] : leftOut) remark(count, name + " left out: not made of straight lines in space.");
+  for (const auto& [what, count] : leftOut) remark(count, what);
   remark(std::ranges::count(paths, true, &Path::isBent), "polylines with arcs: the arcs became straight.");
 
   const double tolerance = draft.settings.tolerance.value_or(relativeTolerance * extentOf(paths));

@@ -70,8 +70,8 @@ std::string JsonFault::describe(std::string_view text) const {
 }
 
 std::optional<JsonFault> findJsonFault(std::string_view text) {
-  constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
-                             rapidjson::kParseNumbersAsStringsFlag;
+  constexpr unsigned flags =
+      rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag | rapidjson::kParseNumbersAsStringsFlag;
   rapidjson::MemoryStream bytes(text.data(), text.size());
   rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
   rapidjson::Reader reader;

@@ -73,8 +73,8 @@ void readAnyNumber(JsonValue json, std::int64_t& value);
 /// or an exponent ("3", "3.0", "3e0"); a boolean is no number.
 void readJson(JsonValue json, std::string& value);
 
-/// simdjson 3.0 reads numbers of up to this many characters right. Of longer ones it misreads those with a zero before the
-/// point and more than 19 digits that count, and refuses exponents of 20 digits.
+/// simdjson 3.0 reads numbers of up to this many characters right. Of longer ones it misreads those with a zero before
+/// the point and more than 19 digits that count, and refuses exponents of 20 digits.
 inline constexpr std::size_t shortNumber = 21;
 
 inline void readJson(JsonValue json, double& value) {

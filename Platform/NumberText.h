@@ -19,8 +19,8 @@
 /// for numbers too large for a double. Numbers too small become zero.
 [[nodiscard]] std::optional<double> parseJsonNumber(std::string_view token);
 
-/// The whole number that `token` spells in JSON's notation, however written ("3", "3.0", "0.3e1"); nothing for any other
-/// text, for fractions and for numbers beyond 64 bits.
+/// The whole number that `token` spells in JSON's notation, however written ("3", "3.0", "0.3e1"); nothing for any
+/// other text, for fractions and for numbers beyond 64 bits.
 [[nodiscard]] std::optional<std::int64_t> parseJsonWholeNumber(std::string_view token);
 
 /// Appends the JSON form of a finite `number`: numberText without the fraction of a whole number ("100", "1e+16"), and

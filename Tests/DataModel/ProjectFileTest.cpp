@@ -129,12 +129,13 @@ TEST(ProjectFile, ReadsNumbersOfEveryNotation) {
                                      {"0.0e-99999999999999999999", 0L},
                                      {"3e0000000000000000000000", 3L}})
     EXPECT_EQ((*decodeProject(withId(text)))->trussElements->front().id, number);
-  for (const char* const text : {"3.5", "1e-1", "9223372036854775808", "9.223372036854775808e18",
-                                 "-9.223372036854778e18", "100000000000000000000",
-                                 "-9223372036854775809", "-9223372036854775809.0", "9007199254740993.5", "1e-400",
-                                 "3.00000000000000000000001", "10000000000000000000e1", "true", "\"3\"", "null"})
+  for (const char* const text :
+       {"3.5", "1e-1", "9223372036854775808", "9.223372036854775808e18", "-9.223372036854778e18",
+        "100000000000000000000", "-9223372036854775809", "-9223372036854775809.0", "9007199254740993.5", "1e-400",
+        "3.00000000000000000000001", "10000000000000000000e1", "true", "\"3\"", "null"})
     EXPECT_THAT(reasonOf(withId(text)), HasSubstr("id: expected a whole number, found "));
-  for (const std::string unread : {"[1 2]", "{\"b\"}", "tru", "01", "nul", "\"\\x\"", "[[[]", "{\"b\": nan}", "1e999", "\"\\udc00\""})
+  for (const std::string unread :
+       {"[1 2]", "{\"b\"}", "tru", "01", "nul", "\"\\x\"", "[[[]", "{\"b\": nan}", "1e999", "\"\\udc00\""})
     EXPECT_THAT(reasonOf(replaced(small, "{", "{\"a\": " + unread + ", ")), testing::StartsWith("not valid JSON"));
 }
 

@@ -72,7 +72,7 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   EXPECT_EQ(reasonFor("a.csv", "x,y,held\n1,2,w\n"),
             "a.csv, line 2, column held: \"w\" is none of x, y, z, rx, ry, rz");
   EXPECT_EQ(reasonFor("a.csv", "x,y,node\n1,2,1\n"), "a.csv, line 2, column node: node 1 is there already");
-  EXPECT_EQ(reasonFor("a.csv", "x,y\n\"1,2\n"), "a.csv, line 2: a quotation mark is not closed");
+  EXPECT_EQ(reasonFor("a.csv", "x,y\n\"1,2\n"), "a.csv, line 2, column x: a quotation mark is not closed");
   EXPECT_EQ(reasonFor("a.csv", "start,end\n0,2\n"), "a.csv, line 2, column end: there is no node 2");
   EXPECT_EQ(reasonFor("a.csv", "start,end\n0,-1\n"),
             "a.csv, line 2, column end: expected the number of a node, found \"-1\"");
@@ -82,10 +82,51 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
             "a.csv, line 2, column shearModulus: expected a number, found \"\"");
   EXPECT_THAT(reasonFor("a.csv", "a,b\n1,2\n"), HasSubstr("neither x and y, for nodes, nor start and end"));
   EXPECT_THAT(reasonFor("a.csv", " \n"), HasSubstr("the file is empty"));
+  EXPECT_EQ(reasonFor("a.csv", "x,y,X\n1,2,3\n"), "a.csv, line 1: the column \"X\" stands twice");
+  for (const char* const quoted : {"2\"3\"4", "\"2\"3", "2\"", "\"2\"\"3\"4", "\"2\" \"3\""})
+    EXPECT_EQ(reasonFor("a.csv", std::string("x,y\n1,") + quoted),
+              "a.csv, line 2, column y: quotation marks stand around a whole value, and are doubled inside");
   EXPECT_THAT(reasonFor("a.dxf", "0\nSECTION\nx\n"), HasSubstr("a.dxf, line 3: expected a group code"));
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 x")), HasSubstr("expected a number, found \"x\""));
+  EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 1 20 2 11 3")), HasSubstr("line 18: the LINE has no group 21"));
+  EXPECT_THAT(reasonFor("a.dxf", dxf("0 LWPOLYLINE 10 1 10 2 20 3")), HasSubstr("the LWPOLYLINE has no group 20"));
+  EXPECT_THAT(reasonFor("a.dxf", dxf("0 POLYLINE 70 1e30")), HasSubstr("expected a whole number, found \"1e30\""));
   EXPECT_THAT(reasonFor("a.DXF", "0\nSECTION\n2\nENTITIES\n"), HasSubstr("ends before its EOF"));
   EXPECT_THAT(reasonFor("a.dxf", "AutoCAD Binary DXF\r\n"), HasSubstr("binary DXF"));
+}
+
+TEST(Import, ReadsACommaByOneRuleInATable) {
+  const TemporaryFolder folder;
+  const auto coordinatesOf = [&](const std::string& content) -> std::vector<double> {
+    Project project;
+    if (!importFiles(project, {folder.put("a.csv", content)}, {})) return {};
+    return *project.X_I;
+  };
+  EXPECT_THAT(coordinatesOf("x;y\n1,234;-0,5\n"), ElementsAre(1.234, -0.5, 0));
+  EXPECT_THAT(coordinatesOf("x;y\n1,234;2\n"), ElementsAre(1.234, 2, 0));
+  EXPECT_THAT(coordinatesOf("x\ty\n1,234\t5,5e1\n"), ElementsAre(1.234, 55, 0));
+  EXPECT_THAT(coordinatesOf("x\ty\tnote\n0,234\t1\tv1.2\n"), ElementsAre(0.234, 1, 0));
+  EXPECT_THAT(coordinatesOf("x\ty\tnote\n1.5\t1\ta,b\n"), ElementsAre(1.5, 1, 0));
+  EXPECT_THAT(coordinatesOf("x,y\n\"1.5\", \"2\" \n"), ElementsAre(1.5, 2, 0));
+
+  Project project;
+  const auto reasonFor = [&](const std::string& content) {
+    const auto outcome = importFiles(project, {folder.put("a.csv", content)}, {});
+    return outcome ? "" : outcome.failure().reason;
+  };
+  const char* const twoMarks =
+      "a.csv, line 3, column y: a number has a comma, but one has a point in line 2, column x; "
+      "a table has one decimal mark";
+  EXPECT_EQ(reasonFor("x\ty\n1.5\t2\n3\t1,234\n"), twoMarks);
+  EXPECT_EQ(reasonFor("x;y\n1.5;2\n3;0,5\n"), twoMarks);
+  EXPECT_EQ(reasonFor("x\ty\n1\t2\n-1,234\t22,500\n"),
+            "a.csv, line 3, column x: the comma of \"-1,234\" may mark decimals or thousands; use a point or none");
+  EXPECT_EQ(reasonFor("x;y\n1;1.234,5\n").substr(0, 24), "a.csv, line 2, column y:");
+  EXPECT_EQ(reasonFor("x;y\n1;1,234,567\n"), "a.csv, line 2, column y: expected a number, found \"1,234,567\"");
+  EXPECT_EQ(reasonFor("x,y\n1,\"1,234\"\n"), "a.csv, line 2, column y: expected a number, found \"1,234\"");
+  project.addNode({});
+  project.addNode({1, 0, 0});
+  EXPECT_THAT(reasonFor("start\tend\tarea\tyoungModulus\n0\t1\t0.5\t210,000\n"), HasSubstr("column youngModulus"));
 }
 
 TEST(Import, JoinsTheLinesOfADrawing) {
@@ -97,6 +138,8 @@ TEST(Import, JoinsTheLinesOfADrawing) {
                  dxf("0 LINE 8 wall 10 0 20 0 30 0 11 4 21 1e-7 31 3 "  // to the node that is there
                      "0 LINE 10 4 20 0 30 3 11 1e-7 21 0 31 0 "         // the same line again
                      "0 CIRCLE 10 0 20 0 40 1 "
+                     "0 LINE 67 1 10 1 20 1 11 2 21 2 0 LINE 67 1 10 1 20 1 11 2 21 3 "
+                     "0 POLYLINE 67 1 0 VERTEX 67 1 10 8 20 4 0 VERTEX 10 9 20 4 0 SEQEND 67 1 "
                      "0 LWPOLYLINE 90 3 70 1 38 3 10 4 20 0 10 8 20 0 42 0.5 10 8 20 4 "
                      "0 POLYLINE 70 8 0 VERTEX 10 8 20 4 30 3 0 VERTEX 10 8 20 4 30 9 0 VERTEX 10 8 20 4 30 9 0 SEQEND "
                      "0 POLYLINE 70 16 0 VERTEX 10 50 20 4 30 3 0 SEQEND "
@@ -108,8 +151,10 @@ TEST(Import, JoinsTheLinesOfADrawing) {
   EXPECT_EQ(project.trussElements->front(), TrussElement(0, 1, 0, {0, 0, 0}, {4, 0, 3}, 25, 1e5, false, false));
   EXPECT_THAT(outcome->remarks,
               ElementsAre("1 CIRCLE left out: not made of straight lines in space.",
+                          "2 LINE left out: on the sheet of paper, not in space.",
                           "1 LWPOLYLINE left out: not made of straight lines in space.",
                           "1 POLYLINE left out: not made of straight lines in space.",
+                          "1 POLYLINE left out: on the sheet of paper, not in space.",
                           "1 polylines with arcs: the arcs became straight.", "1 lines without length left out.",
                           "1 lines left out that join two nodes again."));
   Project coarse;
