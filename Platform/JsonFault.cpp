@@ -32,21 +32,21 @@ struct Checks : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checks> {
 };
 
 JsonFault faultAt(std::size_t offset, rapidjson::ParseErrorCode code, std::string_view refusal, std::string_view text) {
-  const auto is = [text](auto kind, std::size_t i) { return i < text.size() && kind(text[i]) != 0; };
-  const auto isDigit = [&](std::size_t i) { return is([](unsigned char c) { return std::isdigit(c); }, i); };
-  const auto isWord = [&](std::size_t i) { return is([](unsigned char c) { return std::isalpha(c) || c == '-'; }, i); };
-  if (offset > 0 && text[offset - 1] == '0' && isDigit(offset)) return {offset - 1, "a number must not begin with 0"};
+  const auto codeAt = [text](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0; };
+  if (offset > 0 && text[offset - 1] == '0' && std::isdigit(codeAt(offset)) != 0)
+    return {offset - 1, "a number must not begin with 0"};
 
   std::string reason = rapidjson::GetParseError_En(code);  // "Invalid value."
   reason.front() = static_cast<char>(std::tolower(reason.front()));
   reason.pop_back();
   if (code == rapidjson::kParseErrorTermination) {
-    if (text[offset - 1] == '"') offset = text.rfind("\\u", offset);
+    if (offset > 0 && text[offset - 1] == '"') offset = text.rfind("\\u", offset);
     reason = refusal;
   } else if (code == rapidjson::kParseErrorNumberTooBig) {
     reason = tooLarge;
   } else if (code == rapidjson::kParseErrorValueInvalid) {
-    while (offset > 0 && isWord(offset - 1)) --offset;  // the parser stops at the first letter that is wrong
+    // The parser stops at the first letter that is wrong.
+    while (offset > 0 && (std::isalpha(codeAt(offset - 1)) != 0 || text[offset - 1] == '-')) --offset;
   } else if (code == rapidjson::kParseErrorStringEscapeInvalid && text[offset] != '\\') {
     reason = "a control character must be escaped in a string";
   }

@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "DataModel/ProjectFile.h"
@@ -13,23 +14,60 @@ void require(bool holds, const char* what) {
   std::abort();
 }
 
+using nlohmann::json;
+
+/// Numbers as another parser reads them: doubles by strtod, which rounds correctly, whole numbers without a fraction or
+/// exponent as such.
+void requireSame(double number, const json& spelled) {
+  require(number == spelled.get<double>(), "a number that is not the nearest double");
+}
+void requireSame(std::int64_t number, const json& spelled) {
+  const bool isWhole = spelled.is_number_integer();
+  require(isWhole ? number == spelled.get<std::int64_t>() : static_cast<double>(number) == spelled.get<double>(),
+          "a whole number that is another one");
+}
+void requireSame(bool truth, const json& spelled) {
+  require(truth == spelled.get<bool>(), "true that is false");
+}
+
+template <class Entry>
+void requireSame(const std::vector<Entry>& array, const json& spelled) {
+  require(array.size() == spelled.size(), "an array of another length");
+  for (std::size_t i = 0; i < array.size(); ++i) {
+    if constexpr (requires { Entry::fields; }) {
+      forEachField<Entry>(
+          [&](const auto& field) { requireSame(array[i].*field.member, spelled[i].at(std::string(field.key))); });
+    } else {
+      requireSame(array[i], spelled[i]);
+    }
+  }
+}
+
+void requireSame(const Project& project, const json& spelled) {
+  requireSame(*project.trussElements, spelled.at("trussElements"));
+  requireSame(*project.beamElements, spelled.value("beamElements", json()));
+  requireSame(*project.X_I, spelled.at("X_I"));
+  requireSame(*project.F_I, spelled.at("F_I"));
+  requireSame(*project.D_I, spelled.at("D_I"));
+}
+
 }  // namespace
 
-/// Whatever the bytes, reading a project ends with a reason or with a project that survives writing and reading.
+/// Whatever the bytes, reading a project ends with a reason or with a project that holds what they say and survives
+/// writing and reading.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   const std::string text(reinterpret_cast<const char*>(data), size);
-  const std::size_t skipped = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
-  const bool isJson = !findJsonFault(std::string_view(text).substr(skipped));
-
   const auto project = decodeProject(text);
   if (!project) {
-    require(!project.failure().reason.empty(), "a failure without a reason");
-    require(isJson || project.failure().reason.starts_with("not valid JSON at line "),
-            "no place for a fault of the text");
+    const std::string& reason = project.failure().reason;
+    require(!reason.empty(), "a failure without a reason");
+    require(reason.starts_with("not valid JSON at line ") == findJsonFault(text).has_value(),
+            "a fault without its place");
     return 0;
   }
-  require(isJson, "a project from a text that is not JSON");
+  require(text.find('\0') == std::string::npos, "a project from a text with a zero byte");
+  requireSame(**project, json::parse(text));  // ends the process where the text is no JSON
+
   const auto written = encodeProject(**project);
   require(static_cast<bool>(written), "a project that was read cannot be written");
   const auto again = decodeProject(*written);

@@ -29,6 +29,7 @@ TEST(JsonFault, TellsWhereAndWhy) {
       {"[1.]", "line 1, column 4 (byte 3): miss fraction part in number"},
       {"[1e+]", "line 1, column 5 (byte 4): miss exponent in number"},
       {"[\r\n0,\r\n-1e999]", "line 3, column 1 (byte 7): the number is beyond the range of a double"},
+      {"1e999", "line 1, column 1 (byte 0): the number is beyond the range of a double"},
       {"\"abc", "line 1, column 5 (byte 4): missing a closing quotation mark in string (the text ends here)"},
       {"\"a\x01\"", "line 1, column 3 (byte 2): a control character must be escaped in a string"},
       {"\"\\x\"", "line 1, column 2 (byte 1): invalid escape character in string"},
