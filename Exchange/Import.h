@@ -28,7 +28,9 @@ struct ImportOutcome {
 /// Adds the content of all files to a project, or nothing and tells which file stands in the way, and where in it.
 ///
 /// A name that ends in ".dxf" is a drawing (ASCII DXF): each straight piece of its lines and polylines becomes a bar.
-/// Any other file is a table of values separated by commas, semicolons or tabs, with a heading: of nodes, if it has
+/// What lies in its paper space is left out.
+/// Any other file is a table of values separated by commas, semicolons or tabs, with a heading; without separating
+/// commas, numbers may have a comma instead of the point, all in the table alike. It is one of nodes, if it has
 /// columns x and y, or of members, if it has start and end. Members name the nodes of the table imported with them by
 /// its column "node", or by their order without one; without such a table they name the nodes of the project. Columns
 /// are those of exportNodes and exportElements, in any order and case; results are passed over.

@@ -89,4 +89,59 @@ TEST(ParseNumber, TakesNothingButANumber) {
   EXPECT_EQ(parseNumber(std::string("1\0", 2)), std::nullopt);
 }
 
+TEST(ParseJsonNumber, TakesTheNotationOfJsonOnly) {
+  for (const auto& [text, number] : {std::pair{"-0", -0.0},
+                                     {"0.30000000000000000000001", 0.3},
+                                     {"-0.20000000000000000000e1", -2.0},
+                                     {"1.5e0000000000000000000001", 15.0},
+                                     {"0e99999999999999999999", 0.0},
+                                     {"-1e-99999999999999999999", -0.0},
+                                     {"2.4703282292062328e-324", Limits::denorm_min()},
+                                     {"1.7976931348623158e308", Limits::max()}}) {
+    const auto read = parseJsonNumber(text);
+    ASSERT_TRUE(read) << text;
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(*read), std::bit_cast<std::uint64_t>(number)) << text;
+  }
+  for (const auto* text : {"",
+                           "-",
+                           "+1",
+                           "01",
+                           "-01",
+                           "00",
+                           ".5",
+                           "-.5",
+                           "5.",
+                           "5.e1",
+                           "1e",
+                           "1e+",
+                           "1e1.5",
+                           "0x10",
+                           "inf",
+                           "nan",
+                           "-nan",
+                           "1 ",
+                           " 1",
+                           "1,5",
+                           "1.5.5",
+                           "1e1000",
+                           "-1.7976931348623159e308"})
+    EXPECT_EQ(parseJsonNumber(text), std::nullopt) << '"' << text << '"';
+}
+
+TEST(ParseJsonNumber, KeepsEveryDigitOfWholeNumbers) {
+  std::mt19937_64 random(2);
+  for (int i = 0; i < 20000; ++i) {
+    const auto number = static_cast<std::int64_t>(random()) >> random() % 64;
+    const std::string digits = std::to_string(number);
+    const std::size_t zeros = random() % 30;
+    const std::string shift = std::string(random() % 30, '0') + std::to_string(zeros);
+    for (const std::string& whole : {digits, digits + '.' + std::string(zeros + 1, '0'),
+                                     digits + std::string(number == 0 ? 0 : zeros, '0') + "e-" + shift,
+                                     digits + '.' + std::string(zeros, '0') + "0e+0"})
+      ASSERT_EQ(parseJsonWholeNumber(whole), number) << whole;
+    for (const std::string& other : {digits + ".5", digits + '.' + std::string(zeros, '0') + '1', digits + "1e-1"})
+      ASSERT_EQ(parseJsonWholeNumber(other), std::nullopt) << other;
+  }
+}
+
 }  // namespace
