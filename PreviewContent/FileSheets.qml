@@ -36,8 +36,8 @@ Item {
             root.failedSave = reason;
         }
 
-        function onOpenFailed(reason) {
-            root.failedOpen = reason;
+        function onOpenFailed(file, reason) {
+            root.failedOpen = qsTr("“%1” was not opened. The structure is empty now.").arg(file) + "\n\n" + reason;
         }
 
         function onOpenHeldBack(file, reason) {
@@ -57,7 +57,7 @@ Item {
         NoticeView {
             text: qsTr("“%1” was not saved.").arg(root.projectViewModel.currentFileName || root.projectViewModel.projectName)
                 + "\n\n" + root.failedSave
-            closing: root.asksForPlace ? qsTr("Choose Another Place…") : qsTr("Close")
+            closing: root.asksForPlace ? qsTr("Save As…") : qsTr("Close")
         }
     }
 
@@ -66,7 +66,7 @@ Item {
         onDismissed: root.failedOpen = ""
 
         NoticeView {
-            text: qsTr("The file was not opened. The structure is empty now.\n\n%1").arg(root.failedOpen)
+            text: root.failedOpen
             action: root.projectViewModel.hasPrevious ? qsTr("Restore Previous Structure") : ""
             onActed: {
                 root.projectViewModel.restorePrevious();

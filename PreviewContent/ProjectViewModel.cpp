@@ -19,6 +19,10 @@ namespace {
 constexpr double automaticArea = 25.0;
 constexpr double automaticYoungModulus = 100000.0;
 
+QString nameOf(const std::filesystem::path& file) {
+  return QString::fromStdString(file.filename().string());
+}
+
 }  // namespace
 
 ProjectViewModel::ProjectViewModel(QObject* parent)
@@ -128,12 +132,12 @@ bool ProjectViewModel::load(const std::optional<std::filesystem::path>& source, 
     printLine("Failed to load project: " + loaded.failure().reason);
     if ((*project)->nodeCount() > 0) previous_ = {*project, origin(), hasUnsavedChanges_};
     replace(std::make_shared<Project>(), {}, false);
-    emit openFailed(QString::fromStdString(loaded.failure().reason));
+    emit openFailed(nameOf(*source), QString::fromStdString(loaded.failure().reason));
     return false;
   }
   if (const auto danger = whyNotDrawable(**loaded); danger && onlyIfDrawable) {
     heldBack_ = *source;
-    emit openHeldBack(QString::fromStdString(source->filename().string()), QString::fromStdString(danger->reason));
+    emit openHeldBack(nameOf(*source), QString::fromStdString(danger->reason));
     return false;
   }
   replace(std::move(*loaded), {source, stamp}, false,
@@ -328,7 +332,7 @@ QString ProjectViewModel::projectName() const {
 }
 
 QString ProjectViewModel::currentFileName() const {
-  return currentFileUrl ? QString::fromStdString(currentFileUrl->filename().string()) : QString();
+  return currentFileUrl ? nameOf(*currentFileUrl) : QString();
 }
 
 QUrl ProjectViewModel::currentFolder() const {

@@ -167,7 +167,7 @@ class ProjectViewModel : public QObject {
   void currentFileChanged();
   void currentFileHoldsItChanged();
   void saveFailed(const QString& reason);
-  void openFailed(const QString& reason);
+  void openFailed(const QString& file, const QString& reason);
   void openHeldBack(const QString& file, const QString& reason);
   void fileUsed();         ///< the current file was read or written
   void structureEdited();  ///< not by opening or beginning another

@@ -81,6 +81,7 @@ TestCase {
 
     function test_aFailedOpenIsToldAndCanBeTakenBack() {
         model.loadProject(Qt.resolvedUrl("none.json"));
+        verify(inSheet("notice").text.startsWith("“none.json” was not opened."));
         verify(inSheet("notice").text.includes("none.json\": No such file or directory"));
         verify(!inSheet("action").visible, "there was nothing before");
         keyClick(Qt.Key_Escape);
