@@ -165,7 +165,6 @@ void UpdateManager::storeArchive(const QString& location) {
   fs::remove(archive, error);
   if (!error) fs::rename(location.toStdString(), archive, error);
   if (error) return didCompleteWithError(shown(archive) + ": " + QString::fromStdString(error.message()));
-  download_->setAutoRemove(false);
   updateDirectory = QUrl::fromLocalFile(shown(folder));
   post(pendingVersionInfo ? UpdateState{.kind = State::downloaded,
                                         .info = *pendingVersionInfo,

@@ -215,11 +215,17 @@ TEST_F(SignedDownload, IsProvenAgainBeforeItIsInstalled) {
   start();
   download();
   ASSERT_TRUE(becomes("downloaded"));
-  files.put(folder() + "/brantelUpdate/brantel-Update.zip", "Content");
-  manager->installUpdate(manager->state->info, manager->state->archive);
-  ASSERT_TRUE(becomes("error"));
-  EXPECT_EQ(description(), "Download failed: The update is not signed by the makers of this program.");
-  EXPECT_FALSE(terminated);
+  const std::string archive = folder() + "/brantelUpdate/brantel-Update.zip";
+  for (const bool isGone : {false, true}) {
+    files.put(archive, "Content");
+    if (isGone) std::filesystem::remove(files / archive);
+    history.clear();
+    manager->installUpdate(manager->state->info,
+                           QUrl::fromLocalFile(QString::fromStdString((files / archive).string())));
+    ASSERT_TRUE(happens([&] { return history == QStringList({"installing", "error"}); }));
+    EXPECT_EQ(description(), "Download failed: The update is not signed by the makers of this program.");
+    EXPECT_FALSE(terminated);
+  }
 }
 
 }  // namespace

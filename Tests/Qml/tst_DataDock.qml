@@ -109,9 +109,7 @@ TestCase {
         content.dock.show(2);
         const view = findChild(content, "elementTable");
         const table = view.table;
-        compare([table.rows, table.columnCount()], [2, 13]);
-        compare([cell(table, 0, 0), cell(table, 0, 4), cell(table, 1, 4)], ["bar", "5", "5.65685"]);
-        verify(Number(cell(table, 0, 6)) < 0, "compression");
+        compare([cell(table, 0, 0), cell(table, 1, 4)], ["bar", "5.65685"]);
         mouseClick(findChild(view, "heading4"));
         mouseClick(findChild(view, "heading4"));
         compare([table.descending, cell(table, 0, 4)], [true, "5.65685"]);
@@ -126,17 +124,9 @@ TestCase {
         }
 
         table.search = "5.65";
-        compare([table.rows, table.size], [1, 2]);
-        compare(view.selectedRow, 0);
+        compare([table.rows, view.selectedRow], [1, 0]);
         table.search = "nowhere";
         compare([table.rows, view.selectedRow], [0, -1]);
-        table.search = "";
-
-        content.dock.show(1);
-        const nodes = findChild(content, "nodeTable");
-        compare([cell(nodes.table, 0, 10), cell(nodes.table, 2, 5)], ["x y z", "-100"]);
-        model.addNode(1, 1, 1, false);
-        compare(nodes.table.rows, 4, "follows the structure");
     }
 
     function test_aClickInTheViewSelectsTheRow() {
