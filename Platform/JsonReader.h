@@ -143,7 +143,9 @@ void readJsonObject(JsonValue json, Target& target, const std::array<JsonMember<
   std::bitset<count> found;
   std::size_t next = 0;  // files hold the keys in the members' order, so the next one is looked for first
   for (auto result : jsonObject(json)) {
-    auto field = jsonResult<simdjson::ondemand::field>(result);
+    simdjson::ondemand::field field;  // not by jsonResult, whose copy is seen in the time
+    const auto code = std::move(result).get(field);
+    if (code != simdjson::SUCCESS) throw JsonError(simdjson::error_message(code));
     if (next == count || !field.key().unsafe_is_equal(members[next].key)) {
       const auto key = jsonResult<std::string_view>(field.unescaped_key());
       for (next = 0; next < count && members[next].key != key;) ++next;
