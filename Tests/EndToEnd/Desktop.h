@@ -21,6 +21,10 @@ class Desktop {
   /// Starts the program with these arguments and a home folder of its own, and waits for its window.
   explicit Desktop(const std::vector<std::string>& arguments = {}, const std::string& program = GAVREL,
                    Rights rights = Rights::asTester);
+  /// The same, with a sheet over the window from the beginning.
+  [[nodiscard]] static Desktop underSheet(const std::vector<std::string>& arguments) {
+    return Desktop(arguments, UnderSheet());
+  }
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
   ~Desktop();
@@ -68,6 +72,9 @@ class Desktop {
   TemporaryFolder home;
 
  private:
+  struct UnderSheet {};
+  Desktop(const std::vector<std::string>& arguments, UnderSheet);
+
   void start(const std::vector<std::string>& arguments);
   static void runAndSettle(const std::string& xdotoolCommands);
 

@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <signal.h>
+#include <sys/wait.h>
+
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <thread>
 
 #include "DataModel/ProjectFile.h"
@@ -121,8 +125,9 @@ TEST(Window, BuildsSolvesAndSavesATriangle) {
 TEST(Window, ABrokenFileLeavesAnEmptyStructureToWorkOn) {
   TemporaryFolder files;
   const auto broken = files.put("broken.json", R"({"name": "Half", "X_I": [0, 0,)");
-  Desktop desktop({broken.string()});
+  Desktop desktop = Desktop::underSheet({broken.string()});
   desktop.expectLine("Failed to load project: ");
+  desktop.keys("Return");  // the notice
   desktop.expectTitle("New Project");
   desktop.keys("Escape");  // the notice that tells why
   desktop.press(Desktop::addNode);
@@ -188,6 +193,86 @@ TEST(Window, ASaveUnderATakenNameAsksAndTheKeyboardReachesNothingBehindASheet) {
   desktop.keys("ctrl+q");
   EXPECT_EQ(desktop.exitStatus(), 0);
   EXPECT_EQ(desktop.home.get("taken.json"), desktop.home.get("free.json"));
+}
+
+/// A file with one node, whose bar, if there is one, leads to that node from another.
+std::filesystem::path projectFile(const std::filesystem::path& file, std::optional<std::int64_t> barFrom = {}) {
+  Project project;
+  project.addNode({1, 2, 3});
+  if (barFrom)
+    project.trussElements.edit().emplace_back(0, *barFrom, 0, Vector3{}, Vector3{1, 2, 3}, 1, 1, false, false);
+  EXPECT_EQ(writeProject(project, file), std::nullopt);
+  return file;
+}
+
+TEST(Window, ASaveThatFailsIsToldAndAnotherPlaceGoesOnWithQuitting) {
+  TemporaryFolder files;
+  std::filesystem::create_directory(files / "gone");
+  Desktop desktop({projectFile(files / "gone/model.json").string()});
+  desktop.keys("ctrl+shift+n Return");
+  desktop.expectLine("Added Node: id 1");
+  std::filesystem::remove_all(files / "gone");
+  desktop.keys("ctrl+q");
+  desktop.keys("Return");     // Save
+  desktop.keys("Tab space");  // Write Anew
+  desktop.expectLine("Failed to save project: ");
+  desktop.expectTitle("^\\*model.json");
+  desktop.keys("Return");  // the notice leads to the panel
+  saveAs(desktop, (files / "rescued.json").string());
+  desktop.expectLine("Project saved successfully to rescued.json");
+  EXPECT_EQ(desktop.exitStatus(), 0);
+  EXPECT_EQ((*readProject(files / "rescued.json"))->nodeCount(), 2);
+}
+
+TEST(Window, WhatAnotherProgramHasWrittenIsNotOverwrittenUnasked) {
+  TemporaryFolder files;
+  const auto file = projectFile(files / "model.json");
+  Desktop desktop({file.string()});
+  desktop.keys("ctrl+shift+n Return");
+  desktop.expectLine("Added Node: id 1");
+  files.put("model.json", "theirs");
+  desktop.keys("ctrl+s");
+  desktop.keys("Escape");
+  EXPECT_EQ(files.get("model.json"), "theirs");
+  desktop.expectTitle("^\\*model.json");
+  desktop.keys("ctrl+s");
+  desktop.keys("Tab space");  // Overwrite
+  desktop.expectLine("Project saved successfully to model.json");
+  EXPECT_EQ((*readProject(file))->nodeCount(), 2);
+}
+
+TEST(Window, AFileThatEndsTheProgramWhenShownIsAskedForFirst) {
+  TemporaryFolder files;
+  const auto file = projectFile(files / "odd.json", -1);
+  for (const bool anyway : {false, true}) {
+    Desktop desktop = Desktop::underSheet({file.string()});
+    EXPECT_EQ(desktop.output(), "");
+    desktop.run(anyway ? "key --delay 40 Tab space" : "key Return");
+    if (anyway) {
+      EXPECT_EQ(WTERMSIG(desktop.exitStatus()), SIGABRT);
+      EXPECT_NE(desktop.errors().find("Fatal error: index -1 is outside"), std::string::npos) << desktop.errors();
+    } else {
+      desktop.expectTitle("^New Project");
+      desktop.press(Desktop::addNode);
+      desktop.keys("Return");
+      desktop.expectLine("Added Node: id 0");
+    }
+  }
+}
+
+TEST(Window, LivesOnWhenNobodyReadsItsOutput) {
+  TemporaryFolder files;
+  const auto script = files.put("gavrel", "#!/bin/bash\nexec " GAVREL " > >(:)\n");
+  std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+  Desktop desktop({}, script.string());
+  desktop.keys("ctrl+shift+n Return");
+  desktop.expectTitle("^\\*New Project");
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+  EXPECT_EQ(desktop.ended(), std::nullopt);
+  EXPECT_EQ(desktop.output(), "");
+  desktop.killAndRestart();
+  desktop.keys("Return");  // Restore
+  desktop.expectTitle("^\\*New Project");
 }
 
 }  // namespace
