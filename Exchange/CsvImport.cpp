@@ -2,7 +2,6 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <regex>
 #include <set>
 #include <span>
 #include <sstream>
@@ -105,9 +104,15 @@ class Reader {
 };
 
 /// Whether its comma may as well group thousands, as in "1,234".
-bool mayGroupThousands(const std::string& field) {
-  static const std::regex grouped("[+-]?[1-9][0-9]{0,2},[0-9]{3}");
-  return std::regex_match(field, grouped);
+bool mayGroupThousands(std::string_view field) {
+  constexpr std::size_t group = 3;
+  const std::size_t comma = field.find(',');
+  const std::string_view after = field.substr(comma + 1);
+  std::string_view before = field.substr(0, comma);
+  if (before.starts_with('+') || before.starts_with('-')) before.remove_prefix(1);
+  const auto areDigits = [](std::string_view text) { return text.find_first_not_of("0123456789") == text.npos; };
+  return areDigits(before) && areDigits(after) && after.size() == group && !before.empty() && before.size() <= group &&
+         before.front() != '0';
 }
 
 /// Where commas do not separate, a number may have one instead of a point. Throws ImportError if numbers of these
