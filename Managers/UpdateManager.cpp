@@ -178,7 +178,7 @@ void UpdateManager::didCompleteWithError(const QString& reason) {
 
 void UpdateManager::installUpdate(const VersionInfo&, const QUrl& archive) {
   if (const QString reason = setup_.whyNotNow ? setup_.whyNotNow() : QString(); !reason.isEmpty())
-    return installationFailed(tr("Your changes would be lost, save them first. %1").arg(reason));
+    return installationFailed(tr("Save your changes first, they would be lost: %1").arg(reason));
   post({.kind = State::installing});
   const Installation installation{archive.toLocalFile(), setup_.bundle, setup_.publicKey, signature_};
   worker_.start([this, installation] {

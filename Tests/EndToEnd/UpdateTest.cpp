@@ -82,11 +82,17 @@ class Update : public testing::Test {
     for (const std::string& process : processesOf(program)) ::kill(std::stoi(process), SIGKILL);
   }
 
-  /// Version 1 started, edited if asked to, and led to where it ends to be replaced.
-  void installTheUpdate(bool edited = false) {
+  enum class Changes { none, kept, notKept };
+
+  /// Version 1 started, edited if asked to, and led to where it would end to be replaced.
+  void installTheUpdate(Changes changes = Changes::none) {
     desktop.emplace(std::vector<std::string>{}, program);
+    if (changes == Changes::notKept) {
+      fs::create_directories(desktop->home / ".local/share/gavrel");
+      desktop->home.put(".local/share/gavrel/recovery", "where the folder should be");
+    }
     Desktop::expect("the silent check", [&] { return thread.requests("/versions.json") == 1; });
-    if (edited) {
+    if (changes != Changes::none) {
       desktop->press(Desktop::addNode);
       Desktop::keys("Return");
       desktop->expectLine("Added Node");
@@ -111,7 +117,8 @@ class Update : public testing::Test {
     Desktop::keys("Tab Tab space");
     Desktop::expect("another download", [&] { return thread.requests("/update.zip") == 2; });
     Desktop::settle();
-    Desktop::keys("Tab Tab space");  // past "Cancel" to "Install & Restart"
+    Desktop::run("key --delay 40 Tab Tab space");  // past "Cancel" to "Install & Restart"
+    if (changes == Changes::notKept) return;
     EXPECT_EQ(desktop->exitStatus(), 0);
   }
 
@@ -136,7 +143,7 @@ class Update : public testing::Test {
 };
 
 TEST_F(Update, ReplacesTheBundleAndRestarts) {
-  installTheUpdate(/*edited=*/true);
+  installTheUpdate(Changes::kept);
   EXPECT_EQ(follower(), "");
   EXPECT_EQ(version(), "gavrel 2.0.0\n");
   EXPECT_FALSE(fs::exists(bundle.string() + ".old"));
@@ -146,6 +153,16 @@ TEST_F(Update, ReplacesTheBundleAndRestarts) {
   Desktop::keys("Return");  // Restore
   desktop->expectTitle("^\\*New Project");
   Desktop::expectWindow();
+}
+
+TEST_F(Update, IsRefusedWhileChangesCannotBeKept) {
+  installTheUpdate(Changes::notKept);
+  Desktop::settle();
+  EXPECT_EQ(desktop->ended(), std::nullopt);
+  EXPECT_EQ(version(), "gavrel 1.0.0\n");
+  Desktop::keys("Escape");  // puts the reason away
+  Desktop::expectWindow();
+  desktop->expectTitle("^\\*New Project");
 }
 
 TEST_F(Update, AFailedCopyIsToldOfByTheFormerVersion) {

@@ -89,6 +89,21 @@ class Installer : public ManagerCase {
   const fs::path work = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate";
 };
 
+TEST_F(Installer, DoesNotBeginWhileThereIsAReasonAgainst) {
+  QString reason = "the disk is full";
+  setup.whyNotNow = [&] { return reason; };
+  install();
+  ASSERT_TRUE(becomes("error"));
+  EXPECT_EQ(description(), "Installation failed: Save your changes first, they would be lost: the disk is full");
+  EXPECT_EQ(history, QStringList("error"));
+  EXPECT_FALSE(fs::exists(work / "install.sh"));
+  EXPECT_FALSE(terminated);
+  reason.clear();
+  install();
+  EXPECT_TRUE(happens([&] { return terminated; }));
+  EXPECT_EQ(started(), "new:");
+}
+
 TEST_F(Installer, ReplacesTheBundleAndStartsTheNewOne) {
   files.put("update/Gavrel.app/new file", "");
   fs::permissions(update / "Gavrel.app/bin/gavrel", fs::perms(0600));
