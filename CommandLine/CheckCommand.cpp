@@ -17,7 +17,8 @@ std::string toText(const std::vector<Finding>& findings) {
   for (const Finding& finding : findings)
     text += std::string(nameOf(finding.consequence)) + ": " + finding.title + "\n  " + finding.text + "\n";
   if (findings.empty()) return "Nothing found: the structure can be solved.\n";
-  return text + (findings.size() == 1 ? "1 finding" : std::to_string(findings.size()) + " findings") + "\n";
+  text += findings.size() == 1 ? "1 finding" : std::to_string(findings.size()) + " findings";
+  return text + (isSerious(findings.front()) ? "\n" : ", but the structure can be solved\n");
 }
 
 std::string toJson(const std::vector<Finding>& findings) {
@@ -55,7 +56,7 @@ int check(const CheckOptions& options) {
   }
   const auto findings = StructureCheck::of(**loaded).findings;
   std::fputs((options.json ? toJson(findings) : toText(findings)).c_str(), stdout);
-  return findings.empty() ? exitStatus::success : exitStatus::findings;
+  return findings.empty() || !isSerious(findings.front()) ? exitStatus::success : exitStatus::findings;
 }
 
 }  // namespace

@@ -7,7 +7,7 @@ namespace exitStatus {
 inline constexpr int success = 0;
 inline constexpr int failure = 1;       ///< a file could not be read or written
 inline constexpr int notConverged = 2;  ///< with --strict only
-inline constexpr int findings = 3;      ///< the check has found something
+inline constexpr int findings = 3;      ///< the check has found something that is not merely doubtful
 inline constexpr int usage = 64;        ///< the command line is not understood
 }  // namespace exitStatus
 

@@ -92,6 +92,9 @@ class Project : public Observable {
   /// Takes over displacements, residual, matrix and elements from a copy that was solved.
   void takeSolution(Project&& solved);
 
+  /// Positions of the compression-only bars that were out at the last assembly.
+  [[nodiscard]] std::vector<std::int64_t> positionsOut() const;
+
   /// How a solve begins: zero displacement and an empty matrix with the structure's pattern.
   void PrepareSolve();
 
@@ -119,7 +122,7 @@ class Project : public Observable {
   MaybeFault tryLinearSolve();
 
   std::optional<SparseCholesky> cholesky_;  // during a solve only: keeps the analysis from step to step
-  std::optional<std::int64_t> weakestDof_;  // where the last factorizations lost the structure's stiffness
+  std::optional<std::int64_t> weakestDof_;  // where the last factorization lost the structure's stiffness
 };
 
 /// "node 3, translation along z" for the number of a degree of freedom.

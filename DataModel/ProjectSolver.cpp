@@ -92,6 +92,13 @@ void Project::takeSolution(Project&& solved) {
   H_II = std::move(solved.H_II);
 }
 
+std::vector<std::int64_t> Project::positionsOut() const {
+  std::vector<std::int64_t> out;
+  for (std::size_t i = 0; i < trussElements->size(); ++i)
+    if ((*trussElements)[i].isOut()) out.push_back(static_cast<std::int64_t>(i));
+  return out;
+}
+
 void Project::PrepareSolve() {
   auto& U = U_I.edit();
   for (std::int64_t i = 0; i < nI; ++i) at(U, i, "U_I") = 0;
@@ -111,9 +118,12 @@ SolveOutcome Project::iterate(const StepObserver& afterStep, int limit) {
       break;
     }
     outcome.norms.push_back(normRoF0F1F);
+    if (step == 1) outcome.leastPart = cholesky_->leastPart();
+    if (weakestDof_ && !outcome.weakness) outcome.weakness = {step, *weakestDof_, positionsOut()};
     if (afterStep) afterStep(step, normRoF0F1F);
   }
-  outcome.weakestDof = weakestDof_;
+  outcome.converged = !outcome.fault && normRoF0F1F < convergenceTolerance;
+  if (outcome.weakness) outcome.weakness->lasts = weakestDof_.has_value();
   cholesky_.reset();
   return outcome;
 }
@@ -182,7 +192,7 @@ Project::MaybeFault Project::tryLinearSolve() {
   SparseCholesky& cholesky = cholesky_ ? *cholesky_ : once;
   const SymmetricMatrix matrix{nI, dofsPerNode, H_II.starts, H_II.indices, H_II.values};
   if (const auto fault = cholesky.factorize(matrix)) return faultOf(*fault);
-  if (!weakestDof_) weakestDof_ = cholesky.weakestUnknown();
+  weakestDof_ = cholesky.weakestUnknown();
   if (const auto fault = cholesky.solve(R_I, dU_I)) return faultOf(*fault);
   cholesky.dropFactor();
   return std::nullopt;

@@ -3,6 +3,11 @@
 #include <algorithm>
 
 #include "DataModel/Project.h"
+#include "Platform/NumberText.h"
+
+bool isSerious(const Finding& finding) {
+  return finding.consequence != Finding::Consequence::Doubtful;
+}
 
 std::string_view nameOf(Finding::Consequence consequence) {
   switch (consequence) {
@@ -18,11 +23,25 @@ std::string_view nameOf(Finding::Consequence consequence) {
   return "Doubtful";
 }
 
+std::string endingOf(Finding::Consequence consequence) {
+  switch (consequence) {
+    case Finding::Consequence::EndsProgram:
+      return ", and a solve ends the program: ";
+    case Finding::Consequence::NeverConverges:
+      return ", and the solve never converges: ";
+    case Finding::Consequence::Meaningless:
+      return ", and the displacements mean nothing: ";
+    case Finding::Consequence::Doubtful:
+      break;
+  }
+  return ", which a later step made good: ";
+}
+
 std::string listed(std::string_view one, const std::vector<std::int64_t>& positions) {
-  constexpr std::size_t shown = 4;
+  constexpr std::size_t most = 4;
   std::string list(one);
   if (positions.size() > 1) list += "s";
-  const std::size_t named = positions.size() <= shown + 1 ? positions.size() : shown;
+  const std::size_t named = positions.size() <= most + 1 ? positions.size() : most;
   for (std::size_t i = 0; i < named; ++i) {
     const bool last = i > 0 && i + 1 == positions.size();
     list += (last ? " and " : i > 0 ? ", " : " ") + std::to_string(positions[i]);
@@ -34,6 +53,11 @@ std::string listed(std::string_view one, const std::vector<std::int64_t>& positi
 std::string directionOf(std::int64_t dof) {
   const std::string whole = describeDof(dof);
   return whole.substr(whole.find(", ") + 2);
+}
+
+std::string shown(double number) {
+  constexpr int digits = 4;
+  return roundedNumberText(number, digits);
 }
 
 std::vector<std::int64_t> markedOf(const std::vector<bool>& marked) {

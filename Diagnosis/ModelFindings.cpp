@@ -8,108 +8,146 @@ namespace {
 using enum Finding::Consequence;
 using Positions = std::vector<std::int64_t>;
 
-/// Beams for which the predicate of the chord's x component, start minus end, holds; those without length are left out.
+/// Positions of the beams for which the predicate holds.
 template <class Predicate>
 Positions beamsWhere(const Project& project, Predicate&& predicate) {
   Positions found;
   const auto& beams = *project.beamElements;
-  for (std::size_t i = 0; i < beams.size(); ++i) {
-    const BeamElement& beam = beams[i];
-    if (length({beam.dXx, beam.dXy, beam.dXz}) > zeroLength && predicate(beam.dXx))
+  for (std::size_t i = 0; i < beams.size(); ++i)
+    if (predicate(beams[i])) found.push_back(static_cast<std::int64_t>(i));
+  return found;
+}
+
+bool isShort(const BeamElement& beam) {
+  return length({beam.dXx, beam.dXy, beam.dXz}) <= zeroLength;
+}
+
+/// Whether the largest terms of the beam's stiffness, which are on the diagonal and always read, are numbers.
+bool hasStiffness(const BeamElement& beam) {
+  const double Lx3 = std::pow(beam.dXx, 3.0);
+  const double terms[] = {
+      beam.EA, beam.GJ, 12 * beam.EIy / Lx3, 12 * beam.EIz / Lx3, beam.EIy / beam.dXx, beam.EIz / beam.dXx};
+  return std::ranges::all_of(terms, [](double term) { return std::isfinite(term); });
+}
+
+/// The same of a bar.
+bool hasStiffness(const TrussElement& truss) {
+  const double parts[] = {truss.dXx, truss.dXy, truss.dXz};
+  return std::ranges::all_of(parts, [&truss](double part) { return std::isfinite(truss.EAL3 * part * part); });
+}
+
+Positions barsWithoutStiffness(const Project& project) {
+  Positions found;
+  for (std::size_t i = 0; i < project.trussElements->size(); ++i)
+    if (!hasStiffness((*project.trussElements)[i])) found.push_back(static_cast<std::int64_t>(i));
+  return found;
+}
+
+/// How many restraints a solve reads: of the nodes of bars the translations, of those of beams all directions.
+std::int64_t restraintsRead(const Project& project) {
+  std::int64_t read = 0;
+  for (const TrussElement& truss : *project.trussElements)
+    read = std::max(read, dofsPerNode * std::max(truss.startNodeId, truss.endNodeId) + 3);
+  for (const BeamElement& beam : *project.beamElements)
+    read = std::max(read, dofsPerNode * std::max(beam.startNodeId, beam.endNodeId) + dofsPerNode);
+  return read;
+}
+
+std::optional<Finding> inspectArrays(const Project& project) {
+  const std::int64_t restraints = restraintsRead(project);
+  if (std::ssize(*project.F_I) >= project.nI && std::ssize(*project.D_I) >= restraints) return std::nullopt;
+  return Finding{EndsProgram, "Missing loads or restraints",
+                 "There are " + std::to_string(project.F_I->size()) + " loads and " +
+                     std::to_string(project.D_I->size()) + " restraints, but a solve reads " +
+                     std::to_string(project.nI) + " loads and the first " + std::to_string(restraints) +
+                     " restraints, and ends the program: give each node six of both."};
+}
+
+/// Positions of the elements whose stored extents, by which a solve goes, are not those of their nodes.
+template <class Element>
+Positions misfits(const Project& project, const std::vector<Element>& elements) {
+  constexpr double fit = 1e-6;  // of a length
+  Positions found;
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    const Element& element = elements[i];
+    const Vector3 stored{element.dXx, element.dXy, element.dXz};
+    const auto start = project.getNodeCoordinates(element.startNodeId);
+    const auto end = project.getNodeCoordinates(element.endNodeId);
+    if (!start || !end) continue;
+    const Vector3 gap = *start - *end;
+    if (length(gap - stored) > fit * std::max(length(gap), length(stored)))
       found.push_back(static_cast<std::int64_t>(i));
   }
   return found;
-}
-
-/// Nodes that carry a load in a restrained direction.
-Positions nodesLoadedAgainstRestraint(const Project& project) {
-  Positions found;
-  const auto& F = *project.F_I;
-  const auto& D = *project.D_I;
-  for (std::size_t dof = 0; dof < F.size() && dof < D.size(); ++dof) {
-    const auto node = static_cast<std::int64_t>(dof) / dofsPerNode;
-    if (D[dof] && F[dof] != 0 && (found.empty() || found.back() != node)) found.push_back(node);
-  }
-  return found;
-}
-
-/// Nodes with a coordinate or a load that is infinite or not a number.
-Positions nodesWithoutNumbers(const Project& project) {
-  std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
-  const auto mark = [&marked](const std::vector<double>& array, std::size_t perNode) {
-    for (std::size_t i = 0; i < array.size() && i / perNode < marked.size(); ++i)
-      if (!std::isfinite(array[i])) marked[i / perNode] = true;
-  };
-  mark(*project.X_I, 3);
-  mark(*project.F_I, dofsPerNode);
-  return markedOf(marked);
-}
-
-Finding missingEntries(const Project& project) {
-  return {EndsProgram, "Missing loads or restraints",
-          "There are " + std::to_string(project.F_I->size()) + " loads and " + std::to_string(project.D_I->size()) +
-              " restraints for " + std::to_string(project.nI) +
-              " directions, and a solve ends the program: give each node six of both."};
 }
 
 }  // namespace
 
 std::vector<Finding> inspectModel(const Project& project, const Connectivity& connectivity) {
   std::vector<Finding> findings;
-  const auto add = [&](Finding finding) { findings.push_back(std::move(finding)); };
   const auto addTrusses = [&](Finding::Consequence consequence, const char* title, const Positions& trusses,
                               const std::string& text) {
-    if (!trusses.empty()) add({consequence, title, "With " + listed("bar", trusses) + " " + text, {}, trusses});
+    if (!trusses.empty())
+      findings.push_back({consequence, title, "With " + listed("bar", trusses) + " " + text, {}, trusses});
   };
   const auto addBeams = [&](Finding::Consequence consequence, const char* title, const Positions& beams,
                             const std::string& text) {
-    if (!beams.empty()) add({consequence, title, "With " + listed("beam", beams) + " " + text, {}, {}, beams});
+    if (!beams.empty())
+      findings.push_back({consequence, title, "With " + listed("beam", beams) + " " + text, {}, {}, beams});
   };
 
   if (project.trussElements->empty() && project.beamElements->empty())
     return {{EndsProgram, "No elements",
              "The structure has neither bars nor beams, and a solve ends the program: join its nodes."}};
-  if (std::ssize(*project.F_I) < project.nI || std::ssize(*project.D_I) < project.nI) add(missingEntries(project));
-  if (const auto nodes = nodesWithoutNumbers(project); !nodes.empty())
-    add({Meaningless, "Numbers that are none",
-         "A coordinate or a load of " + listed("node", nodes) +
-             " is infinite or not a number, and a solve ends the program or means nothing: enter a number.",
-         nodes});
   const char* unknown =
       "a solve ends the program, since one of the ends is a node that does not exist: correct the file.";
   addTrusses(EndsProgram, "Unknown nodes", connectivity.trussesWithUnknownNodes, unknown);
   addBeams(EndsProgram, "Unknown nodes", connectivity.beamsWithUnknownNodes, unknown);
+  if (!findings.empty()) return findings;  // the rest asks for their places
+  if (auto missing = inspectArrays(project)) findings.push_back(std::move(*missing));
   if (const auto& lonely = connectivity.nodesWithoutElements; !lonely.empty())
-    add({EndsProgram, "Nodes without elements",
+    findings.push_back(
+        {EndsProgram, "Nodes without elements",
          "Nothing joins " + listed("node", lonely) +
              " to the structure, and a solve ends the program: join every node with a bar, or take it out of the file.",
          lonely});
-  addBeams(EndsProgram, "Beams without length", connectivity.zeroLengthBeams,
+
+  const auto without = [&](auto&& predicate) {
+    return beamsWhere(project, [&](const BeamElement& beam) { return !hasStiffness(beam) && predicate(beam); });
+  };
+  addBeams(EndsProgram, "Beams without length", without(isShort),
            "a solve ends the program, since both ends lie in the same place: join other nodes.");
+  addBeams(EndsProgram, "Beams across x",
+           without([](const BeamElement& beam) { return !isShort(beam) && beam.dXx == 0; }),
+           "a solve ends the program, since a beam's stiffness is formed with its extent along x, which is zero: use "
+           "bars there.");
   addBeams(
-      EndsProgram, "Beams across x", beamsWhere(project, [](double x) { return x == 0; }),
-      "a solve ends the program, since a beam's stiffness is formed with its extent along x, which is zero: use bars "
-      "there.");
-  addBeams(Meaningless, "Beams the wrong way round", beamsWhere(project, [](double x) { return x < 0; }),
-           "the stiffness in bending is negative, and a solve ends the program or means nothing: let them start at the "
-           "larger x.");
+      EndsProgram, "Beams without finite stiffness",
+      without([](const BeamElement& beam) { return !isShort(beam) && beam.dXx != 0; }),
+      "a solve ends the program, since the stiffness is too large or not a number: look at the section, the moduli, "
+      "and the extent along x.");
+  addTrusses(
+      EndsProgram, "Bars without finite stiffness", barsWithoutStiffness(project),
+      "a solve ends the program, since the stiffness is too large or not a number: look at the area, the modulus, "
+      "and the places of the nodes.");
+  addBeams(Doubtful, "Beams without length",
+           beamsWhere(project, [](const BeamElement& beam) { return hasStiffness(beam) && isShort(beam); }),
+           "both ends lie in the same place: join other nodes.");
+  addBeams(Doubtful, "Beams the wrong way round",
+           beamsWhere(project,
+                      [](const BeamElement& beam) {
+                        return !isShort(beam) && beam.dXx < 0 && (beam.EIy != 0 || beam.EIz != 0);
+                      }),
+           "the stiffness in bending is negative: let them start at the larger x.");
   addTrusses(Doubtful, "Bars without length", connectivity.zeroLengthTrusses,
              "nothing is carried, since both ends lie in the same place: join other nodes.");
+  const char* unfitting = "a solve goes by the stored extents, which are not those of the nodes: correct the file.";
+  addTrusses(Doubtful, "Elements that do not fit their nodes", misfits(project, *project.trussElements), unfitting);
+  addBeams(Doubtful, "Elements that do not fit their nodes", misfits(project, *project.beamElements), unfitting);
   const char* repeated =
       "the same two nodes are joined again, so that the stiffness counts twice: take one out of the "
       "file, unless you meant that.";
   addTrusses(Doubtful, "Repeated bars", connectivity.repeatedTrusses, repeated);
   addBeams(Doubtful, "Repeated beams", connectivity.repeatedBeams, repeated);
-
-  if (const auto nodes = nodesLoadedAgainstRestraint(project); !nodes.empty())
-    add({NeverConverges, "Loads on supports",
-         "A restrained direction of " + listed("node", nodes) +
-             " carries a load, which moves it further in each step, and the solve never converges: remove the load or "
-             "the restraint.",
-         nodes});
-  if (std::ranges::all_of(*project.F_I, [](double load) { return load == 0; }))
-    add({NeverConverges, "No loads",
-         "Nothing loads the structure, so that the solve runs all its steps, prints nan, and moves nothing: load a "
-         "node."});
   return findings;
 }

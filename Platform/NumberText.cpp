@@ -37,6 +37,15 @@ std::string numberText(double number) {
   return text;
 }
 
+std::string roundedNumberText(double number, int digits) {
+  Buffer buffer;
+  char* const begin = buffer.data();
+  const char* end = std::to_chars(begin, begin + buffer.size(), number, std::chars_format::scientific, digits - 1).ptr;
+  double rounded = number;
+  std::from_chars(begin, end, rounded);
+  return numberText(rounded);
+}
+
 std::optional<double> parseNumber(const std::string& text) {
   static const locale_t plainLocale = ::newlocale(LC_ALL_MASK, "C", nullptr);
   // strtod skips leading white space, which is no part of a number here.

@@ -10,6 +10,9 @@
 /// and its sign ("1e-05", "1e+16"); "nan", "inf", "-inf".
 [[nodiscard]] std::string numberText(double number);
 
+/// numberText of `number` rounded to so many significant digits: for reading, not for reading back.
+[[nodiscard]] std::string roundedNumberText(double number, int digits);
+
 /// The number that the whole of `text` spells: decimal or hexadecimal ("0x1p3"), with an optional sign and exponent, or
 /// infinity or NaN ("inf", "infinity", "nan" in any case). Nothing for any other text, spaces around a number and an
 /// empty text included. Numbers too large become infinite, too small ones zero. The user's locale does not matter.

@@ -183,6 +183,7 @@ struct SparseCholesky::State {
   bool analysed = false;
 
   std::optional<std::int64_t> weakest;
+  double leastPart = 1;
 
   /// Place in the selection of what is eliminated at `step`.
   [[nodiscard]] std::size_t placeAt(std::int64_t step) const {
@@ -194,15 +195,13 @@ struct SparseCholesky::State {
   /// makes the unknown the weakest.
   std::optional<CholeskyFault> inspectPivots() {
     std::optional<CholeskyFault> fault;
-    double least = lostPivot;
     forEachPivot(*factor, [&](std::int64_t step, double entry) {
       if (!fault && !std::isfinite(entry)) fault = CholeskyFault{Kind::PivotNotFinite, unknownAt(step), entry};
       const double diagonal = selected[static_cast<std::size_t>(selection.starts[placeAt(step)])];
       const double left = entry * entry / diagonal;
-      if (left < least) {
-        least = left;
-        weakest = unknownAt(step);
-      }
+      if (!(left < leastPart)) return;
+      leastPart = left;
+      if (left < lostPivot) weakest = unknownAt(step);
     });
     return fault;
   }
@@ -249,6 +248,7 @@ std::optional<CholeskyFault> SparseCholesky::factorize(const SymmetricMatrix& ma
   State& s = *state_;
   dropFactor();
   s.weakest.reset();
+  s.leastPart = 1;
   if (const auto fault = analyse(matrix)) return fault;
   if (!s.analysis) return std::nullopt;
 
@@ -292,6 +292,10 @@ std::optional<CholeskyFault> SparseCholesky::solve(std::span<const double> b, st
 
 std::optional<std::int64_t> SparseCholesky::weakestUnknown() const {
   return state_->weakest;
+}
+
+double SparseCholesky::leastPart() const {
+  return state_->leastPart;
 }
 
 void SparseCholesky::dropFactor() {

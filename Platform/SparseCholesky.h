@@ -31,6 +31,10 @@ class SparseCholesky {
   /// is singular to working precision, although its factorization came to an end, and the solution means nothing.
   [[nodiscard]] std::optional<std::int64_t> weakestUnknown() const;
 
+  /// The least part of a diagonal that the elimination of the other unknowns left, of the last factorization; 1 if all
+  /// are uncoupled.
+  [[nodiscard]] double leastPart() const;
+
   void dropFactor();
 
  private:

@@ -58,7 +58,7 @@ QVariantList Calculation::findings() const {
         QVariantMap{{"consequence", QString::fromUtf8(consequence.data(), static_cast<qsizetype>(consequence.size()))},
                     {"title", QString::fromStdString(finding.title)},
                     {"text", QString::fromStdString(finding.text)},
-                    {"canMakeLinear", finding.mendedByLinearTrusses}});
+                    {"canMakeLinear", !finding.trussesToMakeLinear.empty()}});
   }
   return list;
 }
@@ -93,7 +93,7 @@ void Calculation::markFinding(int index) {
 }
 
 void Calculation::makeLinear(int index) {
-  viewModel_->makeLinear(at(trial_.findings, index, "the findings").trusses);
+  viewModel_->makeLinear(at(trial_.findings, index, "the findings").trussesToMakeLinear);
 }
 
 void Calculation::begin() {

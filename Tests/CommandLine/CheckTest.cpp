@@ -24,4 +24,16 @@ TEST(Check, TellsWhatItFindsAndWithWhichStatus) {
             R"([{"consequence":"Neverconverges","title":"Loadsonsupports","text":"Arestraineddirectionofnode1carriesa)"
             R"(load,whichmovesitfurtherineachstep,andthesolveneverconverges:removetheloadortherestraint.",)"
             R"("nodes":[1],"trusses":[],"beams":[]}])");
+
+  std::string doubtful = singleBarJson();
+  const std::string bar = doubtful.substr(doubtful.find('{', 1), doubtful.find('}') + 1 - doubtful.find('{', 1));
+  doubtful.insert(doubtful.find('}') + 1, "," + bar);
+  const auto solvable = gavrelCli({"check", folder.put("twice.json", doubtful)});
+  EXPECT_EQ(solvable.status, 0);
+  EXPECT_EQ(
+      solvable.output,
+      "Doubtful: Repeated bars\n"
+      "  With bar 1 the same two nodes are joined again, so that the stiffness counts twice: take one out of the file, "
+      "unless you meant that.\n"
+      "1 finding, but the structure can be solved\n");
 }

@@ -56,6 +56,70 @@ TEST(ProjectSolver, LoadOnARestraintDriftsAndNoLoadGivesNoNorm) {
   EXPECT_THAT(*bar.U_I, Each(0.0));
 }
 
+TEST(ProjectSolver, AResidualAtTheToleranceIsNotBelowIt) {
+  Row bar(2);
+  addBar(bar, 0, 1, stiffness);
+  bar.pull(1, 1);
+  double& onSupport = bar.F_I.edit()[7];  // what stays of the residual
+  onSupport = Project::convergenceTolerance;
+  const auto part = [&] { return onSupport / std::sqrt(1 + onSupport * onSupport); };
+  while (part() < Project::convergenceTolerance) onSupport = std::nextafter(onSupport, 1.0);
+  ASSERT_EQ(part(), Project::convergenceTolerance);
+  EXPECT_EQ(linesOf(bar), "\n1.0\n" + times(49, "1e-05\n"));
+  while (part() >= Project::convergenceTolerance) onSupport = std::nextafter(onSupport, 0.0);
+  EXPECT_EQ(linesOf(bar), "\n1.0\n9.999999999999999e-06\n");
+}
+
+/// In this order two small stiffnesses add up to something that is not lost beside a large one.
+TEST(ProjectSolver, AssemblesBarsBeforeBeams) {
+  Row row(2);
+  addBeam(row, 1, 0, 0x1p53, false);
+  addBar(row, 0, 1, 1);
+  addBar(row, 0, 1, 1);
+  row.PrepareSolve();
+  row.Assemble();
+  EXPECT_EQ(row.H_II.values.front(), 0x1p53 + 2);
+}
+
+TEST(ProjectSolver, TakesOverWhatASolveOfACopyLeaves) {
+  Row row(3);
+  addBar(row, 0, 1, stiffness, {.isNonLinear = true});
+  addBar(row, 1, 2, stiffness, {.isNonLinear = true});
+  addBeam(row, 2, 1, stiffness, false);
+  row.setLoadAndRestraint(2, {20, 3, 0}, false, false, true);
+  for (const std::size_t rotation : {9, 10, 11}) row.D_I.edit()[rotation] = true;
+  const auto solved = row.copy();
+  const auto outcome = solved->trySolve();
+  const std::string lines = linesOf(*row.copy());
+  row.takeSolution(std::move(*solved));
+  const auto expected = row.copy();
+  EXPECT_EQ(linesOf(*expected), lines);
+  EXPECT_EQ(std::ranges::count(lines, '\n'), 1 + std::ssize(outcome.norms));
+  EXPECT_EQ(*row.trussElements, *expected->trussElements);
+  EXPECT_EQ(*row.beamElements, *expected->beamElements);
+  EXPECT_NE(row.beamElements->front().dθz, 0);
+  EXPECT_EQ(*row.U_I, *expected->U_I);
+  EXPECT_EQ(row.dU_I, expected->dU_I);
+  EXPECT_EQ(row.R_I, expected->R_I);
+  EXPECT_EQ(row.H_II.values, expected->H_II.values);
+}
+
+/// Of the displacements, too: at their reset the old ones are there, and at a step's end the increment is known.
+TEST(ProjectSolver, AnnouncesDisplacementsBeforeTheyChange) {
+  Row bar(2);
+  addBar(bar, 0, 1, stiffness);
+  bar.pull(1, 3);
+  static_cast<void>(bar.trySolve());
+  const Numbers before = *bar.U_I;
+  bar.dU_I.assign(12, 0);
+  std::vector<std::pair<Numbers, Numbers>> seen;
+  bar.observe([&] { seen.emplace_back(*bar.U_I, bar.dU_I); });
+  static_cast<void>(bar.trySolve({}, 1));
+  EXPECT_EQ(seen.front().first, before);
+  EXPECT_THAT(seen.back().first, Each(0.0));
+  EXPECT_EQ(seen.back().second, *bar.U_I);
+}
+
 TEST(ProjectSolver, CompressionOnlyBarLeavesARepairedUnknown) {
   Row row(3);
   addBar(row, 0, 1, stiffness);
@@ -164,8 +228,29 @@ TEST(ProjectSolver, WarnsOnceOfAMechanismThatRoundingHides) {
   Mechanism mechanism(stiffness);
   testing::internal::CaptureStderr();
   static_cast<void>(linesOf(mechanism));
-  EXPECT_THAT(testing::internal::GetCapturedStderr(),
-              testing::MatchesRegex("Warning: the structure may be unstable at node [01], translation along x: .*\n"));
+  EXPECT_THAT(
+      testing::internal::GetCapturedStderr(),
+      testing::MatchesRegex("Warning: the structure may be unstable at node [01], translation along x: [^\n]*\n"));
+  mechanism.D_I.edit()[7] = true;
+  mechanism.F_I.edit()[7] = 1;  // all steps
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(std::ranges::count(linesOf(mechanism), '\n'), 51);
+  const std::string warnings = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(std::ranges::count(warnings, '\n'), 1) << warnings;
+}
+
+TEST(ProjectSolver, TellsInWhichStepTheStructureWasWeak) {
+  Mechanism mechanism(stiffness);
+  auto weakness = mechanism.trySolve().weakness;
+  ASSERT_TRUE(weakness);
+  EXPECT_EQ(weakness->step, 1);
+  EXPECT_TRUE(weakness->lasts);
+  Row sound(2);
+  addBar(sound, 0, 1, stiffness);
+  sound.pull(1, 1);
+  const auto outcome = sound.trySolve();
+  EXPECT_FALSE(outcome.weakness);
+  EXPECT_TRUE(outcome.converged && !outcome.isInVain());
 }
 
 }  // namespace

@@ -144,4 +144,11 @@ TEST(ParseJsonNumber, KeepsEveryDigitOfWholeNumbers) {
   }
 }
 
+TEST(NumberText, RoundsForReading) {
+  EXPECT_EQ(roundedNumberText(-1234.5678, 4), "-1235.0");
+  EXPECT_EQ(roundedNumberText(0.00012344999, 3), "0.000123");
+  EXPECT_EQ(roundedNumberText(9.9999e-6, 4), "1e-05");
+  EXPECT_EQ(roundedNumberText(-INFINITY, 4), "-inf");
+}
+
 }  // namespace

@@ -1,0 +1,216 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "Diagnosis/StructureCheck.h"
+
+namespace {
+
+using enum Finding::Consequence;
+using Positions = std::vector<std::int64_t>;
+
+/// What keeps a force of the residual from being answered.
+enum class Cause {
+  NoNode,      ///< it stands behind the entries of the last node
+  Support,     ///< it acts on a restrained direction
+  NoElement,   ///< no element has stiffness there
+  TooSoft,     ///< the stiffness there is taken for none
+  Beam,        ///< a beam is joined there, which answers with stiffness only
+  Equilibrium  ///< bars do not find it
+};
+constexpr std::size_t causes = 6;
+
+/// The unanswered forces of one kind.
+struct Leftover {
+  double squares = 0;
+  double largest = 0;
+  Positions nodes;
+
+  [[nodiscard]] double norm() const { return std::sqrt(squares); }
+};
+
+/// Goes through the residual of a solve's last assembly.
+class Residual {
+ public:
+  Residual(const Project& solved, const SolveOutcome& outcome)
+      : project_(solved),
+        touchedByBeam_(static_cast<std::size_t>(solved.nodeCount())),
+        stiffnessOfBars_(static_cast<std::size_t>(solved.nI)),
+        converged_(outcome.converged) {
+    double squares = 0;
+    for (const double load : *solved.F_I) squares += load * load;
+    tolerated = Project::convergenceTolerance * std::sqrt(squares);
+    for (const BeamElement& beam : *solved.beamElements)
+      for (const std::int64_t node : {beam.startNodeId, beam.endNodeId})
+        touchedByBeam_[static_cast<std::size_t>(node)] = true;
+    for (const TrussElement& truss : *solved.trussElements) addStiffness(truss);
+    // Two rounds, since only what counts beside the largest force of its kind is told of.
+    for (std::size_t dof = 0; dof < solved.R_I.size(); ++dof) count(dof);
+    for (std::size_t dof = 0; dof < solved.R_I.size(); ++dof) name(dof);
+  }
+
+  /// What no step will change, and, of a solve in vain, what it has left over.
+  [[nodiscard]] const Leftover& of(Cause cause) const { return left_[static_cast<std::size_t>(cause)]; }
+
+  /// Whether these forces alone keep the solve from converging.
+  [[nodiscard]] bool isTooLarge(Cause cause) const { return !(of(cause).norm() < tolerated); }
+
+  double tolerated = 0;
+
+ private:
+  static constexpr double counting = 1e-3;
+
+  [[nodiscard]] bool isOfBeam(std::size_t dof) const { return touchedByBeam_[dof / dofsPerNode]; }
+
+  [[nodiscard]] Cause causeOf(std::size_t dof) const {
+    if (dof >= static_cast<std::size_t>(project_.nI)) return Cause::NoNode;
+    const bool isTurn = dof % dofsPerNode >= 3;
+    if (isTurn && !isOfBeam(dof)) return Cause::NoElement;
+    if (dof < project_.D_I->size() && (*project_.D_I)[dof]) return Cause::Support;
+    if (isOfBeam(dof)) return Cause::Beam;
+    if (std::abs(stiffnessOfBars_[dof]) >= Project::zeroPivot) return Cause::Equilibrium;
+    return project_.R_I[dof] == (*project_.F_I)[dof] ? Cause::NoElement : Cause::TooSoft;
+  }
+
+  void addStiffness(const TrussElement& truss) {
+    if (truss.isOut()) return;
+    const Vector3 X{truss.dXx, truss.dXy, truss.dXz};
+    const Vector3 a = truss.isNonLinear ? Vector3{X.x + truss.dUx, X.y + truss.dUy, X.z + truss.dUz} : X;
+    const double across = truss.isNonLinear ? truss.currentStrain * truss.EAL3 : 0;
+    const double along[] = {truss.EAL3 * a.x * a.x, truss.EAL3 * a.y * a.y, truss.EAL3 * a.z * a.z};
+    for (const std::int64_t node : {truss.startNodeId, truss.endNodeId})
+      for (std::size_t k = 0; k < std::size(along); ++k)
+        stiffnessOfBars_[static_cast<std::size_t>(dofsPerNode * node) + k] += along[k] + across;
+  }
+
+  /// Of a solve that converged, what is left of the last kinds is as small as it should be.
+  [[nodiscard]] bool isLeft(std::size_t dof, Cause cause) const {
+    return project_.R_I[dof] != 0 && !(converged_ && cause >= Cause::TooSoft);
+  }
+
+  void count(std::size_t dof) {
+    const Cause cause = causeOf(dof);
+    if (!isLeft(dof, cause)) return;
+    Leftover& left = left_[static_cast<std::size_t>(cause)];
+    const double size = std::abs(project_.R_I[dof]);
+    left.squares += size * size;
+    if (!(size <= left.largest)) left.largest = size;
+  }
+
+  void name(std::size_t dof) {
+    const Cause cause = causeOf(dof);
+    Leftover& left = left_[static_cast<std::size_t>(cause)];
+    if (cause == Cause::NoNode || !isLeft(dof, cause) || std::abs(project_.R_I[dof]) < counting * left.largest) return;
+    const auto node = static_cast<std::int64_t>(dof) / dofsPerNode;
+    if (left.nodes.empty() || left.nodes.back() != node) left.nodes.push_back(node);
+  }
+
+  const Project& project_;
+  std::vector<bool> touchedByBeam_;
+  std::vector<double> stiffnessOfBars_;  // of each direction by itself
+  bool converged_;
+  std::array<Leftover, causes> left_;
+};
+
+/// Nodes with a load that is infinite or not a number.
+Positions nodesWithoutNumbers(const Project& project) {
+  std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
+  for (std::size_t i = 0; i < static_cast<std::size_t>(project.nI); ++i)
+    if (!std::isfinite((*project.F_I)[i])) marked[i / dofsPerNode] = true;
+  return markedOf(marked);
+}
+
+/// Positions of the bars at these nodes that were out.
+Positions barsOutAt(const Project& solved, const Positions& nodes) {
+  Positions out;
+  const auto isAmong = [&nodes](std::int64_t node) { return std::ranges::binary_search(nodes, node); };
+  const auto& trusses = *solved.trussElements;
+  for (std::size_t i = 0; i < trusses.size(); ++i)
+    if (trusses[i].isOut() && (isAmong(trusses[i].startNodeId) || isAmong(trusses[i].endNodeId)))
+      out.push_back(static_cast<std::int64_t>(i));
+  return out;
+}
+
+/// Loads of which the norm says nothing.
+std::optional<Finding> inspectNorm(const Project& project, double norm) {
+  if (const auto nodes = nodesWithoutNumbers(project); !nodes.empty())
+    return Finding{NeverConverges, "Loads that are no numbers",
+                   "A load of " + listed("node", nodes) +
+                       " is infinite or not a number, so that the solve never converges: enter a number.",
+                   nodes};
+  if (norm > 0 && std::isfinite(norm)) return std::nullopt;
+  if (std::ranges::all_of(*project.F_I, [](double load) { return load == 0; }))
+    return Finding{NeverConverges, "No loads",
+                   "Nothing loads the structure, so that the solve runs all its steps, prints nan, and moves nothing: "
+                   "load a node."};
+  return Finding{NeverConverges, "Loads out of range",
+                 std::string("The squares of the loads are ") + (norm > 0 ? "too large" : "too small") +
+                     " to be added up, so that the solve never converges: take other units."};
+}
+
+std::string drifts(Finding::Consequence consequence) {
+  return consequence == NeverConverges ? ", and the solve never converges" : "";
+}
+
+}  // namespace
+
+std::vector<Finding> inspectLoads(const Project& solved, const SolveOutcome& outcome) {
+  const Residual residual(solved, outcome);
+  if (auto unmeasured = inspectNorm(solved, residual.tolerated)) return {std::move(*unmeasured)};
+
+  std::vector<Finding> findings;
+  const auto weigh = [&](Cause cause) { return residual.isTooLarge(cause) ? NeverConverges : Doubtful; };
+  if (const Leftover& left = residual.of(Cause::NoNode); left.squares > 0) {
+    const auto consequence = weigh(Cause::NoNode);
+    findings.push_back({consequence, "Loads of no node",
+                        "There are " + std::to_string(solved.F_I->size()) + " loads for " + std::to_string(solved.nI) +
+                            " directions, and what stands behind those is answered by nothing" + drifts(consequence) +
+                            ": take it out of the file."});
+  }
+  if (const Leftover& left = residual.of(Cause::Support); left.squares > 0) {
+    const auto consequence = weigh(Cause::Support);
+    findings.push_back({consequence, "Loads on supports",
+                        "A restrained direction of " + listed("node", left.nodes) +
+                            " carries a load, which moves it further in each step" + drifts(consequence) +
+                            ": remove the load or the restraint.",
+                        left.nodes});
+  }
+  if (outcome.fault) return findings;
+  if (const Leftover& left = residual.of(Cause::NoElement); left.squares > 0) {
+    const auto consequence = weigh(Cause::NoElement);
+    const auto out = barsOutAt(solved, left.nodes);
+    findings.push_back({consequence, "Loads that nothing resists",
+                        "No element has stiffness in the direction of a load at " + listed("node", left.nodes) +
+                            (out.empty() ? "" : ", since " + listed("bar", out) + " took tension and dropped out") +
+                            ", so that the solver lends it some and moves it further in each step" +
+                            drifts(consequence) + ": brace it, or remove the load.",
+                        left.nodes, out});
+  }
+  if (!outcome.isInVain()) return findings;
+  if (const Leftover& left = residual.of(Cause::TooSoft); left.squares > 0 && residual.isTooLarge(Cause::TooSoft))
+    findings.push_back({NeverConverges, "Stiffness taken for none",
+                        "The stiffness of " + listed("node", left.nodes) + " is less than " +
+                            shown(Project::zeroPivot) +
+                            " in some direction, which the solver takes for none and replaces, so that the solve never "
+                            "converges: take other units.",
+                        left.nodes});
+  const Leftover& byBeams = residual.of(Cause::Beam);
+  if (residual.isTooLarge(Cause::Beam) && byBeams.squares > 0)
+    findings.push_back({NeverConverges, "Loads carried by beams",
+                        "Forces of up to " + shown(byBeams.largest) + " at " + listed("node", byBeams.nodes) +
+                            " are carried by beams, which answer with stiffness but with no force, so that the solve "
+                            "adds its displacements anew in each step: carry them by bars.",
+                        byBeams.nodes});
+  return findings;
+}
+
+Finding lackOfEquilibrium(const Project& solved, const SolveOutcome& outcome) {
+  const Residual residual(solved, outcome);
+  const Leftover& left = residual.of(Cause::Equilibrium);
+  return {NeverConverges, "No equilibrium",
+          "After " + std::to_string(outcome.norms.size()) + " steps forces of up to " + shown(left.largest) +
+              " are left over" + (left.nodes.empty() ? "" : " at " + listed("node", left.nodes)) +
+              ", so that the displacements are not those of equilibrium: reduce the load, or stiffen the structure "
+              "there.",
+          left.nodes};
+}
