@@ -141,6 +141,7 @@ ApplicationWindow {
         projectViewModel: window.projectViewModel
         calculation: content.calculation
         onConvergenceRequested: content.showingConvergence = true
+        onFindingsRequested: content.dock.show(0)
         warning: window.recovery.failure !== "" ? qsTr("Changes cannot be kept for recovery: %1").arg(window.recovery.failure) : ""
     }
 }

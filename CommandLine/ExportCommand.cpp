@@ -60,12 +60,13 @@ int exportModel(const ExportOptions& options) {
   Project& project = **loaded;
   if (!options.unsolved) project.Solve();
 
-  using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&);
+  using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&, Results);
+  const auto results = options.unsolved ? Results::leftOut : Results::written;
   const std::pair<const std::string&, Write> files[] = {
       {options.nodes, exportNodes}, {options.elements, exportElements}, {options.vtu, exportVtu}};
   for (const auto& [path, write] : files) {
     if (path.empty()) continue;
-    if (const auto failure = write(project, path)) return fail("Failed to export", failure->reason);
+    if (const auto failure = write(project, path, results)) return fail("Failed to export", failure->reason);
   }
   return options.png.empty() ? exitStatus::success : drawPicture(options);
 }
@@ -84,7 +85,7 @@ void addExportCommand(CLI::App& app, int& status) {
   files->require_option(1, 0);
   command->add_option("--size", options->size, "Size of the picture in pixels (1600x1000)")->needs(png);
   command->add_flag("--strain", options->strain, "Colour the picture's bars by strain")->needs(png);
-  command->add_flag("--unsolved", options->unsolved, "Do not solve: results are those in the file, displacements 0");
+  command->add_flag("--unsolved", options->unsolved, "Do not solve: results are left out");
   command->footer(
       "Example:\n  gavrel-cli export bridge.json --nodes nodes.csv --elements elements.csv --vtu bridge.vtu");
   command->callback([options, &status] { status = exportModel(*options); });

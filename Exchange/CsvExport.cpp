@@ -5,7 +5,7 @@
 namespace {
 
 std::optional<Failure> writeTable(const Project& project, std::span<const TableColumn> columns, std::int64_t rows,
-                                  const std::filesystem::path& path) {
+                                  const std::filesystem::path& path, Results results) {
   return replaceFile(path, [&](const ByteSink& sink) {
     constexpr std::size_t piece = 1 << 16;
     std::string text;
@@ -15,7 +15,10 @@ std::optional<Failure> writeTable(const Project& project, std::span<const TableC
     }
     text += '\n';
     for (std::int64_t row = 0; row < rows; ++row) {
-      for (const TableColumn& column : columns) text += textOf(column.cell(project, row)) += ',';
+      for (const TableColumn& column : columns) {
+        if (!column.isResult || results == Results::written) text += textOf(column.cell(project, row));
+        text += ',';
+      }
       text.back() = '\n';
       if (text.size() < piece) continue;
       sink(text);
@@ -27,10 +30,10 @@ std::optional<Failure> writeTable(const Project& project, std::span<const TableC
 
 }  // namespace
 
-std::optional<Failure> exportNodes(const Project& project, const std::filesystem::path& path) {
-  return writeTable(project, nodeColumns(), project.nodeCount(), path);
+std::optional<Failure> exportNodes(const Project& project, const std::filesystem::path& path, Results results) {
+  return writeTable(project, nodeColumns(), project.nodeCount(), path, results);
 }
 
-std::optional<Failure> exportElements(const Project& project, const std::filesystem::path& path) {
-  return writeTable(project, elementColumns(), elementCount(project), path);
+std::optional<Failure> exportElements(const Project& project, const std::filesystem::path& path, Results results) {
+  return writeTable(project, elementColumns(), elementCount(project), path, results);
 }

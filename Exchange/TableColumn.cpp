@@ -127,13 +127,23 @@ Cell youngModulus(const Project& project, std::int64_t row) {
 }  // namespace
 
 std::span<const TableColumn> nodeColumns() {
-  static constexpr std::array columns{
-      TableColumn{"node", number},        TableColumn{"x", coordinate<0>},    TableColumn{"y", coordinate<1>},
-      TableColumn{"z", coordinate<2>},    TableColumn{"Fx", load<0>},         TableColumn{"Fy", load<1>},
-      TableColumn{"Fz", load<2>},         TableColumn{"Mx", load<3>},         TableColumn{"My", load<4>},
-      TableColumn{"Mz", load<5>},         TableColumn{"held", held},          TableColumn{"ux", displacement<0>},
-      TableColumn{"uy", displacement<1>}, TableColumn{"uz", displacement<2>}, TableColumn{"θx", displacement<3>},
-      TableColumn{"θy", displacement<4>}, TableColumn{"θz", displacement<5>}};
+  static constexpr std::array columns{TableColumn{"node", number},
+                                      TableColumn{"x", coordinate<0>},
+                                      TableColumn{"y", coordinate<1>},
+                                      TableColumn{"z", coordinate<2>},
+                                      TableColumn{"Fx", load<0>},
+                                      TableColumn{"Fy", load<1>},
+                                      TableColumn{"Fz", load<2>},
+                                      TableColumn{"Mx", load<3>},
+                                      TableColumn{"My", load<4>},
+                                      TableColumn{"Mz", load<5>},
+                                      TableColumn{"held", held},
+                                      TableColumn{"ux", displacement<0>, true},
+                                      TableColumn{"uy", displacement<1>, true},
+                                      TableColumn{"uz", displacement<2>, true},
+                                      TableColumn{"θx", displacement<3>, true},
+                                      TableColumn{"θy", displacement<4>, true},
+                                      TableColumn{"θz", displacement<5>, true}};
   return columns;
 }
 
@@ -143,9 +153,9 @@ std::span<const TableColumn> elementColumns() {
                                       TableColumn{"start", startNode},
                                       TableColumn{"end", endNode},
                                       TableColumn{"length", lengthOf},
-                                      TableColumn{"strain", trussOnly<strainOf>},
-                                      TableColumn{"force", trussOnly<forceOf>},
-                                      TableColumn{"state", trussOnly<stateOf>},
+                                      TableColumn{"strain", trussOnly<strainOf>, true},
+                                      TableColumn{"force", trussOnly<forceOf>, true},
+                                      TableColumn{"state", trussOnly<stateOf>, true},
                                       TableColumn{"area", areaOf},
                                       TableColumn{"youngModulus", youngModulus},
                                       TableColumn{"shearModulus", beamOnly<&BeamElement::shearModulus>},

@@ -15,6 +15,7 @@ using Cell = std::variant<std::monostate, std::int64_t, double, std::string>;
 struct TableColumn {
   std::string_view name;  ///< also its heading in a file
   Cell (*cell)(const Project&, std::int64_t row);
+  bool isResult = false;  ///< whether a solve gives it
 };
 
 /// A table has a row for each node, in their order. Loads, restraints and displacements are those that the project

@@ -89,7 +89,7 @@ struct Section {
   std::vector<DataArray> arrays;
 };
 
-std::vector<Section> sectionsOf(const Project& project, const std::vector<Line>& lines) {
+std::vector<Section> sectionsOf(const Project& project, const std::vector<Line>& lines, Results results) {
   const std::int64_t nodes = project.nodeCount();
   const std::int64_t cells = std::ssize(lines);
   const auto onNodes = [&](std::string_view name, const std::vector<double>& array, std::int64_t stride,
@@ -101,21 +101,29 @@ std::vector<Section> sectionsOf(const Project& project, const std::vector<Line>&
         name, 1, cells, [&lines, member](std::int64_t i, int) { return lines[static_cast<std::size_t>(i)].*member; });
   };
   const auto line = [&lines](std::int64_t i) -> const Line& { return lines[static_cast<std::size_t>(i)]; };
-  return {{"PointData",
-           {onNodes("displacement", *project.U_I, dofsPerNode, 0), onNodes("rotation", *project.U_I, dofsPerNode, 3),
-            onNodes("load", *project.F_I, dofsPerNode, 0), onNodes("moment", *project.F_I, dofsPerNode, 3),
-            dataArray<std::int8_t>("restraints", 1, nodes,
-                                   [&project](std::int64_t node, int) { return restraintBits(project, node); })}},
-          {"CellData",
-           {onLines("axialForce", &Line::axialForce), onLines("strain", &Line::strain), onLines("area", &Line::area),
-            dataArray<std::int8_t>("kind", 1, cells, [line](std::int64_t i, int) { return line(i).kind; })}},
-          {"Points", {onNodes("Points", *project.X_I, 3, 0)}},
-          {"Cells",
-           {dataArray<std::int64_t>(
-                "connectivity", 1, 2 * cells,
-                [line](std::int64_t i, int) { return i % 2 == 0 ? line(i / 2).start : line(i / 2).end; }),
-            dataArray<std::int64_t>("offsets", 1, cells, [](std::int64_t i, int) { return 2 * (i + 1); }),
-            dataArray<std::int8_t>("types", 1, cells, [](std::int64_t, int) { return vtkLine; })}}};
+  std::vector<Section> sections{
+      {"PointData",
+       {onNodes("load", *project.F_I, dofsPerNode, 0), onNodes("moment", *project.F_I, dofsPerNode, 3),
+        dataArray<std::int8_t>("restraints", 1, nodes,
+                               [&project](std::int64_t node, int) { return restraintBits(project, node); })}},
+      {"CellData",
+       {onLines("area", &Line::area),
+        dataArray<std::int8_t>("kind", 1, cells, [line](std::int64_t i, int) { return line(i).kind; })}},
+      {"Points", {onNodes("Points", *project.X_I, 3, 0)}},
+      {"Cells",
+       {dataArray<std::int64_t>(
+            "connectivity", 1, 2 * cells,
+            [line](std::int64_t i, int) { return i % 2 == 0 ? line(i / 2).start : line(i / 2).end; }),
+        dataArray<std::int64_t>("offsets", 1, cells, [](std::int64_t i, int) { return 2 * (i + 1); }),
+        dataArray<std::int8_t>("types", 1, cells, [](std::int64_t, int) { return vtkLine; })}}};
+  if (results == Results::leftOut) return sections;
+  const auto prepend = [](Section& section, std::vector<DataArray> arrays) {
+    section.arrays.insert(section.arrays.begin(), arrays.begin(), arrays.end());
+  };
+  prepend(sections[0],
+          {onNodes("displacement", *project.U_I, dofsPerNode, 0), onNodes("rotation", *project.U_I, dofsPerNode, 3)});
+  prepend(sections[1], {onLines("axialForce", &Line::axialForce), onLines("strain", &Line::strain)});
+  return sections;
 }
 
 std::string headOf(const std::vector<Section>& sections, std::int64_t nodes, std::int64_t cells) {
@@ -140,9 +148,9 @@ std::string headOf(const std::vector<Section>& sections, std::int64_t nodes, std
 
 }  // namespace
 
-std::optional<Failure> exportVtu(const Project& project, const std::filesystem::path& path) {
+std::optional<Failure> exportVtu(const Project& project, const std::filesystem::path& path, Results results) {
   const auto lines = linesOf(project);
-  const auto sections = sectionsOf(project, lines);
+  const auto sections = sectionsOf(project, lines, results);
   return replaceFile(path, [&](const ByteSink& sink) {
     constexpr std::size_t piece = 1 << 16;
     std::string bytes = headOf(sections, project.nodeCount(), std::ssize(lines));

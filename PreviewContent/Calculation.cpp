@@ -28,9 +28,14 @@ void Calculation::setProjectViewModel(ProjectViewModel* value) {
     solved_ = false;
     emit changed();
   });
-  connect(value, &ProjectViewModel::structureEdited, this, [this] { trial_.solved.reset(); });
+  connect(value, &ProjectViewModel::structureEdited, this, [this] {
+    trial_.solved.reset();
+    if (!std::exchange(checkOutdated_, true)) emit findingsChanged();
+  });
   connect(value, &ProjectViewModel::projectLoaded, this, [this] {
     trial_ = {};
+    checked_ = false;
+    setReasonToEnd({});
     emit findingsChanged();
   });
 }
@@ -63,28 +68,51 @@ QVariantList Calculation::findings() const {
   return list;
 }
 
+bool Calculation::seriouslyFound() const {
+  return std::ranges::any_of(trial_.findings, isSerious);
+}
+
 void Calculation::run() {
-  if (!checks_) return runAnyway();
-  if (running_) return;
-  begin();
-  trial_ = StructureCheck::of(**viewModel_->project, [this](int, double residual) { show(residual); });
-  const bool sound = trial_.findings.empty();
-  if (sound) takeTrial();
-  end(sound);
-  emit findingsChanged();
-  if (!sound) emit found();
+  calculate(checks_, true);
 }
 
 void Calculation::runAnyway() {
+  calculate(false, !checked_ || checkOutdated_);
+}
+
+void Calculation::calculate(bool heedsFindings, bool checksAgain) {
   if (running_) return;
   begin();
-  if (trial_.solved) {
-    residuals_ = {trial_.norms.begin(), trial_.norms.end()};
-    takeTrial();
-  } else {
-    (*viewModel_->project)->Solve([this](int, double residual) { show(residual); });
+  const auto showStep = [this](int, double residual) { show(residual); };
+  if (checksAgain) {
+    trial_ = StructureCheck::of(**viewModel_->project, showStep);
+    checked_ = true;
+    checkOutdated_ = false;
   }
+  const bool stops = heedsFindings && seriouslyFound();
+  const bool ends = trial_.endsProgram();
+  if (!stops && !ends) {
+    if (trial_.solved)
+      takeTrial();
+    else  // of a structure without loads one step was tried, which is like all others
+      (*viewModel_->project)->Solve(showStep);
+  }
+  end(!stops && !ends);
+  if (checksAgain) emit findingsChanged();
+  if (stops) emit found();
+  if (ends && !stops) setReasonToEnd(QString::fromStdString(trial_.findings.front().text));
+}
+
+void Calculation::answer(bool solvesAnyway) {
+  setReasonToEnd({});
+  if (!solvesAnyway || running_) return;
+  begin();
+  (*viewModel_->project)->Solve([this](int, double residual) { show(residual); });
   end(true);
+}
+
+void Calculation::setReasonToEnd(const QString& value) {
+  if (std::exchange(reasonToEnd_, value) != value) emit reasonToEndChanged();
 }
 
 void Calculation::markFinding(int index) {
@@ -98,6 +126,7 @@ void Calculation::makeLinear(int index) {
 
 void Calculation::begin() {
   emit viewModel_->endangered();
+  viewModel_->clearMarks();
   running_ = true;
   qApp->installEventFilter(this);
   residuals_.clear();
@@ -109,6 +138,7 @@ void Calculation::begin() {
 void Calculation::takeTrial() {
   (*viewModel_->project)->takeSolution(std::move(*trial_.solved));
   trial_.solved.reset();
+  residuals_ = {trial_.norms.begin(), trial_.norms.end()};
   printLine("");
   for (const double norm : trial_.norms) printLine(numberText(norm));
 }
@@ -117,7 +147,10 @@ void Calculation::end(bool solved) {
   repaint();  // drops what was typed during the last step
   qApp->removeEventFilter(this);
   solved_ = solved;
-  if (solved) viewModel_->setProject(*viewModel_->project);
+  if (solved) {
+    viewModel_->setProject(*viewModel_->project);
+    viewModel_->announceResults();
+  }
   running_ = false;
   emit changed();
 }

@@ -11,9 +11,9 @@
 #include "Diagnosis/StructureCheck.h"
 #include "PreviewContent/ProjectViewModel.h"
 
-/// Runs the solver on the view model's project, after a check that solves a copy: if nothing is found, the copy's
-/// solution is the result. The solve is synchronous: between its steps the windows are repainted, but what the user
-/// types and clicks meanwhile is dropped.
+/// Runs the solver on the view model's project, always on a copy first: unless something serious is found, the copy's
+/// solution is the result. Nothing ends the process but a solve that the user was asked about. The solve is
+/// synchronous: between its steps the windows are repainted, but what the user types and clicks meanwhile is dropped.
 class Calculation : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -25,6 +25,10 @@ class Calculation : public QObject {
   Q_PROPERTY(double tolerance READ tolerance CONSTANT)
   Q_PROPERTY(bool checks MEMBER checks_ NOTIFY checksChanged)
   Q_PROPERTY(QVariantList findings READ findings NOTIFY findingsChanged)
+  Q_PROPERTY(bool seriouslyFound READ seriouslyFound NOTIFY findingsChanged)
+  Q_PROPERTY(bool checked READ checked NOTIFY findingsChanged)
+  Q_PROPERTY(bool checkOutdated READ checkOutdated NOTIFY findingsChanged)
+  Q_PROPERTY(QString reasonToEnd READ reasonToEnd NOTIFY reasonToEndChanged)
 
  public:
   using QObject::QObject;
@@ -44,11 +48,24 @@ class Calculation : public QObject {
   /// What the last check has found: "consequence", "title", "text", and whether "canMakeLinear".
   [[nodiscard]] QVariantList findings() const;
 
-  /// Checks, unless `checks` is off, and if nothing is found publishes the solved project.
+  /// Whether the findings are more than doubts.
+  [[nodiscard]] bool seriouslyFound() const;
+  /// Whether the project was checked since it was opened or begun, and whether it was changed after that.
+  [[nodiscard]] bool checked() const { return checked_; }
+  [[nodiscard]] bool checkOutdated() const { return checked_ && checkOutdated_; }
+
+  /// Why a solve that was asked for would end the process, while `answer` is waited for; otherwise empty.
+  [[nodiscard]] QString reasonToEnd() const { return reasonToEnd_; }
+
+  /// Checks, and unless something serious is found publishes the solved project. With `checks` off findings are passed
+  /// over as in `runAnyway`.
   Q_INVOKABLE void run();
 
-  /// Solves whatever the check has found. Ends the process where the solver does.
+  /// Publishes the solved project whatever the check has found; gives `reasonToEnd` if there is no solution.
   Q_INVOKABLE void runAnyway();
+
+  /// Whether to solve although that ends the process.
+  Q_INVOKABLE void answer(bool solvesAnyway);
 
   /// Points a finding's nodes and elements out in the 3D area.
   Q_INVOKABLE void markFinding(int index);
@@ -60,15 +77,18 @@ class Calculation : public QObject {
   void changed();
   void checksChanged();
   void findingsChanged();
-  void found();  ///< a check has found something, and nothing was solved
+  void reasonToEndChanged();
+  void found();  ///< a check has found something serious, and nothing was solved
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void calculate(bool heedsFindings, bool checksAgain);
   void begin();
   void end(bool solved);
   void takeTrial();
+  void setReasonToEnd(const QString& value);
   void show(double residual);
   void repaint();
 
@@ -76,6 +96,9 @@ class Calculation : public QObject {
   bool running_ = false;
   bool solved_ = false;
   bool checks_ = true;
+  bool checked_ = false;
+  bool checkOutdated_ = false;
+  QString reasonToEnd_;
   StructureCheck trial_;     // of the structure as it is, and otherwise without a solution
   QList<double> residuals_;  // one a step
   QElapsedTimer sinceRepaint_;

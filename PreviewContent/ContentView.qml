@@ -30,8 +30,13 @@ Item {
     readonly property string plainName: projectViewModel.projectName.replace(/\//g, "-")
     /// Whether a sheet or panel is open, so that what lies behind it has to wait.
     readonly property bool blocked: covered || view.showingSheet || files.presented
-        || [nodeForm, trussForm, beamForm, convergence, importForm, noticeSheet, replaceQuestion, saveQuestion].some(sheet => sheet.presented)
+        || [nodeForm, trussForm, beamForm, convergence, importForm, noticeSheet, replaceQuestion, saveQuestion, endQuestion].some(sheet => sheet.presented)
         || [savePanel, openPanel, importPanel, exportPanel].some(panel => panel.visible)
+
+    Keys.onEscapePressed: event => {
+        event.accepted = projectViewModel.hasMarks;
+        projectViewModel.clearMarks();
+    }
 
     function toggleMode(target) {
         projectViewModel.appMode = projectViewModel.appMode === AppMode.normal ? target : AppMode.normal;
@@ -371,6 +376,23 @@ Item {
             usual: qsTr("Save")
             onLost: root.goOn()
             onChosen: root.save()
+        }
+    }
+
+    Sheet {
+        id: endQuestion
+
+        presented: solver.reasonToEnd !== ""
+        onDismissed: solver.answer(false)
+
+        QuestionView {
+            question: qsTr("Calculate, and end Gavrel?")
+            explanation: qsTr("%1\n\nGavrel will end. What is not saved is offered at the next start.").arg(solver.reasonToEnd)
+            losing: qsTr("Calculate Anyway")
+            nothing: ""
+            usual: qsTr("Cancel")
+            onLost: solver.answer(true)
+            onChosen: solver.answer(false)
         }
     }
 

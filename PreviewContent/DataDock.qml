@@ -32,6 +32,8 @@ Pane {
         }
     }
 
+    onOpenChanged: if (!open) projectViewModel.clearMarks()
+
     visible: open
     padding: 0
 
@@ -59,8 +61,15 @@ Pane {
                     text: qsTr("Elements")
                 }
             }
-            Item {
+            Label {
+                objectName: "resultsState"
                 Layout.fillWidth: true
+                Layout.leftMargin: 8
+                elide: Text.ElideRight
+                font.pixelSize: 12
+                opacity: 0.8
+                text: root.shownTable === null ? "" : root.projectViewModel.resultsOutdated ? qsTr("Results are outdated")
+                    : root.projectViewModel.hasResults ? "" : qsTr("Not solved: no results")
             }
             Label {
                 visible: root.shownTable !== null && search.text !== ""
@@ -105,6 +114,7 @@ Pane {
             currentIndex: tabs.currentIndex
 
             FindingsView {
+                projectViewModel: root.projectViewModel
                 calculation: root.calculation
             }
             ResultTableView {

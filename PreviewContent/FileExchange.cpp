@@ -68,5 +68,6 @@ QString FileExchange::exportPicture(const QImage& picture, const QUrl& file) {
 
 QString FileExchange::write(Write write, const QUrl& file) {
   const auto path = *pathOf(file);
-  return report(write(**viewModel_->project, path), path);
+  return report(write(**viewModel_->project, path, viewModel_->hasResults() ? Results::written : Results::leftOut),
+                path);
 }

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QUrl>
 
+#include "Exchange/Export.h"
 #include "PreviewContent/ProjectViewModel.h"
 
 /// Files from and for other programs. Each operation returns what its user should read; empty if all went well.
@@ -32,7 +33,7 @@ class FileExchange : public QObject {
   Q_INVOKABLE QString exportPicture(const QImage& picture, const QUrl& file);
 
  private:
-  using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&);
+  using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&, Results);
   QString write(Write write, const QUrl& file);
 
   ProjectViewModel* viewModel_ = nullptr;

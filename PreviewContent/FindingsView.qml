@@ -8,16 +8,25 @@ import Gavrel.Views
 Item {
     id: root
 
+    required property ProjectViewModel projectViewModel
     required property Calculation calculation
     property int selected: -1
+    readonly property string summary: {
+        if (calculation.checkOutdated)
+            return qsTr("The structure was changed since this check.");
+        if (calculation.outcome === "")
+            return qsTr("Nothing was solved.");
+        return calculation.seriouslyFound ? qsTr("Solved in spite of this.") : qsTr("Solved: this is no more than a note.");
+    }
 
     function colorOf(consequence) {
         return consequence === "Ends the program" ? "#c62f2f" : consequence === "Doubtful" ? "#6b7280" : "#b45f06";
     }
 
     function select(index) {
-        selected = index;
         calculation.markFinding(index);
+        selected = index;
+        list.forceActiveFocus();
     }
 
     function makeLinear(index) {
@@ -30,6 +39,14 @@ Item {
 
         function onFindingsChanged() {
             root.selected = -1;
+        }
+    }
+
+    Connections {
+        target: root.projectViewModel
+
+        function onMarksChanged() {
+            root.selected = -1;  // others are pointed out now, or none
         }
     }
 
@@ -118,13 +135,17 @@ Item {
         }
 
         Label {
+            objectName: "nothingFound"
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: list.count === 0
+            wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
             opacity: 0.7
-            text: qsTr("Nothing found so far. Calculate checks the structure.")
+            text: !root.calculation.checked ? qsTr("Not checked yet. Calculate checks the structure.")
+                : root.calculation.checkOutdated ? qsTr("The last check found nothing, but the structure was changed since. Calculate checks it again.")
+                : qsTr("The last check found nothing: the structure can be solved.")
         }
 
         RowLayout {
@@ -138,11 +159,12 @@ Item {
                 elide: Text.ElideRight
                 opacity: 0.8
                 font.pixelSize: 12
-                text: (root.calculation.outcome !== "" ? qsTr("Solved in spite of this.") : qsTr("Nothing was solved.")) + " "
-                    + qsTr("Click a finding to see where it is.")
+                objectName: "findingsState"
+                text: root.summary + " " + qsTr("Click a finding to see where it is.")
             }
             Button {
                 objectName: "calculateAnyway"
+                visible: root.calculation.seriouslyFound
                 text: qsTr("Calculate Anyway")
                 horizontalPadding: 12
                 onClicked: root.calculation.runAnyway()

@@ -130,7 +130,7 @@ bool ProjectViewModel::load(const std::optional<std::filesystem::path>& source, 
   auto loaded = readProject(*source);
   if (!loaded) {
     printLine("Failed to load project: " + loaded.failure().reason);
-    if ((*project)->nodeCount() > 0) previous_ = {*project, origin(), hasUnsavedChanges_};
+    if ((*project)->nodeCount() > 0) previous_ = {*project, origin(), hasUnsavedChanges_, results_};
     replace(std::make_shared<Project>(), {}, false);
     emit openFailed(nameOf(*source), QString::fromStdString(loaded.failure().reason));
     return false;
@@ -154,6 +154,7 @@ void ProjectViewModel::replace(std::shared_ptr<Project> next, const Origin& orig
   currentFileUrl = origin.file;
   currentFileStamp_ = origin.stamp;
   setMarks({});
+  setResults(Results::none);
   announce();
   if (!line.empty()) printLine(line);
   emit currentFileChanged();
@@ -172,6 +173,7 @@ void ProjectViewModel::restorePrevious() {
   emit endangered();
   const Previous former = *std::exchange(previous_, std::nullopt);
   replace(former.project, former.origin, former.unsaved);
+  setResults(former.results);
   if (former.unsaved) emit structureEdited();
 }
 
@@ -221,8 +223,7 @@ TrussContents ProjectViewModel::trussContents(qint64 elementID) const {
 void ProjectViewModel::setNonLinear(qint64 position, bool isNonLinear) {
   at((*project)->trussElements.edit(), position, "trussElements").isNonLinear = isNonLinear;
   emit projectChanged();
-  emit structureEdited();
-  setHasUnsavedChanges(true);
+  finishEdit();
 }
 
 void ProjectViewModel::makeLinear(const std::vector<std::int64_t>& positions) {
@@ -248,6 +249,14 @@ Result<ImportOutcome> ProjectViewModel::importFiles(const std::vector<std::files
 void ProjectViewModel::setMarks(Marks value) {
   marks_ = std::move(value);
   emit marksChanged();
+}
+
+bool ProjectViewModel::hasMarks() const {
+  return !marks_.nodes.empty() || !marks_.trusses.empty() || !marks_.beams.empty();
+}
+
+void ProjectViewModel::clearMarks() {
+  if (hasMarks()) setMarks({});
 }
 
 void ProjectViewModel::setProject(std::shared_ptr<Project> value) {
@@ -297,8 +306,17 @@ void ProjectViewModel::announce() {
 
 void ProjectViewModel::announceEdit() {
   announce();
+  finishEdit();
+}
+
+void ProjectViewModel::finishEdit() {
+  if (hasResults()) setResults(Results::outdated);
   emit structureEdited();
   setHasUnsavedChanges(true);
+}
+
+void ProjectViewModel::setResults(Results value) {
+  if (std::exchange(results_, value) != value) emit resultsChanged();
 }
 
 void ProjectViewModel::setHasUnsavedChanges(bool value) {

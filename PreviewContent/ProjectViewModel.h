@@ -40,6 +40,9 @@ class ProjectViewModel : public QObject {
   Q_PROPERTY(QUrl currentFolder READ currentFolder NOTIFY currentFileChanged)
   Q_PROPERTY(bool hasUnsavedChanges READ hasUnsavedChanges NOTIFY unsavedChangesChanged)
   Q_PROPERTY(bool hasPrevious READ hasPrevious NOTIFY projectChanged)
+  Q_PROPERTY(bool hasMarks READ hasMarks NOTIFY marksChanged)
+  Q_PROPERTY(bool hasResults READ hasResults NOTIFY resultsChanged)
+  Q_PROPERTY(bool resultsOutdated READ resultsOutdated NOTIFY resultsChanged)
 
  public:
   /// Nodes and elements, by their position, that are pointed out in the 3D area.
@@ -145,6 +148,15 @@ class ProjectViewModel : public QObject {
 
   [[nodiscard]] const Marks& marks() const { return marks_; }
   void setMarks(Marks value);
+  [[nodiscard]] bool hasMarks() const;
+  Q_INVOKABLE void clearMarks();
+
+  /// Takes the displacements, strains and forces of the project for those of the structure as it is.
+  void announceResults() { setResults(Results::current); }
+  /// Whether the project was solved since it was opened or begun. What a file keeps of bars is of an earlier solve.
+  [[nodiscard]] bool hasResults() const { return results_ != Results::none; }
+  /// Whether the structure was changed since it was solved.
+  [[nodiscard]] bool resultsOutdated() const { return results_ == Results::outdated; }
 
   /// Publishes a project: another one, or the same after a change in place.
   void setProject(std::shared_ptr<Project> value);
@@ -173,20 +185,26 @@ class ProjectViewModel : public QObject {
   void structureEdited();  ///< not by opening or beginning another
   void unsavedChangesChanged();
   void marksChanged();
+  void resultsChanged();
   void endangered();  ///< what follows replaces the project, or may end the process
 
  private:
+  enum class Results { none, current, outdated };
+
   /// A project and what is known of it.
   struct Previous {
     std::shared_ptr<Project> project;
     Origin origin;
     bool unsaved;
+    Results results;
   };
 
   void announceEdit();
+  void finishEdit();
   void setHasUnsavedChanges(bool value);
   void setFileThatHoldsIt(const std::optional<std::filesystem::path>& file);
   bool load(const std::optional<std::filesystem::path>& source, bool onlyIfDrawable);
+  void setResults(Results value);
   /// `line`: what to print of it.
   void replace(std::shared_ptr<Project> next, const Origin& origin, bool unsaved, const std::string& line = {});
   void announce();
@@ -198,6 +216,7 @@ class ProjectViewModel : public QObject {
   std::optional<std::filesystem::path> fileThatHoldsIt_;
   std::optional<std::filesystem::path> heldBack_;
   Marks marks_;
+  Results results_ = Results::none;
   std::optional<Previous> previous_;
 
   [[nodiscard]] int modeNumber() const { return static_cast<int>(*appMode); }

@@ -25,6 +25,7 @@ std::string shownText(const Cell& cell) {
 void ResultTable::setProjectViewModel(ProjectViewModel* value) {
   viewModel_ = value;
   connect(value, &ProjectViewModel::projectChanged, this, &ResultTable::arrange);
+  connect(value, &ProjectViewModel::resultsChanged, this, &ResultTable::arrange);
   arrange();
 }
 
@@ -94,7 +95,11 @@ void ResultTable::mark(int row) const {
 }
 
 QString ResultTable::textAt(std::int64_t position, int column) const {
-  return QString::fromStdString(shownText(columns()[static_cast<std::size_t>(column)].cell(project(), position)));
+  return QString::fromStdString(shownText(cellAt(position, columns()[static_cast<std::size_t>(column)])));
+}
+
+Cell ResultTable::cellAt(std::int64_t position, const TableColumn& column) const {
+  return column.isResult && !viewModel_->hasResults() ? Cell{} : column.cell(project(), position);
 }
 
 int ResultTable::rowOf(qint64 position) const {
@@ -110,7 +115,7 @@ void ResultTable::arrange() {
   if (!search_.isEmpty())
     QtConcurrent::blockingFilter(positions_, [this, sought = search_.toLower().toStdString()](std::int64_t position) {
       return std::ranges::any_of(columns(), [&](const TableColumn& column) {
-        return shownText(column.cell(project(), position)).find(sought) != std::string::npos;
+        return shownText(cellAt(position, column)).find(sought) != std::string::npos;
       });
     });
   if (sortColumn_ >= 0) sortPositions();
@@ -131,7 +136,7 @@ void ResultTable::sortPositions() {
   std::vector<Key> keys;
   keys.reserve(positions_.size());
   for (const std::int64_t position : positions_)
-    keys.push_back({columns()[static_cast<std::size_t>(sortColumn_)].cell(project(), position), position});
+    keys.push_back({cellAt(position, columns()[static_cast<std::size_t>(sortColumn_)]), position});
   std::ranges::stable_sort(keys, [this](const Key& a, const Key& b) {
     if (a.isLast() || b.isLast()) return !a.isLast() && b.isLast();
     return descending_ ? b.cell < a.cell : a.cell < b.cell;

@@ -65,6 +65,8 @@ class ResultTable : public QAbstractTableModel {
   [[nodiscard]] const Project& project() const { return **viewModel_->project; }
   [[nodiscard]] std::span<const TableColumn> columns() const { return ofElements_ ? elementColumns() : nodeColumns(); }
   [[nodiscard]] QString textAt(std::int64_t position, int column) const;
+  /// What the project has there, but no results before it was solved.
+  [[nodiscard]] Cell cellAt(std::int64_t position, const TableColumn& column) const;
   void arrange();
   void sortPositions();
 

@@ -43,6 +43,11 @@ Item {
     Connections {
         target: root.table.projectViewModel
 
+        function onMarksChanged() {
+            if (!root.table.projectViewModel.hasMarks)
+                root.selectedPosition = -1;
+        }
+
         function onProjectLoaded() {
             root.selectedPosition = -1;
         }

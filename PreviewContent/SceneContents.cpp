@@ -157,6 +157,7 @@ void SceneContents::click(const Ray& ray) {
   const QString name = node == nullptr ? QString() : QString::fromStdString(*node->name);
   const auto* tube = node == nullptr ? nullptr : std::get_if<Tube>(&node->content);
   const bool isBeam = tube != nullptr && tube->radius == SceneKitView::beamRadius;
+  if (node == nullptr) viewModel_->clearMarks();
   coordinator_->handleClick(hits);  // may lead to another scene
   if (tube != nullptr) emit elementClicked(isBeam, name.section(u'_', 1).toLongLong());
   bool isNode = false;

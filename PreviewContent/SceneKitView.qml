@@ -161,6 +161,33 @@ Item {
             margins: 12
         }
         legend: root.isStrainVisualizationActive ? sceneContents.strainLegend : ({ shown: false })
+        results: root.projectViewModel.resultsOutdated ? StrainLegend.Outdated
+            : root.projectViewModel.hasResults ? StrainLegend.Current : StrainLegend.OfFile
+    }
+
+    Rectangle {
+        objectName: "outdatedResults"
+        anchors {
+            horizontalCenter: parent.horizontalCenter
+            top: parent.top
+            topMargin: 12
+        }
+        visible: root.projectViewModel.resultsOutdated
+        width: Math.min(outdated.implicitWidth + 24, parent.width - 24)
+        height: outdated.height + 10
+        radius: height / 2
+        color: "#d9202328"
+
+        Text {
+            id: outdated
+
+            anchors.centerIn: parent
+            width: Math.min(implicitWidth, root.width - 48)
+            elide: Text.ElideRight
+            color: "#ffd28a"
+            font.pixelSize: 12
+            text: qsTr("Results are outdated: the structure was changed since they were calculated")
+        }
     }
 
     RenderingStatistics {

@@ -13,6 +13,7 @@ Pane {
     property string warning
 
     signal convergenceRequested()
+    signal findingsRequested()
 
     readonly property string hint: {
         const model = projectViewModel;
@@ -69,7 +70,23 @@ Pane {
             implicitWidth: 1
             Layout.fillHeight: true
             color: root.palette.mid
-            visible: outcome.visible
+            visible: outcome.visible || outdated.visible
+        }
+        Label {
+            id: outdated
+
+            objectName: "outdated"
+            visible: root.projectViewModel.resultsOutdated && !root.calculation.running
+            text: qsTr("Results are outdated")
+            font.bold: true
+            color: "#b45f06"
+
+            ToolTip.visible: outdatedHover.hovered
+            ToolTip.text: qsTr("The structure was changed since they were calculated.")
+
+            HoverHandler {
+                id: outdatedHover
+            }
         }
         Label {
             id: outcome
@@ -81,6 +98,21 @@ Pane {
 
             TapHandler {
                 onTapped: root.convergenceRequested()
+            }
+            HoverHandler {
+                cursorShape: Qt.PointingHandCursor
+            }
+        }
+        Label {
+            readonly property int notes: root.calculation.findings.length
+
+            objectName: "notes"
+            visible: outcome.visible && !root.calculation.running && notes > 0
+            text: notes === 1 ? qsTr("1 finding") : qsTr("%1 findings").arg(notes)
+            font.underline: true
+
+            TapHandler {
+                onTapped: root.findingsRequested()
             }
             HoverHandler {
                 cursorShape: Qt.PointingHandCursor

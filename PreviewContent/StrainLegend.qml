@@ -5,9 +5,12 @@ import Gavrel.PreviewContent
 Rectangle {
     id: root
 
-    required property var legend
+    enum Results { Current, Outdated, OfFile }
 
-    implicitWidth: row.width + 24
+    required property var legend
+    property int results: StrainLegend.Current
+
+    implicitWidth: Math.max(row.width, title.width) + 24
     implicitHeight: row.height + title.height + 26
     radius: 6
     color: "#d9202328"
@@ -25,7 +28,10 @@ Rectangle {
 
         x: 12
         y: 8
-        text: qsTr("Strain")
+        objectName: "legendTitle"
+        text: root.results === StrainLegend.Outdated ? qsTr("Strain (outdated)")
+            : root.results === StrainLegend.Current ? qsTr("Strain")
+            : root.legend.shown && (root.legend.min !== 0 || root.legend.max !== 0) ? qsTr("Strain (kept in the file)") : qsTr("Strain (not solved)")
         font.bold: true
     }
 

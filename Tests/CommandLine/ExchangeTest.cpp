@@ -18,7 +18,7 @@ TEST(Exchange, ExportsAndImports) {
   EXPECT_THAT(folder.get("elements.csv"), HasSubstr("bar,0,0,1,2.0,0.01,20.0,"));
   EXPECT_THAT(folder.get("bar.vtu"), HasSubstr("AppendedData"));
   EXPECT_EQ(gavrelCli({"export", model, "--unsolved", "--nodes", folder / "nodes.csv"}).output, "");
-  EXPECT_THAT(folder.get("nodes.csv"), HasSubstr(",y z,0.0,0.0,"));
+  EXPECT_THAT(folder.get("nodes.csv"), testing::EndsWith(",y z,,,,,,\n"));
   EXPECT_EQ(gavrelCli({"export", model}).status, 64);
   EXPECT_EQ(gavrelCli({"export", model, "--vtu", folder / "none" / "bar.vtu"}).status, 1);
 

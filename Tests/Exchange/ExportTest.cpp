@@ -62,6 +62,18 @@ TEST(Export, TablesTellEveryNumberExactly) {
   EXPECT_TRUE(exportNodes(structure, folder / "none" / "nodes.csv"));
 }
 
+TEST(Export, LeavesOutTheResultsOfAnEarlierSolve) {
+  const TemporaryFolder folder;
+  const Structure structure;
+  ASSERT_FALSE(exportNodes(structure, folder / "nodes.csv", Results::leftOut));
+  EXPECT_THAT(folder.get("nodes.csv"), HasSubstr("\n1,3.0,4.0,0.0,0.1,0.0,-1e-05,0.0,7.0,0.0,,,,,,,\n"));
+  ASSERT_FALSE(exportElements(structure, folder / "elements.csv", Results::leftOut));
+  EXPECT_THAT(folder.get("elements.csv"), HasSubstr("\nbar,0,0,1,5.0,,,,1.0,2100.0,,,\n"));
+  ASSERT_FALSE(exportVtu(structure, folder / "grid.vtu", Results::leftOut));
+  for (const char* name : {"displacement", "rotation", "axialForce", "\"strain\""})
+    EXPECT_THAT(folder.get("grid.vtu"), testing::Not(HasSubstr(name)));
+}
+
 TEST(Export, TablesComeBackAsTheSameStructure) {
   const TemporaryFolder folder;
   Structure structure;

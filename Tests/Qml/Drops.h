@@ -7,9 +7,10 @@
 #include <QMimeData>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTemporaryDir>
 #include <QUrl>
 
-/// Drops files on the middle of an item, as the window system would.
+/// Files for tests, and their dropping on the middle of an item, as the window system would.
 class Drops : public QObject {
   Q_OBJECT
 
@@ -24,4 +25,12 @@ class Drops : public QObject {
     for (QEvent* event : {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move), static_cast<QEvent*>(&dropped)})
       QCoreApplication::sendEvent(item->window(), event);
   }
+
+  /// The address of a file that goes with the test program.
+  Q_INVOKABLE [[nodiscard]] QUrl temporaryFile(const QString& name) const {
+    return QUrl::fromLocalFile(folder_.filePath(name));
+  }
+
+ private:
+  QTemporaryDir folder_;
 };

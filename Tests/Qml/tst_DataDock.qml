@@ -79,26 +79,158 @@ TestCase {
         compare(content.calculation.findings, []);
     }
 
-    function test_calculateAnywayTakesTheTrialUnlessTheStructureChanged() {
+    function test_whatIsMerelyDoubtfulIsSolvedAndNoted() {
         buildGable();
         model.addTruss(0, 2, 25, 1e5);
         for (const position of [0, 1, 2])
             model.setNonLinear(position, false);
-        mouseClick(findChild(content, "calculate"));
+        const taken = printed(() => mouseClick(findChild(content, "calculate")));
         compare(content.calculation.findings.map(finding => finding.consequence), ["Doubtful"]);
-        const taken = printed(() => mouseClick(findChild(content, "calculateAnyway")));
+        verify(!content.dock.open, "does not get in the way");
         compare(taken.length, 3);
         compare(content.calculation.residuals.length, 2);
         verify(content.calculation.converged);
+        content.dock.show(0);
+        verify(!findChild(content, "calculateAnyway").visible);
         content.calculation.checks = false;
         compare(printed(() => content.calculation.run()), taken);
+    }
 
-        content.calculation.checks = true;
-        printed(() => content.calculation.run());
+    function test_calculateAnywayTakesTheTrialUnlessTheStructureChanged() {
+        buildGable();
+        for (const position of [0, 1])
+            model.setNonLinear(position, false);
+        model.setLoadAndRestraint(2, 1, 0, 5, false, false, false);  // which nothing resists
+        compare(printed(() => mouseClick(findChild(content, "calculate"))), []);
+        compare(content.calculation.findings.map(finding => finding.consequence), ["Never converges"]);
+        verify(!model.hasResults);
+        compare(printed(() => mouseClick(findChild(content, "calculateAnyway"))).length, 51);
+        compare(content.calculation.reasonToEnd, "", "nothing to ask");
+        verify(model.hasResults && !content.calculation.converged);
         model.setLoadAndRestraint(2, 0, 0, 0, false, false, false);
+        verify(content.calculation.checkOutdated);
         compare(printed(() => content.calculation.runAnyway())[1], "nan");
+        compare(content.calculation.findings.map(finding => finding.title), ["No loads"]);
         model.newProject();
         compare(content.calculation.findings, []);
+    }
+
+    function test_nothingEndsTheProgramWithoutAQuestion_data() {
+        return [{ tag: "checked", checks: true }, { tag: "unchecked", checks: false }];
+    }
+
+    function test_nothingEndsTheProgramWithoutAQuestion(data) {
+        buildGable();
+        model.addNode(9, 9, 9, false);
+        content.calculation.checks = data.checks;
+        mouseClick(findChild(content, "calculate"));
+        if (data.checks)
+            mouseClick(findChild(content, "calculateAnyway"));
+        verify(content.calculation.reasonToEnd.includes("Nothing joins node 3"));
+        verify(content.blocked);
+        keyClick(Qt.Key_Return);  // Cancel
+        compare(content.calculation.reasonToEnd, "");
+        verify(!content.blocked);
+        content.calculation.runAnyway();
+        keyClick(Qt.Key_Escape);
+        compare(content.calculation.reasonToEnd, "");
+
+        // What was found before an edit decides on nothing.
+        model.addTruss(3, 2, 25, 1e5);
+        model.setLoadAndRestraint(3, 0, 0, 0, true, true, true);
+        for (const position of [0, 1, 2])
+            model.setNonLinear(position, false);
+        printed(() => content.calculation.runAnyway());
+        verify(content.calculation.converged);
+        model.addNode(8, 8, 8, false);
+        content.calculation.runAnyway();
+        verify(content.calculation.reasonToEnd.includes("Nothing joins node 4"));
+        content.calculation.answer(false);
+    }
+
+    function test_marksGoAway() {
+        buildGable();
+        model.addNode(9, 9, 9, false);
+        const view = content.visualization;
+        mouseClick(findChild(content, "calculate"));
+        const list = findChild(content, "findings");
+        const ways = [
+            () => mouseClick(view, 5, view.height - 120),  // where nothing is
+            () => keyClick(Qt.Key_Escape),
+            () => mouseClick(findChild(content, "closeDock")),
+            () => content.calculation.run(),
+        ];
+        for (const goAway of ways) {
+            content.dock.show(0);
+            waitForRendering(content);
+            mouseClick(list, 300, 10);
+            verify(model.hasMarks);
+            goAway();
+            verify(!model.hasMarks, goAway);
+        }
+        content.dock.show(1);
+        const nodes = findChild(content, "nodeTable");
+        nodes.select(1);
+        compare(nodes.selectedRow, 1);
+        keyClick(Qt.Key_Escape);
+        model.clearMarks();
+        compare(nodes.selectedRow, -1);
+    }
+
+    function test_tellsWhetherTheCheckIsOfTheStructureAsItIs() {
+        const text = findChild(content, "nothingFound");
+        content.dock.show(0);
+        verify(text.text.startsWith("Not checked yet"));
+        buildGable();
+        for (const position of [0, 1])
+            model.setNonLinear(position, false);
+        printed(() => content.calculation.run());
+        verify(text.text.includes("found nothing: the structure can be solved"));
+        model.addNode(1, 2, 3, true);
+        verify(text.text.includes("was changed since"));
+        printed(() => content.calculation.run());
+        verify(findChild(content, "findingsState").text.startsWith("Nothing was solved."));
+        model.addNode(1, 2, 4, true);
+        verify(findChild(content, "findingsState").text.startsWith("The structure was changed since this check."));
+        model.newProject();
+        verify(text.text.startsWith("Not checked yet"));
+    }
+
+    function test_resultsAreOfTheStructureAsItIsOrMarked() {
+        const banner = findChild(content, "outdatedResults");
+        const legend = findChild(content, "legendTitle");
+        const force = () => cell(findChild(content, "elementTable").table, 0, 6);
+        const displacement = () => cell(findChild(content, "nodeTable").table, 2, 12);
+        const shown = () => {
+            content.dock.show(2);
+            const first = force();
+            content.dock.show(1);
+            return [first, displacement()].map(text => text !== "");
+        };
+        model.isStrainVisualizationActive = true;
+        buildGable();
+        for (const position of [0, 1])
+            model.setNonLinear(position, false);
+        compare(shown(), [false, false]);
+        compare(findChild(content, "resultsState").text, "Not solved: no results");
+        compare(legend.text, "Strain (not solved)");
+        printed(() => content.calculation.run());
+        compare(shown(), [true, true]);
+        compare([findChild(content, "resultsState").text, legend.text, banner.visible], ["", "Strain", false]);
+        model.setLoadAndRestraint(2, 0, -50, 0, false, false, false);
+        compare(shown(), [true, true]);
+        compare([findChild(content, "resultsState").text, legend.text, banner.visible],
+            ["Results are outdated", "Strain (outdated)", true]);
+        printed(() => content.calculation.run());
+        verify(!banner.visible);
+
+        // A file keeps the strains of its bars, but no displacements.
+        const file = drops.temporaryFile("solved.json");
+        printed(() => model.saveProject(file));
+        printed(() => model.loadProject(file));
+        tryCompare(legend, "text", "Strain (kept in the file)");
+        compare(shown(), [false, false]);
+        verify(!banner.visible);
     }
 
     function test_tables() {
