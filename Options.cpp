@@ -1,10 +1,10 @@
 #include "Options.h"
 
 #include <CLI/CLI.hpp>
-#include <cmath>
+#include <charconv>
 #include <string>
 
-#include "Platform/NumberText.h"
+#include "CommandLine/NumberOption.h"
 
 namespace {
 
@@ -13,20 +13,16 @@ constexpr int largestPicture = 16384;  // pixels a side, what every graphics dri
 
 /// "1600x1000" as width and height.
 std::string readSize(const std::string& text, Options& options) {
-  int width = 0;
-  int height = 0;
-  char rest = 0;
-  if (std::sscanf(text.c_str(), "%dx%d%c", &width, &height, &rest) != 2 || width < 1 || height < 1 ||
-      width > largestPicture || height > largestPicture)
-    return "a size is WIDTHxHEIGHT in pixels, each from 1 to " + std::to_string(largestPicture) + ", not " + text;
-  options.width = width;
-  options.height = height;
-  return {};
-}
-
-std::string isLength(const std::string& text) {
-  const auto number = parseNumber(text);
-  return number && std::isfinite(*number) && *number >= 0 ? "" : "a length is a number from 0, not " + text;
+  const auto side = [](const char*& at, const char* end, int& value) {
+    const auto [stop, error] = std::from_chars(at, end, value);
+    at = stop;
+    return error == std::errc() && value >= 1 && value <= largestPicture;
+  };
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  if (side(at, end, options.width) && at != end && *at++ == 'x' && side(at, end, options.height) && at == end)
+    return {};
+  return "a size is WIDTHxHEIGHT in pixels, each from 1 to " + std::to_string(largestPicture) + ", not " + text;
 }
 
 }  // namespace
@@ -51,7 +47,7 @@ std::variant<Options, int> readOptions(int argc, char** argv, const std::string&
       ->type_name("WxH")
       ->needs(screenshot);
   app.add_option("--magnification", options.magnification, "Drawn length of the largest displacement (1)")
-      ->check(isLength)
+      ->transform(exactNumber("length", [](double value) { return value >= 0; }))
       ->needs(screenshot);
   app.add_flag("--strain", options.strain, "Colour bars by strain")->needs(screenshot);
   app.add_flag("--solve", options.solve, "Calculate before drawing")->needs(screenshot);

@@ -1,8 +1,8 @@
-#include <cmath>
 #include <cstdio>
 #include <functional>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/NumberOption.h"
 #include "CommandLine/Structures/Bridge.h"
 #include "CommandLine/Structures/CableNet.h"
 #include "CommandLine/Structures/Dome.h"
@@ -12,18 +12,8 @@
 
 namespace {
 
-/// Accepts the numbers for which `allowed` holds; they are at least finite.
-CLI::Validator number(const std::string& kind, std::function<bool(double)> allowed) {
-  return {[kind, allowed = std::move(allowed)](std::string& text) -> std::string {
-            double value = 0;
-            const bool good = CLI::detail::lexical_cast(text, value) && std::isfinite(value) && allowed(value);
-            return good ? "" : "'" + text + "' is not a " + kind;
-          },
-          ""};
-}
-
-const CLI::Validator positive = number("positive number", [](double value) { return value > 0; });
-const CLI::Validator finite = number("finite number", [](double) { return true; });
+const CLI::Validator positive = exactNumber("positive number", [](double value) { return value > 0; });
+const CLI::Validator finite = exactNumber("finite number", [](double) { return true; });
 
 /// A subcommand of `generate` while its options are being declared.
 template <class Structure>
@@ -44,17 +34,17 @@ class Kind {
             "Total load along x, y and z")
         ->expected(3)
         ->type_name("FX FY FZ")
-        ->check(finite)
+        ->transform(finite)
         ->default_str(shown(structure_->totalLoad));
   }
 
   Kind& length(const std::string& name, double& value, const std::string& description) {
-    command_->add_option(name, value, description)->check(positive)->capture_default_str();
+    command_->add_option(name, value, description)->transform(positive)->capture_default_str();
     return *this;
   }
 
   Kind& count(const std::string& name, int& value, int least, int most, const std::string& description) {
-    command_->add_option(name, value, description)->check(CLI::Range(least, most))->capture_default_str();
+    command_->add_option(name, value, description)->transform(exactWholeNumber(least, most))->capture_default_str();
     return *this;
   }
 

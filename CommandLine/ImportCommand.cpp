@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/NumberOption.h"
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Import.h"
 
@@ -47,22 +48,21 @@ int import(const ImportOptions& options) {
 void addImportCommand(CLI::App& app, int& status) {
   auto* command = app.add_subcommand("import", "Make a project of tables (CSV) and drawings (DXF)");
   auto options = std::make_shared<ImportOptions>();
-  const auto finite = [](const std::string& text) {
-    return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : "not a finite number: " + text;
-  };
+  const auto finite = exactNumber("finite number", [](double) { return true; });
+  const auto positive = exactNumber("positive number", [](double value) { return value > 0; });
   command->add_option("FILES", options->files, "Tables of nodes or members, drawings")->required();
   command->add_option("-o,--output", options->output, "Project file to write")->required();
   command->add_option("--into", options->into, "Project file to add to; without it a new project begins");
   command->add_option("--name", options->name, "Name of the project; that of the first file if it is new");
   command->add_option("--area", options->settings.area, "Cross-section of bars of which a file tells none")
-      ->check(finite)
+      ->transform(finite)
       ->capture_default_str();
   command->add_option("--modulus", options->settings.youngModulus, "Young's modulus of such bars")
-      ->check(finite)
+      ->transform(finite)
       ->capture_default_str();
   command->add_flag("--non-linear", options->settings.isNonLinear, "Such bars have large displacements");
   command->add_option("--tolerance", options->tolerance, "Ends of lines no further apart are one node")
-      ->check(CLI::PositiveNumber);
+      ->transform(positive);
   command->footer("Example:\n  gavrel-cli import nodes.csv members.csv --output frame.json");
   command->callback([options, &status] { status = import(*options); });
 }

@@ -26,7 +26,9 @@ TEST(Usage, ACommandLineThatIsNotUnderstoodWritesNothing) {
   for (const char* arguments :
        {"", "fly", "solve", "solve a.json b.json", "generate", "generate dome", "generate dome --span -3 -o FILE",
         "generate dome --span nan -o FILE", "generate dome -o FILE --load 1 2", "generate dome --load 1 2 inf -o FILE",
-        "generate dome --rise 16 --span 30 -o FILE", "generate lattice --nodes 1 -o FILE"}) {
+        "generate dome --rise 16 --span 30 -o FILE", "generate lattice --nodes 1 -o FILE",
+        "generate lattice --nodes 3.5 -o FILE", "generate lattice --nodes 0x9 -o FILE",
+        "import FILE -o FILE --area 1,5"}) {
     auto list = words(arguments);
     std::ranges::replace(list, "FILE", (folder / "x.json").string());
     const auto outcome = gavrelCli(list);
@@ -35,4 +37,14 @@ TEST(Usage, ACommandLineThatIsNotUnderstoodWritesNothing) {
     EXPECT_NE(outcome.errors, "");
   }
   EXPECT_EQ(folder.entries(), 0);
+}
+
+TEST(Usage, NumbersAreReadInDecimalAndRoundedOnce) {
+  const TemporaryFolder folder;
+  const std::string file = folder / "x.json";
+  // Half way between 1 and the next double, and a little more.
+  const std::string area = "1.000000000000000111022302462515654042363166809082031250000000000001";
+  ASSERT_EQ(gavrelCli({"generate", "lattice", "--nodes", "010", "--area", area, "-o", file}).status, 0);
+  EXPECT_THAT(folder.get("x.json"), testing::HasSubstr("\"area\": 1.0000000000000002,"));
+  EXPECT_THAT(gavrelCli({"info", file}).output, testing::HasSubstr("Nodes                   1000\n"));
 }
