@@ -281,6 +281,15 @@ INSTANTIATE_TEST_SUITE_P(
               "Loads that nothing resists",
               "direction of a load at node 2",
               {2}},
+        Fault{"MomentWithoutBeams",
+              [](Project& p) {
+                p.F_I.edit()[15] = 1;
+                p.D_I.edit()[15] = true;  // which no bar reads
+              },
+              NeverConverges,
+              "Loads that nothing resists",
+              "direction of a load at node 2",
+              {2}},
         Fault{"LoadCarriedByBeam",
               [](Project& p) {
                 p.addNode({-3, 0, 0});

@@ -45,7 +45,8 @@ TEST(StructureCheck, SeesSupportsFromAnyDirection) {
   for (int step = 0; step < 12; ++step) {
     const double angle = step * std::numbers::pi / 6;
     const auto turned = [angle](double x, double y) {
-      return Vector3{1e8 + x * std::cos(angle) - y * std::sin(angle), x * std::sin(angle) + y * std::cos(angle), 0};
+      return Vector3{1e8 + x * std::cos(angle) - y * std::sin(angle), 1e8 + x * std::sin(angle) + y * std::cos(angle),
+                     1e8};
     };
     Project frame;
     for (const Vector3& place : {turned(0, 0), turned(2, 0), turned(0.3, 1)}) frame.addNode(place);
