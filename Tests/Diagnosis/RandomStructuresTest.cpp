@@ -188,7 +188,7 @@ bool mend(Project& project, const Finding& finding) {
 /// foretold, and what is named has to do with it.
 TEST(RandomStructures, BehaveAsForetold) {
   const char* asked = std::getenv("GAVREL_RANDOM_STRUCTURES");
-  const unsigned count = asked != nullptr ? static_cast<unsigned>(std::atoi(asked)) : 400;
+  const unsigned count = asked != nullptr ? static_cast<unsigned>(std::atoi(asked)) : 250;
   int failures = 0;
   std::map<std::string, int> seen;
   for (unsigned seed = 1; seed <= count && failures < 20; ++seed) {
