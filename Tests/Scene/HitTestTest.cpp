@@ -180,6 +180,10 @@ TEST(HitTest, ThickensWhatIsFarAway) {
   const SceneNode upright = shape(Tube{0.5, 200}, {0, 0, -10});
   EXPECT_GT(distanceTo(upright, {{3.6, 0, 0}, {0, 75, -10}, 0.1}), 0);
   EXPECT_EQ(distanceTo(upright, {{4, 0, 0}, {0, 75, -10}, 0.1}), -1);
+  SceneNode sideways = upright;
+  sideways.rotation = {{0, 0, 1}, std::numbers::pi / 2};
+  EXPECT_GT(distanceTo(sideways, {{0, 3.6, 0}, {75, 0, -10}, 0.1}), 0);
+  EXPECT_EQ(distanceTo(sideways, {{0, 4, 0}, {75, 0, -10}, 0.1}), -1);
   SceneNode along = shape(Tube{0.5, 10}, {0, 0, -10});  // seen from its end: as thick as the far one
   along.rotation = {{1, 0, 0}, std::numbers::pi / 2};
   EXPECT_GT(distanceTo(along, {{0.7, 0, 0}, {0, 0, -1}, 0.1}), 0);
