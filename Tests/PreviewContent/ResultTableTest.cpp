@@ -55,6 +55,8 @@ TEST_F(Tables, SortByAnyColumnAndPutWhatIsEmptyLast) {
   elements.sortBy(column(elements, "kind"));
   EXPECT_THAT(order(elements), ElementsAre(0, 1, 2, 3)) << "equals stay in the project's order";
   EXPECT_FALSE(elements.descending());
+  elements.sortBy(column(elements, "kind"));
+  EXPECT_THAT(order(elements), ElementsAre(3, 0, 1, 2));
 
   auto& trusses = (*model.project)->trussElements.edit();
   trusses[0].currentStrain = std::numeric_limits<double>::quiet_NaN();
