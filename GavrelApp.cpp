@@ -4,6 +4,9 @@
 #include <QStandardPaths>
 #include <QUrl>
 #include <QVariantMap>
+#include <string_view>
+
+#include "Platform/Fatal.h"
 
 BundleInfo mainBundle() {
   return BundleInfo::around(
@@ -30,6 +33,11 @@ GavrelApp::GavrelApp(QObject* parent)
       recentFiles(projectViewModel,
                   QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + "/gavrel.ini") {
   engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+  onFatal([this](std::string_view line) { recovery.keepReason(line); });
+}
+
+GavrelApp::~GavrelApp() {
+  onFatal({});
 }
 
 bool GavrelApp::start(const std::optional<std::filesystem::path>& file, const std::string& updateFailure) {

@@ -21,6 +21,7 @@ class GavrelApp : public QObject {
 
  public:
   explicit GavrelApp(QObject* parent = nullptr);
+  ~GavrelApp() override;
 
   /// Opens the window, with the project in `file` if one is given, and looks for updates in silence unless there is an
   /// `updateFailure` to tell of. False if the window could not be made.

@@ -6,11 +6,9 @@
 #include <csignal>
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 #include "GavrelApp.h"
 #include "Options.h"
-#include "Platform/Fatal.h"
 #include "Screenshot.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
@@ -63,7 +61,6 @@ int main(int argc, char** argv) {
   // The window lives on when nobody reads its standard output any more.
   std::signal(SIGPIPE, SIG_IGN);
   GavrelApp app;
-  onFatal([&app](std::string_view line) { app.recovery.keepReason(line); });
   if (!app.start(options.file, options.updateFailure)) return 1;
   return QApplication::exec();
 }

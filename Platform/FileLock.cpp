@@ -71,6 +71,7 @@ bool writeOwner(int file) {
 
 std::optional<FileLock> FileLock::take(const std::filesystem::path& path) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  if (!file.isOpen()) file = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));  // on a read-only disk, say
   if (!file.isOpen()) return std::nullopt;
   if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) return FileLock(std::move(file), false);
   if (errno == EWOULDBLOCK) return std::nullopt;

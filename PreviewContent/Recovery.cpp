@@ -17,7 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int delay = 250;  // milliseconds from a change to its writing; changes in between go along
+constexpr qint64 pausesForACopy = 5;  // so that copying takes a sixth of the main thread's time at most
+constexpr qint64 longestPause = 250;  // milliseconds
 // A process that was killed may take a moment to go.
 constexpr int retries = 5;
 constexpr int retryDelay = 1000;  // milliseconds
@@ -53,7 +54,6 @@ Recovery::Recovery(ProjectViewModel& viewModel, fs::path folder, QObject* parent
       file_(folder_ / (QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString() + extension)) {
   writer_.setMaxThreadCount(1);
   soon_.setSingleShot(true);
-  soon_.setInterval(delay);
   connect(&soon_, &QTimer::timeout, this, &Recovery::write);
   connect(&viewModel, &ProjectViewModel::structureEdited, this, &Recovery::edited);
   connect(&viewModel, &ProjectViewModel::endangered, this, &Recovery::flush);
@@ -70,11 +70,15 @@ Recovery::~Recovery() {
 
 void Recovery::edited() {
   pending_ = true;
-  if (!soon_.isActive() && !writing_) soon_.start();
+  if (soon_.isActive()) return;
+  // At once, before it is drawn, which takes its time; but one change after the other does not copy without a pause.
+  const qint64 pause = copyTime_ * pausesForACopy;
+  const qint64 rest = sinceCopy_.isValid() ? pause - sinceCopy_.elapsed() : 0;
+  soon_.start(static_cast<int>(std::clamp<qint64>(rest, 0, longestPause)));
 }
 
 void Recovery::write() {
-  if (!pending_ || writing_) return;
+  if (!pending_) return;
   pending_ = false;
   if (!lock_) {
     std::error_code ignored;
@@ -82,23 +86,32 @@ void Recovery::write() {
     fs::permissions(folder_, fs::perms::owner_all, ignored);
     lock_ = FileLock::take(lockOf(file_));
   }
-  writing_ = true;
+  sinceCopy_.start();
   const auto [file, stamp] = viewModel_.origin();
-  RecoveredProject content{(*viewModel_.project)->copy(), file, stamp, QDateTime::currentDateTime()};
-  writer_.start([this, content = std::move(content)] {
-    const auto failure = writeRecovery(file_, content);
-    const auto reason = failure ? QString::fromStdString(failure->reason) : QString();
-    QMetaObject::invokeMethod(
-        this, [this, reason] { written(reason); }, Qt::QueuedConnection);
-  });
+  RecoveredProject latest{(*viewModel_.project)->copy(), file, stamp, QDateTime::currentDateTime()};
+  copyTime_ = sinceCopy_.elapsed();
+  {
+    const std::scoped_lock guard(latestMutex_);
+    latest_ = std::move(latest);
+  }
+  writer_.start([this] { writeLatest(); });
+}
+
+void Recovery::writeLatest() {
+  std::optional<RecoveredProject> latest;
+  {
+    const std::scoped_lock guard(latestMutex_);
+    latest.swap(latest_);
+  }
+  if (!latest) return;  // it went along with the one before
+  const auto failure = writeRecovery(file_, *latest);
+  const auto reason = failure ? QString::fromStdString(failure->reason) : QString();
+  QMetaObject::invokeMethod(
+      this, [this, reason] { written(reason); }, Qt::QueuedConnection);
 }
 
 void Recovery::written(const QString& failure) {
-  writing_ = false;
-  if (pending_)
-    write();  // what has changed meanwhile has waited long enough
-  else
-    pending_ = !failure.isEmpty();  // to be tried again with the next change, or before the next danger
+  pending_ |= !failure.isEmpty();  // to be tried again with the next change, or before the next danger
   if (std::exchange(failure_, failure) != failure) emit failureChanged();
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <QThreadPool>
 #include <QTimer>
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,8 +19,9 @@
 /// Keeps what has not been saved in a file of its own, so that no end of the process loses more than the last second,
 /// and offers what former processes have left so.
 ///
-/// A change is written soon after it was made, by another thread. The file goes when the structure is saved or given
-/// up. Each process has a file and a lock of its own: what is locked belongs to a process that still runs.
+/// A change is written at once after it was made, by another thread, which the drawing of it does not hold up. The file
+/// goes when the structure is saved or given up. Each process has a file and a lock of its own: what is locked belongs
+/// to a process that still runs.
 class Recovery : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool hasOffer READ hasOffer NOTIFY offerChanged)
@@ -78,7 +81,9 @@ class Recovery : public QObject {
   };
 
   void edited();
+  /// Hands the writer a copy, in the place of one that it has not begun with.
   void write();
+  void writeLatest();
   void written(const QString& failure);
   void finishWriting();
   void look(int furtherTries);
@@ -92,7 +97,10 @@ class Recovery : public QObject {
   std::vector<std::filesystem::path> postponed_;
   QString failure_;
   QTimer soon_;
-  bool pending_ = false;  // there are changes that no thread has yet been told to write
-  bool writing_ = false;
-  QThreadPool writer_;  // one thread; last, so that it is done before anything else goes
+  QElapsedTimer sinceCopy_;  // since the last copy was begun
+  qint64 copyTime_ = 0;      // how long it took, in milliseconds
+  bool pending_ = false;     // there are changes that no thread has yet been told to write
+  std::mutex latestMutex_;
+  std::optional<RecoveredProject> latest_;  // to be written; shared with the writer
+  QThreadPool writer_;                      // one thread; last, so that it is done before anything else goes
 };

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
 
@@ -40,4 +42,20 @@ TEST(Files, ResultsThatCannotBeWrittenAreReported) {
   const auto toOutput = gavrelCli({"solve", model, "-o", "/dev/stdout"});
   EXPECT_EQ(toOutput.status, 0);
   EXPECT_THAT(toOutput.output, StartsWith("\n1.0\n0.0\n{\n  \"name\": \"Single bar\","));
+}
+
+TEST(Files, AResultIsWholeOrAsBeforeWhenTheReaderOfTheOutputGoes) {
+  const TemporaryFolder folder;
+  folder.put("bar.json", singleBarJson());
+  folder.put("result.json", "old");
+  const std::string cli = GAVREL_CLI;
+  const std::string inFolder = "cd " + folder.path().string() + " && ";
+  // The reader is gone before the first line is written.
+  const std::string lines =
+      "{ sleep 0.3; " + cli + " solve bar.json -o result.json 2>errors; echo $? >status; } | true";
+  ASSERT_EQ(std::system((inFolder + lines + "; while [ ! -s status ]; do sleep 0.1; done").c_str()), 0);
+  EXPECT_EQ(folder.get("status"), "141\n");  // by SIGPIPE
+  EXPECT_EQ(folder.get("errors"), "");
+  EXPECT_EQ(folder.get("result.json"), "old");
+  EXPECT_EQ(folder.entries(), 4);
 }

@@ -266,6 +266,15 @@ TEST(FileLock, IsFreeOnceItsOwnerIsGoneEvenWhereThereAreNoLocks) {
       EXPECT_EXIT(takeFromAnother(folder / "lock", locksWork, killed), testing::ExitedWithCode(killed ? 1 : 0), "");
     }
   }
+  const auto readOnly = folder.put("read-only", "");
+  ::chmod(folder.path().c_str(), 0755);
+  ::chmod(readOnly.c_str(), 0444);
+  const auto takeAsUser = [&] {
+    becomeOrdinaryUser();
+    ::_exit(FileLock::take(readOnly) ? 1 : 0);
+  };
+  EXPECT_EXIT(takeAsUser(), testing::ExitedWithCode(1), "");
+
   // What is named by a process of another machine, by one before the last start, and by one whose number another has.
   const auto self = std::to_string(::getpid());
   const auto line = [](const char* file) {
