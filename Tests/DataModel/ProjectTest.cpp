@@ -22,39 +22,6 @@ TEST(Project, EachNodeAddsSixUnknowns) {
   EXPECT_EQ(project.nodeCount(), 2);
 }
 
-TEST(Project, ACopyHasAllButTheObserversAndTheMatrix) {
-  Project project("frame", {}, {}, 2.5);
-  for (const double x : {0.0, 1.0}) project.addNode({x, 2, 3});
-  addBar(project, 0, 1, 7);
-  addBeam(project, 1, 0, 7, true);
-  project.setLoadAndRestraint(1, {4, 5, 6}, true, false, false);
-  const auto count = [](auto& numbers, auto next) {
-    for (auto& number : numbers) number = next++;
-  };
-  count(project.U_I.edit(), 10.0);
-  count(project.dU_I, 20.0);
-  project.R_I.resize(12);
-  count(project.R_I, 30.0);
-  count(project.vv_J, 40);
-  bool told = false;
-  project.observe([&told] { told = true; });
-  const auto copy = project.copy();
-  EXPECT_EQ(*copy->name, "frame");
-  EXPECT_EQ(copy->magnify, 2.5);
-  EXPECT_EQ(*copy->trussElements, *project.trussElements);
-  EXPECT_EQ(*copy->beamElements, *project.beamElements);
-  for (const auto member : {&Project::X_I, &Project::U_I, &Project::F_I})
-    EXPECT_EQ(*((*copy).*member), *(project.*member));
-  EXPECT_EQ(copy->dU_I, project.dU_I);
-  EXPECT_EQ(copy->R_I, project.R_I);
-  EXPECT_EQ(*copy->D_I, *project.D_I);
-  EXPECT_EQ(copy->vv_J, project.vv_J);
-  EXPECT_EQ(copy->nI, 12);
-  copy->addNode({0, 0, 0});
-  EXPECT_FALSE(told);
-  EXPECT_EQ(project.nodeCount(), 2);
-}
-
 TEST(Project, RestrainedDirectionsCarryNoLoad) {
   Project project;
   project.addNode({0, 0, 0});
