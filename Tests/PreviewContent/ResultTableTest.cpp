@@ -21,6 +21,7 @@ struct Tables : testing::Test {
     for (const std::int64_t end : {1, 2, 3}) addBar(*project, 0, end, 1);
     addBeam(*project, 0, 4, 7, false);
     model.restore(std::move(project), {});
+    model.announceResults();
     elements.setProperty("ofElements", true);
     for (ResultTable* table : {&nodes, &elements}) {
       table->setProjectViewModel(&model);
