@@ -16,8 +16,6 @@ Item {
     property bool showingConvergence: false
     property var filesToImport: []
     property string notice: ""
-    /// A file that was chosen for writing and is there already: the file, what writes it, and the panel it was chosen in.
-    property var replacing: null
     /// Set by the window while something of its own lies over this.
     property bool covered: false
 
@@ -25,13 +23,13 @@ Item {
     readonly property alias visualization: view
     readonly property alias dock: dataDock
     readonly property alias fileSheets: files
+    readonly property alias filePanels: panels
     readonly property bool compact: width < 1000
     readonly property bool narrow: width < 790
     readonly property string plainName: projectViewModel.projectName.replace(/\//g, "-")
     /// Whether a sheet or panel is open, so that what lies behind it has to wait.
-    readonly property bool blocked: covered || view.showingSheet || files.presented
-        || [nodeForm, trussForm, beamForm, convergence, importForm, noticeSheet, replaceQuestion, saveQuestion, endQuestion].some(sheet => sheet.presented)
-        || [savePanel, openPanel, importPanel, exportPanel].some(panel => panel.visible)
+    readonly property bool blocked: covered || view.showingSheet
+        || [forms, files, panels, convergence, importForm, noticeSheet, saveQuestion, endQuestion].some(sheet => sheet.presented)
 
     Keys.onEscapePressed: event => {
         event.accepted = projectViewModel.hasMarks;
@@ -68,15 +66,7 @@ Item {
     }
 
     function showSavePanel() {
-        savePanel.open(projectViewModel.currentFolder, plainName + ".json");
-    }
-
-    /// Gives the file that was chosen in the panel to the function, after a question if there is one of its name.
-    function writeTo(file, write, panel) {
-        if (exchange.exists(file))
-            replacing = { file: file, write: write, panel: panel };
-        else
-            write(file);
+        panels.chooseForSaving(plainName + ".json");
     }
 
     function saveTo(file) {
@@ -114,7 +104,7 @@ Item {
     }
 
     function showOpenPanel() {
-        whenSaved(() => openPanel.open(projectViewModel.currentFolder));
+        whenSaved(() => panels.chooseForOpening());
     }
 
     function open(url) {
@@ -122,31 +112,23 @@ Item {
     }
 
     function showImportPanel() {
-        importPanel.open(projectViewModel.currentFolder);
-    }
-
-    /// Asks for a file and gives it to the function, whose answer, unless it is empty, is shown.
-    function exportWith(write, name, suffix) {
-        exportPanel.write = write;
-        exportPanel.defaultSuffix = suffix;
-        exportPanel.nameFilters = [suffix.toUpperCase() + " (*." + suffix + ")"];
-        exportPanel.open(projectViewModel.currentFolder, name + "." + suffix);
+        panels.chooseForImport();
     }
 
     function exportNodes() {
-        exportWith(file => notice = exchange.exportNodes(file), "nodes", "csv");
+        panels.exportWith(file => notice = exchange.exportNodes(file), "nodes", "csv");
     }
 
     function exportElements() {
-        exportWith(file => notice = exchange.exportElements(file), "elements", "csv");
+        panels.exportWith(file => notice = exchange.exportElements(file), "elements", "csv");
     }
 
     function exportVtu() {
-        exportWith(file => notice = exchange.exportVtu(file), plainName, "vtu");
+        panels.exportWith(file => notice = exchange.exportVtu(file), plainName, "vtu");
     }
 
     function exportPicture() {
-        exportWith(file => view.grabToImage(grabbed => notice = exchange.exportPicture(grabbed.image, file)),
+        panels.exportWith(file => view.grabToImage(grabbed => notice = exchange.exportPicture(grabbed.image, file)),
             plainName, "png");
     }
 
@@ -284,31 +266,10 @@ Item {
         }
     }
 
-    Sheet {
-        id: nodeForm
+    ElementForms {
+        id: forms
 
-        presented: root.showingAddNodeSheet
-        onDismissed: root.showingAddNodeSheet = false
-
-        AddNodeView {
-            projectViewModel: root.projectViewModel
-        }
-    }
-
-    Sheet {
-        id: trussForm
-
-        presented: root.showingTrussConfigSheet
-        onDismissed: root.showingTrussConfigSheet = false
-        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? addTruss : null
-    }
-
-    Sheet {
-        id: beamForm
-
-        presented: root.showingBeamConfigSheet
-        onDismissed: root.showingBeamConfigSheet = false
-        content: root.projectViewModel.selectedNodesForTruss.length >= 2 ? addBeam : null
+        content: root
     }
 
     Sheet {
@@ -365,7 +326,7 @@ Item {
     Sheet {
         id: saveQuestion
 
-        presented: root.waitingAction !== null && !savePanel.visible && root.replacing === null && !files.presented
+        presented: root.waitingAction !== null && !panels.savingFile && !files.presented
         onDismissed: root.waitingAction = null
 
         QuestionView {
@@ -396,93 +357,14 @@ Item {
         }
     }
 
-    Sheet {
-        id: replaceQuestion
+    FilePanels {
+        id: panels
 
-        presented: root.replacing !== null
-        onDismissed: {
-            root.replacing = null;
-            root.waitingAction = null;
-        }
-
-        QuestionView {
-            question: qsTr("Replace “%1”?").arg(exchange.nameOf(root.replacing.file))
-            explanation: qsTr("There is a file of this name already. What it holds is lost if it is replaced.")
-            losing: qsTr("Replace")
-            nothing: qsTr("Cancel")
-            usual: qsTr("Choose Another Name")
-            // The answer first, since the question whether to save comes back when nothing is to be replaced any more.
-            onLost: {
-                root.replacing.write(root.replacing.file);
-                root.replacing = null;
-            }
-            onChosen: {
-                root.replacing.panel.open(root.projectViewModel.currentFolder, exchange.nameOf(root.replacing.file));
-                root.replacing = null;
-            }
-        }
-    }
-
-    Component {
-        id: addTruss
-
-        AddTrussView {
-            nodeIDs: root.projectViewModel.selectedNodesForTruss
-            projectViewModel: root.projectViewModel
-        }
-    }
-
-    Component {
-        id: addBeam
-
-        AddBeamView {
-            nodeIDs: root.projectViewModel.selectedNodesForTruss
-            projectViewModel: root.projectViewModel
-        }
-    }
-
-    FilePanel {
-        id: savePanel
-
-        purpose: FilePanel.Save
-        title: qsTr("Save Project")
-        acceptLabel: qsTr("Save")
-        nameFilters: [qsTr("JSON files (*.json)")]
-        defaultSuffix: "json"
-        palette: root.palette
-        onAccepted: files => root.writeTo(files[0], file => root.saveTo(file), savePanel)
-        onRejected: root.waitingAction = null
-    }
-
-    FilePanel {
-        id: openPanel
-
-        title: qsTr("Open Project")
-        nameFilters: [qsTr("JSON files (*.json)")]
-        palette: root.palette
-        onAccepted: files => root.projectViewModel.openProject(files[0])
-    }
-
-    FilePanel {
-        id: importPanel
-
-        purpose: FilePanel.OpenMany
-        title: qsTr("Import Tables and Drawings")
-        acceptLabel: qsTr("Import")
-        nameFilters: [qsTr("Tables and drawings (*.csv *.CSV *.txt *.dxf *.DXF)")]
-        palette: root.palette
-        onAccepted: files => root.filesToImport = files
-    }
-
-    FilePanel {
-        id: exportPanel
-
-        property var write: null
-
-        purpose: FilePanel.Save
-        title: qsTr("Export")
-        acceptLabel: qsTr("Export")
-        palette: root.palette
-        onAccepted: files => root.writeTo(files[0], write, exportPanel)
+        projectViewModel: root.projectViewModel
+        exchange: exchange
+        onSaveChosen: file => root.saveTo(file)
+        onCancelled: root.waitingAction = null
+        onOpenChosen: file => root.projectViewModel.openProject(file)
+        onImportChosen: files => root.filesToImport = files
     }
 }

@@ -136,7 +136,7 @@ TestCase {
             { tag: "import", open: () => content.filesToImport = [Qt.resolvedUrl("nodes.csv")] },
             { tag: "notice", open: () => content.notice = "Something" },
             { tag: "unsaved changes", open: () => content.whenSaved(() => {}) },
-            { tag: "existing file", open: () => content.writeTo(Qt.resolvedUrl("nodes.csv"), null, null) },
+            { tag: "existing file", open: () => content.filePanels.writeTo(Qt.resolvedUrl("nodes.csv"), null, null) },
             { tag: "node", open: () => content.visualization.selectedNode = 0 },
             { tag: "element", open: () => content.visualization.selectedElement = 0 },
         ];
@@ -191,13 +191,13 @@ TestCase {
         const asked = [];
         const panel = { open: (folder, name) => asked.push(name) };
         const write = file => written.push(file);
-        content.writeTo(Qt.resolvedUrl("not-there.csv"), write, panel);
+        content.filePanels.writeTo(Qt.resolvedUrl("not-there.csv"), write, panel);
         compare(written, [Qt.resolvedUrl("not-there.csv")]);
         const there = Qt.resolvedUrl("nodes.csv");
         const answers = [[() => keyClick(Qt.Key_Escape), 1, 0], [() => keyClick(Qt.Key_Return), 1, 1],
                          [() => mouseClick(findChild(content.Overlay.overlay, "losing")), 2, 1]];
         for (const [answer, writes, asks] of answers) {
-            content.writeTo(there, write, panel);
+            content.filePanels.writeTo(there, write, panel);
             compare(written.length, writes === 2 ? 1 : writes);
             verify(content.blocked);
             answer();
