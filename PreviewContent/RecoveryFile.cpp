@@ -113,7 +113,7 @@ class SectionReader {
   [[nodiscard]] std::vector<Value> values(const std::string& key) const {
     const std::string_view bytes = text(key);
     std::vector<Value> values(bytes.size() / sizeof(Value));
-    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(Value));
+    if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(Value));
     return values;
   }
 
