@@ -1,19 +1,15 @@
 import QtQuick
-import QtTest
 import Gavrel.PreviewContent
 
 /// Opens the content of a sheet by itself, presses its buttons, and notes what it asks its owner for.
-TestCase {
+ProjectCase {
     id: test
 
-    property ProjectViewModel model
     property Item form
     property var happened: []
 
-    when: windowShown
     width: 400
     height: 400
-    visible: true
 
     function open(component, properties) {
         form = createTemporaryObject(component, test, Object.assign({ projectViewModel: model }, properties));
@@ -39,10 +35,8 @@ TestCase {
     }
 
     /// Clicks and returns what was printed then.
-    function printed(name) {
-        standardOutput.start();
-        click(name);
-        return standardOutput.stop();
+    function printedBy(name) {
+        return printed(() => click(name));
     }
 
     /// The texts that an item shows, in the order of its rows.

@@ -4,20 +4,10 @@ import Gavrel.PreviewContent
 FormCase {
     name: "AddNodeView"
 
-    Component {
-        id: models
-
-        ProjectViewModel {}
-    }
-
-    Component {
-        id: addNode
-
-        AddNodeView {}
-    }
+    Component { id: addNode; AddNodeView {} }
 
     function init() {
-        model = models.createObject(this);
+        makeModel();
         open(addNode);
     }
 
@@ -29,19 +19,19 @@ FormCase {
         compare(texts(form), ["Coordinates:", "0.0", "0.0", "0.0", "Connect to Last", "Cancel", "Add Node"]);
         compare(shown()[3], true);
         type("1", "2", "3");
-        compare(printed("confirm"), ["Added Node: id 0 at (1.0, 2.0, 3.0)"]);
+        compare(printedBy("confirm"), ["Added Node: id 0 at (1.0, 2.0, 3.0)"]);
         compare(happened, ["dismiss"]);
 
         open(addNode);
         compare(shown(), ["1", "2", "3", true]);
         type("-1", "1e1", "0x10");
-        compare(printed("confirm").slice(-1), ["Added Node: id 1 at (-1.0, 10.0, 16.0)"]);
+        compare(printedBy("confirm").slice(-1), ["Added Node: id 1 at (-1.0, 10.0, 16.0)"]);
         compare(model.numberOfElements, 1);
 
         open(addNode);
         compare(shown(), ["-1", "1e1", "0x10", true]);
         click("connectToLast");
-        compare(printed("confirm").length, 1);
+        compare(printedBy("confirm").length, 1);
         compare(model.numberOfElements, 1);
         open(addNode);
         compare(shown()[3], false);
@@ -53,7 +43,7 @@ FormCase {
 
     function test_staysOpenWithoutNumbers(data) {
         type(...data.texts);
-        compare(printed("confirm"), ["Invalid input coordinates"]);
+        compare(printedBy("confirm"), ["Invalid input coordinates"]);
         compare(happened, []);
         compare(model.numberOfNodes, 0);
         compare(model.lastUsedStartX, "0.0");
@@ -67,7 +57,7 @@ FormCase {
 
     function test_cancelChangesNothing() {
         type("1", "2", "3");
-        compare(printed("cancel"), []);
+        compare(printedBy("cancel"), []);
         compare(happened, ["dismiss"]);
         compare(model.numberOfNodes, 0);
         compare(model.lastUsedStartX, "0.0");

@@ -1,69 +1,33 @@
 import QtQuick
-import QtTest
 import Gavrel.PreviewContent
 
 /// The main window's working surface, with real clicks. The camera starts so that the point (0, 5, 0) is in the middle.
-TestCase {
+ProjectCase {
     id: test
 
-    property ProjectViewModel model
-    property ContentView content
     property VisualizationView view
 
     name: "ContentView"
-    when: windowShown
     width: 1200
     height: 700
-    visible: true
-
-    Component {
-        id: models
-
-        ProjectViewModel {}
-    }
-
-    Component {
-        id: contents
-
-        ContentView {
-            anchors.fill: parent
-        }
-    }
 
     function init() {
-        model = models.createObject(test);
-        content = createTemporaryObject(contents, test, { projectViewModel: model });
+        makeContent();
         view = content.visualization;
-        waitForRendering(content);
     }
 
     function button(name) {
         return findChild(content, name);
     }
 
-    function printed(action) {
-        standardOutput.start();
-        action();
-        return standardOutput.stop();
-    }
-
     function clickMiddle() {
         mouseClick(view, view.width / 2, view.height / 2);
     }
 
-    function addNodes(count) {
-        for (let i = 0; i < count; ++i)
-            model.addNode(i, 5, 0, false);
-        view.showWhole();
-    }
-
     function test_tenButtonsInOrder() {
-        const row = button("addNode").parent.children;
-        const texts = [];
-        for (let i = 0; i < row.length; ++i)
-            texts.push(row[i].text);
-        compare(texts, ["Add Node", "Select for Truss", "Select for Beam", "Add Truss", "Add Beam", "Calculate",
-                        "Show Strain", "Save", "Save As...", "Open..."]);
+        compare(Array.from(button("addNode").parent.children, item => item.text),
+                ["Add Node", "Select for Truss", "Select for Beam", "Add Truss", "Add Beam", "Calculate", "Show Strain",
+                 "Save", "Save As...", "Open..."]);
     }
 
     function test_enabling_data() {
@@ -117,7 +81,8 @@ TestCase {
     }
 
     function test_formsGetTheWholeSelection() {
-        addNodes(4);
+        addNodes(4, false, 5);
+        view.showWhole();
         for (const [mode, name, count] of [[AppMode.addingTruss, "addTruss", 2], [AppMode.addingBeam, "addBeam", 4]]) {
             model.appMode = mode;
             model.selectedNodesForTruss = [3, 0, 2];
@@ -152,7 +117,7 @@ TestCase {
 
     function test_calculateTellsHowItWent() {
         compare(content.calculation.outcome, "");
-        addNodes(2);
+        addNodes(2, false, 5);
         model.addTruss(0, 1, 25, 1e5);
         model.setLoadAndRestraint(0, 0, 0, 0, true, true, true);
         model.setLoadAndRestraint(1, 100, 0, 0, false, true, true);
@@ -210,15 +175,6 @@ TestCase {
         compare(String(view.camera.rotation), turned, "a rebuild leaves the view alone");
         clickMiddle();
         compare(view.selectedNode, 0, "what was dragged stayed in its place");
-    }
-
-    function test_picksCollectNodesWhileAdding() {
-        model.addNode(0, 5, 0, false);
-        mouseClick(button("selectForTruss"));
-        waitForRendering(view);
-        clickMiddle();
-        compare(model.selectedNodesForTruss, [0]);
-        compare(view.selectedNode, null);
     }
 
     function test_filesAreDropped() {

@@ -1,44 +1,14 @@
 import QtQuick
-import QtTest
 import Gavrel.PreviewContent
 
 /// Findings and tables below the 3D area, and files from other programs.
-TestCase {
-    id: test
-
-    property ProjectViewModel model
-    property ContentView content
-
+ProjectCase {
     name: "DataDock"
-    when: windowShown
     width: 1200
     height: 900
-    visible: true
-
-    Component {
-        id: models
-
-        ProjectViewModel {}
-    }
-
-    Component {
-        id: contents
-
-        ContentView {
-            anchors.fill: parent
-        }
-    }
 
     function init() {
-        model = models.createObject(test);
-        content = createTemporaryObject(contents, test, { projectViewModel: model });
-        waitForRendering(content);
-    }
-
-    function printed(action) {
-        standardOutput.start();
-        action();
-        return standardOutput.stop();
+        makeContent();
     }
 
     /// Two bars of 5 and 4 on two held nodes, loaded at their top, which is node 2.
@@ -82,8 +52,7 @@ TestCase {
     function test_whatIsMerelyDoubtfulIsSolvedAndNoted() {
         buildGable();
         model.addTruss(0, 2, 25, 1e5);
-        for (const position of [0, 1, 2])
-            model.setNonLinear(position, false);
+        makeLinear(0, 1, 2);
         const taken = printed(() => mouseClick(findChild(content, "calculate")));
         compare(content.calculation.findings.map(finding => finding.consequence), ["Doubtful"]);
         verify(!content.dock.open, "does not get in the way");
@@ -98,8 +67,7 @@ TestCase {
 
     function test_calculateAnywayTakesTheTrialUnlessTheStructureChanged() {
         buildGable();
-        for (const position of [0, 1])
-            model.setNonLinear(position, false);
+        makeLinear(0, 1);
         model.setLoadAndRestraint(2, 1, 0, 5, false, false, false);  // which nothing resists
         compare(printed(() => mouseClick(findChild(content, "calculate"))), []);
         compare(content.calculation.findings.map(finding => finding.consequence), ["Never converges"]);
@@ -138,8 +106,7 @@ TestCase {
         // What was found before an edit decides on nothing.
         model.addTruss(3, 2, 25, 1e5);
         model.setLoadAndRestraint(3, 0, 0, 0, true, true, true);
-        for (const position of [0, 1, 2])
-            model.setNonLinear(position, false);
+        makeLinear(0, 1, 2);
         printed(() => content.calculation.runAnyway());
         verify(content.calculation.converged);
         model.addNode(8, 8, 8, false);
@@ -182,8 +149,7 @@ TestCase {
         content.dock.show(0);
         verify(text.text.startsWith("Not checked yet"));
         buildGable();
-        for (const position of [0, 1])
-            model.setNonLinear(position, false);
+        makeLinear(0, 1);
         printed(() => content.calculation.run());
         verify(text.text.includes("found nothing: the structure can be solved"));
         model.addNode(1, 2, 3, true);
@@ -209,8 +175,7 @@ TestCase {
         };
         model.isStrainVisualizationActive = true;
         buildGable();
-        for (const position of [0, 1])
-            model.setNonLinear(position, false);
+        makeLinear(0, 1);
         compare(shown(), [false, false]);
         compare(findChild(content, "resultsState").text, "Not solved: no results");
         compare(legend.text, "Strain (not solved)");
@@ -235,8 +200,7 @@ TestCase {
 
     function test_tables() {
         buildGable();
-        for (const position of [0, 1])
-            model.setNonLinear(position, false);
+        makeLinear(0, 1);
         printed(() => content.calculation.run());
         content.dock.show(2);
         const view = findChild(content, "elementTable");

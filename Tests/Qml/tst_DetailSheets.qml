@@ -4,30 +4,11 @@ import Gavrel.PreviewContent
 FormCase {
     name: "DetailSheets"
 
-    Component {
-        id: models
-
-        ProjectViewModel {}
-    }
-
-    Component {
-        id: nodeSheet
-
-        NodeDetailView {
-            selectedNodeForSheet: nodeID
-        }
-    }
-
-    Component {
-        id: trussSheet
-
-        TrussDetailView {
-            selectedElementForSheet: elementID
-        }
-    }
+    Component { id: nodeSheet; NodeDetailView { selectedNodeForSheet: nodeID } }
+    Component { id: trussSheet; TrussDetailView { selectedElementForSheet: elementID } }
 
     function init() {
-        model = models.createObject(this);
+        makeModel();
         standardOutput.start();
         model.addNode(1.005, 0, -2, false);
         model.addNode(0, 0, 1, true);
@@ -47,14 +28,14 @@ FormCase {
         compare(texts(form), ["ID: 0", "X: 1.00", "Y: 0.00", "Z: -2.00", "u: 0.000", "v: 0.000", "w: 0.000", "Load:",
                               "0.0", "0.0", "0.0", "Restrain X", "Restrain Y", "Restrain Z", "Cancel", "Apply"]);
         type("-2.5", "1e3", "0.00001");
-        compare(printed("confirm"), []);
+        compare(printedBy("confirm"), []);
         compare(happened, [null, "dismiss"]);
 
         compareNode(["-2.5", "1000.0", "1e-05"], [false, false, false]);
         type("0", "0", "0");
         click("restX");
         click("restZ");
-        compare(printed("confirm"), []);
+        compare(printedBy("confirm"), []);
         compareNode(["0.0", "0.0", "0.0"], [true, false, true]);
     }
 
@@ -66,10 +47,10 @@ FormCase {
         open(nodeSheet, { nodeID: 0 });
         type("5", data.tag);
         click("restX");
-        compare(printed("confirm"), ["Invalid load input"]);
+        compare(printedBy("confirm"), ["Invalid load input"]);
         compare(happened, []);
         verify(findChild(form, "loadY").invalid && findChild(form, "loadY").activeFocus);
-        compare(printed("cancel"), []);
+        compare(printedBy("cancel"), []);
         compare(happened, [null, "dismiss"]);
         compareNode(["0.0", "0.0", "0.0"], [false, false, false]);
     }
@@ -81,7 +62,7 @@ FormCase {
                               "Apply Nonlinear"]);
         for (const [button, isNonLinear] of [["applyLinear", false], ["cancel", false], ["applyNonlinear", true]]) {
             open(trussSheet, { elementID: 1 });
-            compare(printed(button), []);
+            compare(printedBy(button), []);
             compare(happened, [null, "dismiss"]);
             compare(model.trussContents(1).isNonLinear, isNonLinear, button);
             verify(model.trussContents(0).isNonLinear);
@@ -91,7 +72,7 @@ FormCase {
     function test_trussNotFoundKeepsTheSelection() {
         open(trussSheet, { elementID: 2 });
         compare(texts(form), ["ID: 2", "Truss element not found.", "Cancel"]);
-        compare(printed("cancel"), []);
+        compare(printedBy("cancel"), []);
         compare(happened, ["dismiss"]);
     }
 }

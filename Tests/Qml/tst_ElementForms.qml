@@ -8,38 +8,19 @@ FormCase {
 
     name: "ElementForms"
 
-    Component {
-        id: models
-
+    models: Component {
         ProjectViewModel {
-            function addTruss(...what) {
-                test.added.push(what);
-            }
-            function addBeam(...what) {
-                test.added.push(what);
-            }
+            function addTruss(...what) { test.added.push(what); }
+            function addBeam(...what) { test.added.push(what); }
         }
     }
 
-    Component {
-        id: truss
-
-        AddTrussView {
-            nodeIDs: projectViewModel.selectedNodesForTruss
-        }
-    }
-
-    Component {
-        id: beam
-
-        AddBeamView {
-            nodeIDs: projectViewModel.selectedNodesForTruss
-        }
-    }
+    Component { id: truss; AddTrussView { nodeIDs: projectViewModel.selectedNodesForTruss } }
+    Component { id: beam; AddBeamView { nodeIDs: projectViewModel.selectedNodesForTruss } }
 
     function openFor(nodes, component) {
         added = [];
-        model = models.createObject(test);
+        makeModel();
         model.appMode = component === truss ? AppMode.addingTruss : AppMode.addingBeam;
         model.selectedNodesForTruss = nodes;
         open(component);
@@ -56,7 +37,7 @@ FormCase {
         openFor([4, 7, 9], truss);
         compare(texts(form), ["Configure New Truss", "Between nodes: 4 and 7", "Properties:", "Area:", "25.0",
                               "Young's Modulus:", "100e3", "Cancel", "Add Truss"]);
-        compare(printed("confirm"), []);
+        compare(printedBy("confirm"), []);
         compareClosed([[4, 7, 25, 100000], [7, 9, 25, 100000]]);
     }
 
@@ -66,13 +47,13 @@ FormCase {
                               "Iy:", "1000.0", "E:", "210000.0", "G:", "80000.0", "Cancel", "Add Beam"]);
         // From field to field, so that the two of the same name are told apart by their place.
         type(..."12345");
-        compare(printed("confirm"), []);
+        compare(printedBy("confirm"), []);
         compareClosed([[1, 2], [2, 3], [3, 5], [5, 8]].map(nodes => nodes.concat(1, 2, 3, 4, 5)));
     }
 
     function test_oneNodeMakesNoBeam() {
         openFor([3], beam);
-        compare(printed("confirm"), []);
+        compare(printedBy("confirm"), []);
         compareClosed([]);
     }
 
@@ -86,12 +67,12 @@ FormCase {
         openFor([1, 2], data.form);
         form[data.field] = "";
         const field = findChild(form, data.field).field;
-        compare(printed("confirm"), data.lines);
+        compare(printedBy("confirm"), data.lines);
         compare(happened, []);
         verify(field.invalid && field.activeFocus);
 
         form[data.field] = "7";
-        compare(printed("cancel"), []);
+        compare(printedBy("cancel"), []);
         compare(happened, ["dismiss"]);
         compare(added, []);
         compare(model.selectedNodesForTruss, [1, 2]);

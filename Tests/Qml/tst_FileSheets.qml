@@ -4,55 +4,23 @@ import QtTest
 import Gavrel.PreviewContent
 
 /// What is told and asked about files that cannot be saved, opened or shown.
-TestCase {
+ProjectCase {
     id: test
 
-    property ProjectViewModel model
     property FileSheets sheets
 
     name: "FileSheets"
-    when: windowShown
     width: 900
     height: 600
-    visible: true
 
-    Component {
-        id: models
+    Component { id: fileSheets; FileSheets { anchors.fill: parent } }
 
-        ProjectViewModel {}
-    }
-
-    Component {
-        id: fileSheets
-
-        FileSheets {
-            anchors.fill: parent
-        }
-    }
-
-    SignalSpy {
-        id: places
-
-        target: test.sheets
-        signalName: "placeRequested"
-    }
-
-    SignalSpy {
-        id: overwritten
-
-        target: test.sheets
-        signalName: "overwriteChosen"
-    }
-
-    SignalSpy {
-        id: cancelled
-
-        target: test.sheets
-        signalName: "cancelled"
-    }
+    SignalSpy { id: places; target: test.sheets; signalName: "placeRequested" }
+    SignalSpy { id: overwritten; target: test.sheets; signalName: "overwriteChosen" }
+    SignalSpy { id: cancelled; target: test.sheets; signalName: "cancelled" }
 
     function init() {
-        model = models.createObject(test);
+        makeModel();
         sheets = createTemporaryObject(fileSheets, test, { projectViewModel: model });
         for (const spy of [places, overwritten, cancelled])
             spy.clear();

@@ -4,21 +4,16 @@ import QtTest
 import Gavrel.PreviewContent
 
 /// The menus, opened and pressed by their actions.
-TestCase {
-    id: test
-
+ProjectCase {
     name: "MainMenu"
-    when: windowShown
     width: 1000
     height: 700
-    visible: true
 
-    ProjectViewModel {
-        id: model
-    }
+    model: ProjectViewModel {}
+    content: surface
 
     ContentView {
-        id: content
+        id: surface
 
         anchors.fill: parent
         projectViewModel: model
@@ -27,32 +22,20 @@ TestCase {
     MainMenu {
         id: menus
 
-        content: content
+        content: surface
     }
 
-    SignalSpy {
-        id: updates
-
-        target: menus
-        signalName: "checkForUpdates"
-    }
+    SignalSpy { id: updates; target: menus; signalName: "checkForUpdates" }
 
     function action(menu, text) {
-        for (let i = 0; i < menus.menuAt(menu).count; ++i) {
-            const item = menus.menuAt(menu).actionAt(i);
-            if (item && item.text.replace("&", "") === text)
-                return item;
-        }
-        fail("no " + text);
+        const index = texts(menu).indexOf(text);
+        verify(index >= 0, text);
+        return menus.menuAt(menu).actionAt(index);
     }
 
     function texts(menu) {
-        const all = [];
-        for (let i = 0; i < menus.menuAt(menu).count; ++i) {
-            const item = menus.menuAt(menu).actionAt(i);
-            all.push(item ? item.text.replace("&", "") : "-");
-        }
-        return all;
+        const actions = Array.from({ length: menus.menuAt(menu).count }, (_, i) => menus.menuAt(menu).actionAt(i));
+        return actions.map(item => item ? item.text.replace("&", "") : "-");
     }
 
     function test_items() {
@@ -104,8 +87,7 @@ TestCase {
     function test_elementCommandsFollowTheMode() {
         const enabled = () => ["Add Truss…", "Add Beam…"].map(text => action(3, text).enabled);
         model.newProject();
-        for (let i = 0; i < 2; ++i)
-            model.addNode(i, 0, 0, false);
+        addNodes(2, false);
         compare(enabled(), [false, false]);
         action(3, "Select for Truss").trigger();
         verify(!action(3, "Select for Beam").enabled);
@@ -144,8 +126,7 @@ TestCase {
 
     function test_whatLiesBehindASheetRests(data) {
         model.newProject();
-        for (let i = 0; i < 2; ++i)
-            model.addNode(i, 0, 0, true);
+        addNodes(2, true);
         model.appMode = data.tag === "node" ? AppMode.normal : AppMode.addingTruss;
         model.selectedNodesForTruss = [0, 1];
         const enabled = () => [0, 1, 2, 3].reduce((all, menu) => all.concat(
@@ -171,8 +152,7 @@ TestCase {
 
     function test_aFormKeepsTheNodesItWasOpenedWith() {
         model.newProject();
-        for (let i = 0; i < 3; ++i)
-            model.addNode(i, 0, 0, false);
+        addNodes(3, false);
         for (const [mode, sheet] of [[AppMode.addingTruss, "showingTrussConfigSheet"], [AppMode.addingBeam, "showingBeamConfigSheet"]]) {
             const elements = model.numberOfElements;
             model.appMode = mode;

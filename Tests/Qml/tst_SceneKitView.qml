@@ -1,44 +1,21 @@
 import QtQuick
-import QtTest
 import Gavrel.PreviewContent
 
 /// Moving the camera by mouse, wheel and keys, and what is laid over the 3D area.
-TestCase {
+ProjectCase {
     id: test
 
-    property ProjectViewModel model
     property SceneKitView view
 
     name: "SceneKitView"
-    when: windowShown
     width: 900
     height: 600
-    visible: true
 
-    Component {
-        id: models
-
-        ProjectViewModel {}
-    }
-
-    Component {
-        id: views
-
-        SceneKitView {
-            anchors.fill: parent
-        }
-    }
-
-    Component {
-        id: solvers
-
-        Calculation {
-            projectViewModel: test.model
-        }
-    }
+    Component { id: views; SceneKitView { anchors.fill: parent } }
+    Component { id: solvers; Calculation { projectViewModel: test.model } }
 
     function init() {
-        model = models.createObject(test);
+        makeModel();
         model.addNode(0, 5, 0, false);
         model.addNode(4, 5, 0, true);
         model.addNode(0, 9, 0, false);
@@ -98,8 +75,7 @@ TestCase {
         view.isStrainVisualizationActive = true;
         view.contents.update();
         compare(findChild(view, "legendMax").text, "0");
-        model.setNonLinear(0, false);
-        model.setNonLinear(1, false);
+        makeLinear(0, 1);
         createTemporaryObject(solvers, test).run();
         view.contents.update();
         // The force of bar 0 is the load's, so that it is stretched by F / EA = 0.02; the other one only turns.
