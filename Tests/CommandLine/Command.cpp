@@ -7,8 +7,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <iterator>
-#include <sstream>
 #include <stdexcept>
 
 #include "DataModel/ProjectFile.h"
@@ -49,16 +47,6 @@ std::string readAll(int descriptor) {
 }
 
 }  // namespace
-
-std::vector<std::string> words(const std::string& text) {
-  std::istringstream stream(text);
-  return {std::istream_iterator<std::string>(stream), {}};
-}
-
-std::string withoutSpace(std::string text) {
-  std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
-  return text;
-}
 
 CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const CommandStreams& streams) {
   const auto output = openStream(false);

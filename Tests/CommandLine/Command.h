@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "Tests/Text.h"
+
 /// What a run of gavrel-cli left behind.
 struct CommandOutcome {
   int status = -1;  ///< exit status; -1 after a signal
@@ -18,11 +20,6 @@ struct CommandStreams {
 
 /// Runs gavrel-cli with these arguments and an empty standard input, and waits for its end.
 [[nodiscard]] CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const CommandStreams& streams = {});
-
-[[nodiscard]] std::vector<std::string> words(const std::string& text);
-
-/// The text without blanks and line ends, to compare JSON by.
-[[nodiscard]] std::string withoutSpace(std::string text);
 
 /// A project of one bar between a held node and one that is pulled along x by 20 and rolls there; EA/L = 1000. A load
 /// on the pulled node's restrained y keeps it from ever converging.

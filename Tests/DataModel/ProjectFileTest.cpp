@@ -9,16 +9,12 @@
 
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
+#include "Tests/Text.h"
 
 namespace {
 
 using testing::HasSubstr;
 using Limits = std::numeric_limits<double>;
-
-std::string withoutSpace(std::string text) {
-  std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
-  return text;
-}
 
 std::string replaced(std::string text, std::string_view from, std::string_view to) {
   const auto place = text.find(from);
@@ -118,21 +114,16 @@ TEST(ProjectFile, ReadsNumbersOfEveryNotation) {
                                                    -0.0, 123456789012345678901234.0}));
   EXPECT_TRUE(std::signbit((*numbers)->X_I->at(6)));
   const auto withId = [](const std::string& id) { return replaced(small, "\"id\":1", "\"id\":" + id); };
-  for (const auto& [text, number] : {std::pair{"3.0", 3L},
-                                     {"-3e2", -300L},
-                                     {"-0", 0L},
-                                     {"9223372036854775807", INT64_MAX},
-                                     {"-9.223372036854775808e18", INT64_MIN},
-                                     {"9007199254740993.0", 9007199254740993},
-                                     {"90071992547409930.00e-1", 9007199254740993},
-                                     {"0.000000009223372036854775807E+27", INT64_MAX},
-                                     {"0.0e-99999999999999999999", 0L},
-                                     {"3e0000000000000000000000", 3L}})
-    EXPECT_EQ((*decodeProject(withId(text)))->trussElements->front().id, number);
-  for (const char* const text :
-       {"3.5", "1e-1", "9223372036854775808", "9.223372036854775808e18", "-9.223372036854778e18",
-        "100000000000000000000", "-9223372036854775809", "-9223372036854775809.0", "9007199254740993.5", "1e-400",
-        "3.00000000000000000000001", "10000000000000000000e1", "true", "\"3\"", "null"})
+  const auto whole = words(
+      "3.0 3  -3e2 -300  -0 0  9223372036854775807 9223372036854775807  -9.223372036854775808e18 -9223372036854775808 "
+      "9007199254740993.0 9007199254740993  90071992547409930.00e-1 9007199254740993  0.0e-99999999999999999999 0 "
+      "0.000000009223372036854775807E+27 9223372036854775807  3e0000000000000000000000 3");
+  for (std::size_t i = 0; i < whole.size(); i += 2)
+    EXPECT_EQ((*decodeProject(withId(whole[i])))->trussElements->front().id, std::stoll(whole[i + 1]));
+  for (const auto& text :
+       words("3.5 1e-1 9223372036854775808 9.223372036854775808e18 -9.223372036854778e18 100000000000000000000 "
+             "-9223372036854775809 -9223372036854775809.0 9007199254740993.5 1e-400 3.00000000000000000000001 "
+             "10000000000000000000e1 true \"3\" null"))
     EXPECT_THAT(reasonOf(withId(text)), HasSubstr("id: expected a whole number, found "));
   for (const std::string unread :
        {"[1 2]", "{\"b\"}", "tru", "01", "nul", "\"\\x\"", "[[[]", "{\"b\": nan}", "1e999", "\"\\udc00\""})

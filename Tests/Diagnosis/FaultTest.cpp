@@ -9,7 +9,6 @@ namespace {
 
 using testing::HasSubstr;
 using enum Finding::Consequence;
-using Positions = std::vector<std::int64_t>;
 
 struct Fault {
   const char* name;
@@ -17,11 +16,7 @@ struct Fault {
   Finding::Consequence consequence;
   const char* title;
   const char* text;
-  Positions nodes = {};
-  Positions trusses = {};
-  Positions beams = {};
-  bool isFatal = false;
-  BarKind kind = {};
+  const char* named = "";  ///< the nodes, bars and beams that the finding names
 };
 
 void PrintTo(const Fault& fault, std::ostream* out) {
@@ -33,7 +28,7 @@ class OneFault : public testing::TestWithParam<Fault> {};
 /// Each fault is the only finding, and says of a solve what a solve then does.
 TEST_P(OneFault, IsNamedAndForetold) {
   const Fault& fault = GetParam();
-  Triangle project(fault.kind);
+  Triangle project;
   testing::internal::CaptureStdout();
   fault.plant(project);
   const auto check = StructureCheck::of(project);
@@ -45,9 +40,11 @@ TEST_P(OneFault, IsNamedAndForetold) {
   EXPECT_TRUE(finding.consequence == fault.consequence || isInVain) << finding.text;
   EXPECT_EQ(finding.title, fault.title);
   EXPECT_THAT(finding.text, HasSubstr(fault.text));
-  EXPECT_EQ(finding.nodes, fault.nodes);
-  EXPECT_EQ(finding.trusses, fault.trusses);
-  EXPECT_EQ(finding.beams, fault.beams);
+  std::string named;
+  for (const std::int64_t node : finding.nodes) named += " n" + std::to_string(node);
+  for (const std::int64_t truss : finding.trusses) named += " t" + std::to_string(truss);
+  for (const std::int64_t beam : finding.beams) named += " b" + std::to_string(beam);
+  EXPECT_EQ(named, fault.named);
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   if (fault.consequence == EndsProgram) {
     EXPECT_DEATH(project.Solve(), "Fatal error");
@@ -67,10 +64,6 @@ TEST_P(OneFault, IsNamedAndForetold) {
 void refit(Project& project) {
   const auto bars = std::exchange(project.trussElements.edit(), {});
   for (const TrussElement& bar : bars) addBar(project, bar.startNodeId, bar.endNodeId, 100);
-}
-
-void addLonelyNode(Project& project) {
-  project.addNode({9, 9, 9});
 }
 
 /// Replaces everything by a row of three non-linear bars along x under a load of 1, on linear springs of stiffness 2.5
@@ -98,55 +91,23 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"NoElements", [](Project& p) { p.trussElements.edit().clear(); }, EndsProgram, "No elements", "neither"},
         Fault{"MissingLoads", [](Project& p) { p.F_I.edit().resize(17); }, EndsProgram, "Missing loads or restraints",
               "17 loads and 18 restraints, but a solve reads 18 loads and the first 15 restraints"},
-        Fault{"MissingRestraints", [](Project& p) { p.D_I.edit().resize(14); }, EndsProgram,
-              "Missing loads or restraints", "14 restraints"},
-        Fault{"MissingRestraintsOfABeam",
-              [](Project& p) {
-                p.addNode({-3, 0, 0});
-                clamp(p, 3);
-                addBeam(p, 0, 3, 1, false);
-                p.D_I.edit().resize(23);
-              },
-              EndsProgram, "Missing loads or restraints", "the first 24 restraints"},
         Fault{"SurplusLoad", [](Project& p) { p.F_I.edit().push_back(3); }, NeverConverges, "Loads of no node",
               "19 loads for 18"},
-        Fault{"UnknownNode",
-              [](Project& p) { p.trussElements.edit()[1].endNodeId = 3; },
-              EndsProgram,
-              "Unknown nodes",
-              "bar 1",
-              {},
-              {1}},
-        Fault{"NotANumber",
-              [](Project& p) { p.F_I.edit()[12] = std::nan(""); },
-              NeverConverges,
-              "Loads that are no numbers",
-              "load of node 2 is",
-              {2}},
+        Fault{"UnknownNode", [](Project& p) { p.trussElements.edit()[1].endNodeId = 3; }, EndsProgram, "Unknown nodes",
+              "bar 1", " t1"},
+        Fault{"NotANumber", [](Project& p) { p.F_I.edit()[12] = std::nan(""); }, NeverConverges,
+              "Loads that are no numbers", "load of node 2 is", " n2"},
         Fault{"PlaceThatIsNone",
               [](Project& p) {
                 p.X_I.edit()[6] = std::nan("");
                 refit(p);
               },
-              EndsProgram,
-              "Bars without finite stiffness",
-              "bars 1 and 2",
-              {},
-              {1, 2}},
-        Fault{"LonelyLastNode", addLonelyNode, EndsProgram, "Nodes without elements", "joins node 3", {3}},
-        Fault{"LonelyFirstNode",
+              EndsProgram, "Bars without finite stiffness", "bars 1 and 2", " t1 t2"},
+        Fault{"LonelyLastNode",
               [](Project& p) {
-                for (TrussElement& bar : p.trussElements.edit()) ++bar.startNodeId, ++bar.endNodeId;
                 p.addNode({9, 9, 9});
-                std::rotate(p.X_I.edit().begin(), p.X_I.edit().end() - 3, p.X_I.edit().end());
-                std::rotate(p.F_I.edit().begin(), p.F_I.edit().end() - 6, p.F_I.edit().end());
-                auto& D = p.D_I.edit();
-                std::rotate(D.begin(), D.end() - 6, D.end());
               },
-              EndsProgram,
-              "Nodes without elements",
-              "joins node 0",
-              {0}},
+              EndsProgram, "Nodes without elements", "joins node 3", " n3"},
         Fault{"BeamWithoutLength",
               [](Project& p) {
                 p.X_I.edit() = {0, 0, 0, 4, 0, 0, 0, 0, 0};
@@ -154,52 +115,26 @@ INSTANTIATE_TEST_SUITE_P(
                 p.trussElements.edit().pop_back();
                 addBeam(p, 2, 0, 1, false);
               },
-              EndsProgram,
-              "Beams without length",
-              "beam 0",
-              {},
-              {},
-              {0}},
+              EndsProgram, "Beams without length", "beam 0", " b0"},
         Fault{"BeamAcross",
               [](Project& p) {
                 p.X_I.edit()[6] = 0;
                 refit(p);
                 addBeam(p, 2, 0, 1, false);
               },
-              EndsProgram,
-              "Beams across x",
-              "beam 0",
-              {},
-              {},
-              {0}},
+              EndsProgram, "Beams across x", "beam 0", " b0"},
         Fault{"BarWithoutLength",
               [](Project& p) { p.trussElements.edit().emplace_back(3, 0, 0, Vector3{}, Vector3{}, 1, 1, false, true); },
-              Doubtful,
-              "Bars without length",
-              "bar 3",
-              {},
-              {3}},
-        Fault{"RepeatedBar", [](Project& p) { addBar(p, 1, 0, 5); }, Doubtful, "Repeated bars", "bar 3", {}, {3}},
-        Fault{"LoadOnSupport",
-              [](Project& p) { p.F_I.edit()[7] = 1; },
-              NeverConverges,
-              "Loads on supports",
-              "node 1",
-              {1}},
+              Doubtful, "Bars without length", "bar 3", " t3"},
+        Fault{"RepeatedBar", [](Project& p) { addBar(p, 1, 0, 5); }, Doubtful, "Repeated bars", "bar 3", " t3"},
+        Fault{"LoadOnSupport", [](Project& p) { p.F_I.edit()[7] = 1; }, NeverConverges, "Loads on supports", "node 1",
+              " n1"},
         Fault{"NoLoad", [](Project& p) { p.setLoadAndRestraint(2, {}, false, false, false); }, NeverConverges,
               "No loads", "prints nan"},
-        Fault{"NoSupport",
-              [](Project& p) { p.D_I.edit().assign(18, false); },
-              EndsProgram,
-              "No supports",
-              "3 independent ways",
-              {0, 1, 2}},
-        Fault{"TooFewSupports",
-              [](Project& p) { p.setLoadAndRestraint(1, {}, false, false, true); },
-              Meaningless,
-              "Too few supports",
-              "in 1 way,",
-              {0, 1, 2}},
+        Fault{"NoSupport", [](Project& p) { p.D_I.edit().assign(18, false); }, EndsProgram, "No supports",
+              "3 independent ways", " n0 n1 n2"},
+        Fault{"TooFewSupports", [](Project& p) { p.setLoadAndRestraint(1, {}, false, false, true); }, Meaningless,
+              "Too few supports", "in 1 way,", " n0 n1 n2"},
         Fault{"Mechanism",
               [](Project& p) {
                 p.addNode({5, 2, 0});
@@ -213,10 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
                 p.setLoadAndRestraint(2, {1, -2, 0}, false, false, true);
                 p.setLoadAndRestraint(3, {}, false, false, true);
               },
-              Meaningless,
-              "Mechanism",
-              "Nothing holds node",
-              {3}},
+              Meaningless, "Mechanism", "Nothing holds node", " n3"},
         Fault{"NoFirstValue",
               [](Project& p) {
                 p.trussElements.edit().clear();
@@ -225,35 +157,20 @@ INSTANTIATE_TEST_SUITE_P(
                 addBar(p, 1, 2, 1);
                 addBar(p, 2, 0, 1);
               },
-              EndsProgram,
-              "No stiffness of node 0 along x",
-              "lends",
-              {0}},
-        Fault{"NegativeStiffness",
-              [](Project& p) { p.trussElements.edit()[2].EAL3 = -90; },
-              EndsProgram,
+              EndsProgram, "No stiffness of node 0 along x", "lends", " n0"},
+        Fault{"NegativeStiffness", [](Project& p) { p.trussElements.edit()[2].EAL3 = -90; }, EndsProgram,
               "Stiffness that is not positive",
               "In step 1 the stiffness of node 0 in translation along x becomes -65.0, since bar 2 has a negative "
               "stiffness",
-              {0, 2},
-              {2}},
-        Fault{"MisfitBar",
-              [](Project& p) { p.trussElements.edit()[1].dXx *= 1.01; },
-              Doubtful,
-              "Elements that do not fit their nodes",
-              "bar 1",
-              {},
-              {1}},
+              " n0 n2 t2"},
+        Fault{"MisfitBar", [](Project& p) { p.trussElements.edit()[1].dXx *= 1.01; }, Doubtful,
+              "Elements that do not fit their nodes", "bar 1", " t1"},
         Fault{"CompressedNonLinearBars",
-              [](Project&) {},
-              EndsProgram,
-              "Compressed non-linear bars",
-              "In step 2 the stiffness of node 0 in translation along z becomes -",
-              {0, 1, 2},
-              {1, 2},
-              {},
-              true,
-              {.isNonLinear = true}},
+              [](Project& p) {
+                for (TrussElement& bar : p.trussElements.edit()) bar.isNonLinear = true;
+              },
+              EndsProgram, "Compressed non-linear bars",
+              "In step 2 the stiffness of node 0 in translation along z becomes -", " n0 n1 n2 t1 t2"},
         Fault{"DroppedOut",
               [](Project& p) {
                 p.trussElements.edit().clear();
@@ -263,33 +180,18 @@ INSTANTIATE_TEST_SUITE_P(
                 p.setLoadAndRestraint(1, {1, 0, 0}, false, true, true);
                 p.setLoadAndRestraint(2, {}, true, true, true);
               },
-              EndsProgram,
-              "Compression-only bars have dropped out",
-              "since bar 0 took tension and dropped out",
-              {0},
-              {0}},
-        Fault{"Buckling",
-              makeBucklingRow,
-              EndsProgram,
-              "Loss of stability",
-              "at node 2 in translation along y",
-              {2},
-              {1, 2}},
-        Fault{"LoadThatNothingResists",
-              [](Project& p) { p.F_I.edit()[14] = 1; },
-              NeverConverges,
-              "Loads that nothing resists",
-              "direction of a load at node 2",
-              {2}},
+              EndsProgram, "Compression-only bars have dropped out", "since bar 0 took tension and dropped out",
+              " n0 t0"},
+        Fault{"Buckling", makeBucklingRow, EndsProgram, "Loss of stability", "at node 2 in translation along y",
+              " n2 t1 t2"},
+        Fault{"LoadThatNothingResists", [](Project& p) { p.F_I.edit()[14] = 1; }, NeverConverges,
+              "Loads that nothing resists", "direction of a load at node 2", " n2"},
         Fault{"MomentWithoutBeams",
               [](Project& p) {
                 p.F_I.edit()[15] = 1;
                 p.D_I.edit()[15] = true;  // which no bar reads
               },
-              NeverConverges,
-              "Loads that nothing resists",
-              "direction of a load at node 2",
-              {2}},
+              NeverConverges, "Loads that nothing resists", "direction of a load at node 2", " n2"},
         Fault{"LoadCarriedByBeam",
               [](Project& p) {
                 p.addNode({-3, 0, 0});
@@ -297,10 +199,7 @@ INSTANTIATE_TEST_SUITE_P(
                 p.setLoadAndRestraint(3, {0, 0, 1}, false, false, false);
                 clamp(p, 0);
               },
-              NeverConverges,
-              "Loads carried by beams",
-              "node 3",
-              {3}}),
+              NeverConverges, "Loads carried by beams", "node 3", " n3"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <limits>
 #include <random>
 
+#include "Tests/Text.h"
+
 namespace {
 
 using Limits = std::numeric_limits<double>;
@@ -20,34 +22,18 @@ std::string jsonText(double number) {
 }
 
 TEST(NumberText, ChoosesTheFormByTheSize) {
-  constexpr double pow53 = 9007199254740992.0;
-  const struct {
-    double number;
-    const char* text;
-    const char* json;
-  } cases[] = {
-      {0.0, "0.0", "0"},
-      {-0.0, "-0.0", "-0.0"},
-      {1.0, "1.0", "1"},
-      {-2.5, "-2.5", "-2.5"},
-      {1e-4, "0.0001", "0.0001"},
-      {-1.2345678901234567e-4, "-0.00012345678901234567", "-0.00012345678901234567"},
-      {std::nextafter(1e-4, 0.0), "9.999999999999999e-05", "9.999999999999999e-05"},
-      {1e-5, "1e-05", "1e-05"},
-      {pow53 - 1, "9007199254740991.0", "9007199254740991"},
-      {pow53, "9007199254740992.0", "9007199254740992"},
-      {-pow53, "-9007199254740992.0", "-9007199254740992"},
-      {pow53 + 2, "9.007199254740994e+15", "9.007199254740994e+15"},
-      {1e16, "1e+16", "1e+16"},
-      {Limits::denorm_min(), "5e-324", "5e-324"},
-      {Limits::max(), "1.7976931348623157e+308", "1.7976931348623157e+308"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(numberText(c.number), c.text);
-    EXPECT_EQ(jsonText(c.number), c.json);
+  // Each number as it is shown, and as JSON has it.
+  const auto texts = words(
+      "0.0 0  -0.0 -0.0  1.0 1  -2.5 -2.5  0.0001 0.0001  -0.00012345678901234567 -0.00012345678901234567 "
+      "9.999999999999999e-05 9.999999999999999e-05  1e-05 1e-05  9007199254740991.0 9007199254740991 "
+      "9007199254740992.0 9007199254740992  -9007199254740992.0 -9007199254740992  1e+16 1e+16  5e-324 5e-324 "
+      "9.007199254740994e+15 9.007199254740994e+15  1.7976931348623157e+308 1.7976931348623157e+308");
+  for (std::size_t i = 0; i < texts.size(); i += 2) {
+    const double number = std::strtod(texts[i].c_str(), nullptr);
+    EXPECT_EQ(numberText(number), texts[i]);
+    EXPECT_EQ(jsonText(number), texts[i + 1]);
   }
-  EXPECT_EQ(numberText(Limits::quiet_NaN()), "nan");
-  EXPECT_EQ(numberText(-Limits::quiet_NaN()), "nan");
+  for (const double sign : {1.0, -1.0}) EXPECT_EQ(numberText(std::copysign(Limits::quiet_NaN(), sign)), "nan");
   EXPECT_EQ(numberText(Limits::infinity()), "inf");
   EXPECT_EQ(numberText(-Limits::infinity()), "-inf");
 }
@@ -66,23 +52,8 @@ TEST(NumberText, ReadsBackToTheSameBits) {
 }
 
 TEST(ParseNumber, TakesNothingButANumber) {
-  const struct {
-    const char* text;
-    double number;
-  } numbers[] = {{"0", 0},
-                 {"-1", -1},
-                 {"+2.5", 2.5},
-                 {"100e3", 1e5},
-                 {"1E-05", 1e-5},
-                 {".5", 0.5},
-                 {"5.", 5},
-                 {"0x1p3", 8},
-                 {"-0XAp0", -10},
-                 {"1e400", Limits::infinity()},
-                 {"1e-400", 0},
-                 {"inf", Limits::infinity()},
-                 {"-Infinity", -Limits::infinity()}};
-  for (const auto& c : numbers) EXPECT_EQ(parseNumber(c.text), c.number) << c.text;
+  for (const auto& text : words("0 -1 +2.5 100e3 1E-05 .5 5. 0x1p3 -0XAp0 1e400 1e-400 inf -Infinity"))
+    EXPECT_EQ(parseNumber(text), std::strtod(text.c_str(), nullptr)) << text;
   EXPECT_TRUE(std::isnan(parseNumber("NaN").value()));
   for (const auto* text : {"", " 1", "1 ", "\t1", "1,000", "1,5", "abc", "1e", "0x", "--1", "1.0.0", "1_000", "in"})
     EXPECT_EQ(parseNumber(text), std::nullopt) << '"' << text << '"';
@@ -90,42 +61,17 @@ TEST(ParseNumber, TakesNothingButANumber) {
 }
 
 TEST(ParseJsonNumber, TakesTheNotationOfJsonOnly) {
-  for (const auto& [text, number] : {std::pair{"-0", -0.0},
-                                     {"0.30000000000000000000001", 0.3},
-                                     {"-0.20000000000000000000e1", -2.0},
-                                     {"1.5e0000000000000000000001", 15.0},
-                                     {"0e99999999999999999999", 0.0},
-                                     {"-1e-99999999999999999999", -0.0},
-                                     {"2.4703282292062328e-324", Limits::denorm_min()},
-                                     {"1.7976931348623158e308", Limits::max()}}) {
+  for (const auto& text : words("-0 0.30000000000000000000001 -0.20000000000000000000e1 1.5e0000000000000000000001 "
+                                "0e99999999999999999999 -1e-99999999999999999999 2.4703282292062328e-324 "
+                                "1.7976931348623158e308")) {
     const auto read = parseJsonNumber(text);
     ASSERT_TRUE(read) << text;
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(*read), std::bit_cast<std::uint64_t>(number)) << text;
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(*read), std::bit_cast<std::uint64_t>(std::strtod(text.c_str(), nullptr)));
   }
-  for (const auto* text : {"",
-                           "-",
-                           "+1",
-                           "01",
-                           "-01",
-                           "00",
-                           ".5",
-                           "-.5",
-                           "5.",
-                           "5.e1",
-                           "1e",
-                           "1e+",
-                           "1e1.5",
-                           "0x10",
-                           "inf",
-                           "nan",
-                           "-nan",
-                           "1 ",
-                           " 1",
-                           "1,5",
-                           "1.5.5",
-                           "1e1000",
-                           "-1.7976931348623159e308"})
-    EXPECT_EQ(parseJsonNumber(text), std::nullopt) << '"' << text << '"';
+  for (const auto* text : {"", "1 ", " 1"}) EXPECT_EQ(parseJsonNumber(text), std::nullopt) << '"' << text << '"';
+  for (const auto& text : words("- +1 01 -01 00 .5 -.5 5. 5.e1 1e 1e+ 1e1.5 0x10 inf nan -nan 1,5 1.5.5 1e1000 "
+                                "-1.7976931348623159e308"))
+    EXPECT_EQ(parseJsonNumber(text), std::nullopt) << text;
 }
 
 TEST(ParseJsonNumber, KeepsEveryDigitOfWholeNumbers) {
