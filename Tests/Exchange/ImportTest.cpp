@@ -157,6 +157,12 @@ TEST(Import, JoinsTheLinesOfADrawing) {
                           "1 POLYLINE left out: on the sheet of paper, not in space.",
                           "1 polylines with arcs: the arcs became straight.", "1 lines without length left out.",
                           "1 lines left out that join two nodes again."));
+  // In a drawing of 10,000 units, ends meet that are less than a hundredth apart.
+  Project large;
+  const auto lines = folder.put("large.dxf", dxf("0 LINE 10 0 20 0 11 10000 21 0 0 LINE 10 10000 20 0.005 11 9000 21 9 "
+                                                 "0 LINE 10 9000 20 9.02 11 0 21 9"));
+  ASSERT_TRUE(importFiles(large, {lines}, {}));
+  EXPECT_EQ(large.nodeCount(), 5);
   Project coarse;
   coarse.addNode({8, 0, 3});
   ASSERT_TRUE(importFiles(coarse, {file}, {.tolerance = 4.5}));
