@@ -39,24 +39,18 @@ TEST(Manifest, EveryEntryMustDecode) {
 }
 
 TEST(Manifest, VersionsCompareByNumbers) {
-  for (const auto& [candidate, current] : std::vector<std::pair<const char*, const char*>>{{"1.10", "1.2"},
-                                                                                           {"2.0-beta", "1.9"},
-                                                                                           {"1.2.0.1", "1.2"},
-                                                                                           {"1", ""},
-                                                                                           {"..2..", "1.9"},
-                                                                                           {"0", "-1"},
-                                                                                           {"+3", "2"}}) {
-    EXPECT_TRUE(isNewerVersion(candidate, current)) << candidate << " " << current;
-    EXPECT_FALSE(isNewerVersion(current, candidate)) << candidate << " " << current;
+  const auto pairs = [](const char* text) {
+    QList<QStringList> all;
+    for (const QString& pair : QString(text).split('|')) all.append(pair.split('>'));
+    return all;
+  };
+  for (const QStringList& pair : pairs("1.10>1.2|2.0-beta>1.9|1.2.0.1>1.2|1>|..2..>1.9|0>-1|+3>2")) {
+    EXPECT_TRUE(isNewerVersion(pair[0], pair[1])) << pair.join(' ').toStdString();
+    EXPECT_FALSE(isNewerVersion(pair[1], pair[0])) << pair.join(' ').toStdString();
   }
-  for (const auto& [one, other] : std::vector<std::pair<const char*, const char*>>{{"1.2.0", "1.2"},
-                                                                                   {"1.2.beta", "1.2"},
-                                                                                   {"1.2b", "1"},
-                                                                                   {"", "0.0"},
-                                                                                   {"99999999999999999999.1", "1"},
-                                                                                   {" 2.1", "1"}}) {
-    EXPECT_FALSE(isNewerVersion(one, other)) << one << " " << other;
-    EXPECT_FALSE(isNewerVersion(other, one)) << one << " " << other;
+  for (const QStringList& pair : pairs("1.2.0>1.2|1.2.beta>1.2|1.2b>1|>0.0|99999999999999999999.1>1| 2.1>1")) {
+    EXPECT_FALSE(isNewerVersion(pair[0], pair[1])) << pair.join(' ').toStdString();
+    EXPECT_FALSE(isNewerVersion(pair[1], pair[0])) << pair.join(' ').toStdString();
   }
 }
 

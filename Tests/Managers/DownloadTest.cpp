@@ -129,7 +129,7 @@ TEST_F(Download, IsLostWhenTheStateHasMovedOn) {
   EXPECT_EQ(description(), "Invalid server response");
 }
 
-TEST_F(Download, RefusesAFolderThatOthersMayEnter) {
+TEST_F(Download, RefusesAFolderThatOthersMayEnterAndTellsThatTheArchiveCannotBeStored) {
   server.answers["/a.zip"] = {"content"};
   std::filesystem::create_directory(files / folder());
   std::filesystem::permissions(files / folder(), std::filesystem::perms(0755));
@@ -138,11 +138,7 @@ TEST_F(Download, RefusesAFolderThatOthersMayEnter) {
   ASSERT_TRUE(becomes("error"));
   EXPECT_THAT(description(), testing::AllOf(testing::StartsWith("Download failed: "), testing::HasSubstr(folder())));
   EXPECT_TRUE(server.requests.empty());
-}
 
-TEST_F(Download, TellsThatTheArchiveCannotBeStored) {
-  server.answers["/a.zip"] = {"content"};
-  std::filesystem::create_directory(files / folder());
   std::filesystem::permissions(files / folder(), std::filesystem::perms::owner_all);
   files.put(folder() + "/brantelUpdate", "a file where the folder should be");
   start();

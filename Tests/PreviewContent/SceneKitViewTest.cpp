@@ -265,12 +265,13 @@ TEST(SceneKitViewDeathTest, WhatEndsTheProcessWhenDrawnIsKnownBefore) {
         drawn.project->addNode({0, 0, 0});
         drawn.project->addNode({1, 0, 0});
         const std::int64_t start = atStart ? node : 0, end = atStart ? 0 : node;
+        const Vector3 from, to{1, 0, 0};
+        auto& beams = drawn.project->beamElements.edit();
+        auto& bars = drawn.project->trussElements.edit();
         if (isBeam)
-          drawn.project->beamElements.edit().emplace_back(0, start, end, Vector3{}, Vector3{1, 0, 0}, 1, 1, 1, 1, 1,
-                                                          false);
+          beams.emplace_back(0, start, end, from, to, 1, 1, 1, 1, 1, false);
         else
-          drawn.project->trussElements.edit().emplace_back(0, start, end, Vector3{}, Vector3{1, 0, 0}, 1, 1, false,
-                                                           false);
+          bars.emplace_back(0, start, end, from, to, 1, 1, false, false);
         if (whyNotDrawable(*drawn.project))
           EXPECT_DEATH(drawn.update(), "Fatal error: ");
         else

