@@ -97,14 +97,13 @@ ProjectCase {
     function test_magnification() {
         const slider = button("magnification");
         slider.forceActiveFocus();
-        for (let i = 0; i < 200; ++i)
-            keyClick(Qt.Key_Right);
-        compare(content.displacementMagnification, 10);
-        compare(button("magnificationText").text, "10.0");
-        for (let i = 0; i < 200; ++i)
-            keyClick(Qt.Key_Left);
-        compare(content.displacementMagnification, 0);
-        compare(view.displacementMagnification, 0);
+        for (const [key, value] of [[Qt.Key_Right, 10], [Qt.Key_Left, 0]]) {
+            for (let i = 0; i < 200; ++i)
+                keyClick(key);
+            compare(content.displacementMagnification, value);
+            compare(button("magnificationText").text, value + ".0");
+            compare(view.displacementMagnification, value);
+        }
     }
 
     function test_strainSwitch() {

@@ -87,19 +87,14 @@ Item {
                 verify(item.width <= 340);
         }
 
-        function test_buttonsThatAbandon_data() {
-            return [
-                { tag: "Later", state: "updateAvailable" },
-                { tag: "Cancel", state: "downloaded" },
-                { tag: "OK", state: "error" }
-            ];
-        }
-
-        function test_buttonsThatAbandon(data) {
-            updates.show(data.state);
-            press(data.tag);
-            compare(dismissals, 1);
-            tryCompare(updates.manager.state, "name", "idle");
+        function test_buttonsThatAbandon() {
+            for (const [text, state] of [["Later", "updateAvailable"], ["Cancel", "downloaded"], ["OK", "error"]]) {
+                dismissals = 0;
+                updates.show(state);
+                press(text);
+                compare(dismissals, 1, text);
+                tryCompare(updates.manager.state, "name", "idle");
+            }
         }
 
         function test_buttonsThatGoOn() {
