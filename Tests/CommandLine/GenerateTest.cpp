@@ -34,19 +34,19 @@ TEST(Generated, StructuresHaveTheirShape) {
     double length;                           // of all bars
     Vector3 low, high;
   } cases[] = {
-      {"lattice -n 3 --spacing 0.5", 27, 126, 9, 9, 77.91168824543144, {0, 0, 0}, {1, 1, 1}},
-      {"bridge --span 20 --panels 4 --width 3 --height 2", 16, 43, 4, 6, 184.8836836525398, {0, 0, 0}, {20, 3, 2}},
+      {"lattice -n 3 --spacing 0.5", 27, 126, 9, 9, 77.9116882, {0, 0, 0}, {1, 1, 1}},
+      {"bridge --span 20 --panels 4 --width 3 --height 2", 16, 43, 4, 6, 184.8836837, {0, 0, 0}, {20, 3, 2}},
       {"tower --height 10 --sections 2 --base-width 4 --top-width 2",
        12,
        34,
        4,
        4,
-       161.35877106226465,
+       161.3587711,
        {-2, -2, 0},
        {2, 2, 10}},
-      {"dome --span 8 --rise 2 --rings 2 --segments 4", 9, 20, 4, 5, 69.5351853125475, {-4, -4, 0}, {4, 4, 2}},
-      {"cable-net --span 8 --cells 4 --sag 1", 25, 56, 16, 9, 127.34263328541996, {0, 0, -1}, {8, 8, 0}},
-      {"cable-net --span 8 --cells 4 --sag 1 --vault", 25, 56, 16, 9, 127.34263328541996, {0, 0, 0}, {8, 8, 1}},
+      {"dome --span 8 --rise 2 --rings 2 --segments 4", 9, 20, 4, 5, 69.5351853, {-4, -4, 0}, {4, 4, 2}},
+      {"cable-net --span 8 --cells 4 --sag 1", 25, 56, 16, 9, 127.3426333, {0, 0, -1}, {8, 8, 0}},
+      {"cable-net --span 8 --cells 4 --sag 1 --vault", 25, 56, 16, 9, 127.3426333, {0, 0, 0}, {8, 8, 1}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.arguments);
@@ -61,7 +61,7 @@ TEST(Generated, StructuresHaveTheirShape) {
       EXPECT_NEAR(bar.EAL3, 21 / (L * L * L), 1e-12);
       EXPECT_EQ(bar.isNonLinear, std::string(c.arguments).starts_with("cable"));
     }
-    EXPECT_NEAR(total, c.length, 1e-9);
+    EXPECT_NEAR(total, c.length, 1e-7);
     Vector3 low{9, 9, 9}, high{-9, -9, -9};
     std::int64_t held = 0, loaded = 0;
     for (std::int64_t node = 0; node < project->nodeCount(); ++node) {

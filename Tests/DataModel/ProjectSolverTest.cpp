@@ -81,29 +81,6 @@ TEST(ProjectSolver, AssemblesBarsBeforeBeams) {
   EXPECT_EQ(row.H_II.values.front(), 0x1p53 + 2);
 }
 
-TEST(ProjectSolver, TakesOverWhatASolveOfACopyLeaves) {
-  Row row(3);
-  addBar(row, 0, 1, stiffness, {.isNonLinear = true});
-  addBar(row, 1, 2, stiffness, {.isNonLinear = true});
-  addBeam(row, 2, 1, stiffness, false);
-  row.setLoadAndRestraint(2, {20, 3, 0}, false, false, true);
-  for (const std::size_t rotation : {9, 10, 11}) row.D_I.edit()[rotation] = true;
-  const auto solved = row.copy();
-  const auto outcome = solved->trySolve();
-  const std::string lines = linesOf(*row.copy());
-  row.takeSolution(std::move(*solved));
-  const auto expected = row.copy();
-  EXPECT_EQ(linesOf(*expected), lines);
-  EXPECT_EQ(std::ranges::count(lines, '\n'), 1 + std::ssize(outcome.norms));
-  EXPECT_EQ(*row.trussElements, *expected->trussElements);
-  EXPECT_EQ(*row.beamElements, *expected->beamElements);
-  EXPECT_NE(row.beamElements->front().dθz, 0);
-  EXPECT_EQ(*row.U_I, *expected->U_I);
-  EXPECT_EQ(row.dU_I, expected->dU_I);
-  EXPECT_EQ(row.R_I, expected->R_I);
-  EXPECT_EQ(row.H_II.values, expected->H_II.values);
-}
-
 /// Of the displacements, too: at their reset the old ones are there, and at a step's end the increment is known.
 TEST(ProjectSolver, AnnouncesDisplacementsBeforeTheyChange) {
   Row bar(2);
@@ -225,6 +202,10 @@ TEST(ProjectSolver, LossOfStiffnessInTheSecondStepNamesTheNode) {
 
 /// Rounding leaves a free bar a tiny stiffness where there is none, so that the factorization comes to an end.
 TEST(ProjectSolver, WarnsOnceOfAMechanismThatRoundingHides) {
+  const auto weakness = Mechanism(stiffness).trySolve().weakness;
+  ASSERT_TRUE(weakness);
+  EXPECT_EQ(weakness->step, 1);
+  EXPECT_TRUE(weakness->lasts);
   Mechanism mechanism(stiffness);
   testing::internal::CaptureStderr();
   static_cast<void>(linesOf(mechanism));
@@ -237,20 +218,6 @@ TEST(ProjectSolver, WarnsOnceOfAMechanismThatRoundingHides) {
   EXPECT_EQ(std::ranges::count(linesOf(mechanism), '\n'), 51);
   const std::string warnings = testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::ranges::count(warnings, '\n'), 1) << warnings;
-}
-
-TEST(ProjectSolver, TellsInWhichStepTheStructureWasWeak) {
-  Mechanism mechanism(stiffness);
-  auto weakness = mechanism.trySolve().weakness;
-  ASSERT_TRUE(weakness);
-  EXPECT_EQ(weakness->step, 1);
-  EXPECT_TRUE(weakness->lasts);
-  Row sound(2);
-  addBar(sound, 0, 1, stiffness);
-  sound.pull(1, 1);
-  const auto outcome = sound.trySolve();
-  EXPECT_FALSE(outcome.weakness);
-  EXPECT_TRUE(outcome.converged && !outcome.isInVain());
 }
 
 }  // namespace

@@ -75,47 +75,32 @@ class Spellings {
   std::mt19937_64 random_{5};
 };
 
-struct Numbers {
-  std::vector<std::string> spellings;
-  std::vector<double> nearest;
-};
-
-/// What strtod, which rounds correctly, makes of the spellings that a double can hold; those too large go to
-/// `tooLarge`.
-Numbers numbers(int count, std::vector<std::string>& tooLarge) {
-  Numbers numbers;
-  Spellings spellings;
-  while (std::ssize(numbers.spellings) < count) {
-    const std::string spelling = spellings.next();
-    const double nearest = std::strtod(spelling.c_str(), nullptr);
-    if (std::isinf(nearest)) {
-      tooLarge.push_back(spelling);
-    } else {
-      numbers.spellings.push_back(spelling);
-      numbers.nearest.push_back(nearest);
-    }
-  }
-  return numbers;
-}
-
 std::string projectText(const std::string& coordinates) {
   return R"({"name": "", "trussElements": [], "F_I": [], "D_I": [], "X_I": [)" + coordinates + "]}";
 }
 
-template <class Coordinate>
-void expectNearest(const Numbers& numbers, const Coordinate& coordinate) {
-  for (std::size_t i = 0; i < numbers.nearest.size(); ++i)
-    ASSERT_EQ(std::bit_cast<std::uint64_t>(coordinate(i)), std::bit_cast<std::uint64_t>(numbers.nearest[i]))
-        << numbers.spellings[i];
-}
-
 class EveryReader : public testing::Test {
  protected:
-  static constexpr int count = 20000;
-  std::vector<std::string> tooLarge;
-  const Numbers all = numbers(count, tooLarge);
+  std::vector<std::string> spellings;
+  std::vector<std::string> tooLarge;  ///< for a double
   const TemporaryFolder folder;
   Project project;
+
+  EveryReader() {
+    for (Spellings all; spellings.size() < 20000;) {
+      const std::string spelling = all.next();
+      (std::isinf(std::strtod(spelling.c_str(), nullptr)) ? tooLarge : spellings).push_back(spelling);
+    }
+  }
+
+  /// Compares with what strtod, which rounds correctly, makes of the spellings.
+  template <class Coordinate>
+  void expectNearest(const Coordinate& coordinate) const {
+    for (std::size_t i = 0; i < spellings.size(); ++i) {
+      const double nearest = std::strtod(spellings[i].c_str(), nullptr);
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(coordinate(i)), std::bit_cast<std::uint64_t>(nearest)) << spellings[i];
+    }
+  }
 
   bool imports(const char* name, const std::string& text) {
     return static_cast<bool>(importFiles(project, {folder.put(name, text)}, {.tolerance = 0.1}));
@@ -126,18 +111,18 @@ class EveryReader : public testing::Test {
 
 TEST_F(EveryReader, RoundsNumbersOfProjectFiles) {
   std::string list;
-  for (const std::string& spelling : all.spellings) list += (list.empty() ? "" : ", ") + spelling;
+  for (const std::string& spelling : spellings) list += (list.empty() ? "" : ", ") + spelling;
   const auto read = decodeProject(projectText(list));
   ASSERT_TRUE(read) << read.failure().reason;
-  expectNearest(all, [&](std::size_t i) { return (*(*read)->X_I)[i]; });
+  expectNearest([&](std::size_t i) { return (*(*read)->X_I)[i]; });
   for (const std::string& spelling : tooLarge) EXPECT_FALSE(decodeProject(projectText(spelling))) << spelling;
 }
 
 TEST_F(EveryReader, RoundsNumbersOfTables) {
   std::string table = "x\ty\n";
-  for (const std::string& spelling : all.spellings) table += spelling + "\t0\n";
+  for (const std::string& spelling : spellings) table += spelling + "\t0\n";
   ASSERT_TRUE(imports("points.csv", table));
-  expectNearest(all, [this](std::size_t i) { return (*project.X_I)[3 * i]; });
+  expectNearest([this](std::size_t i) { return (*project.X_I)[3 * i]; });
   for (const std::string& spelling : tooLarge) EXPECT_FALSE(imports("a.csv", "x,y\n0," + spelling)) << spelling;
 }
 
@@ -148,8 +133,8 @@ TEST_F(EveryReader, RoundsNumbersOfDrawings) {
   };
   const std::string end = "0\nENDSEC\n0\nEOF\n";
   std::string text = drawing;
-  for (std::size_t i = 0; i < all.spellings.size(); ++i) text += line(all.spellings[i], std::to_string(i));
+  for (std::size_t i = 0; i < spellings.size(); ++i) text += line(spellings[i], std::to_string(i));
   ASSERT_TRUE(imports("lines.dxf", text + end));
-  expectNearest(all, [this](std::size_t i) { return (*project.X_I)[6 * i]; });
+  expectNearest([this](std::size_t i) { return (*project.X_I)[6 * i]; });
   for (const std::string& spelling : tooLarge) EXPECT_FALSE(imports("a.dxf", drawing + line(spelling, "0") + end));
 }
