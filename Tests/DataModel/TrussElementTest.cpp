@@ -26,20 +26,6 @@ struct MovedBar {
   }
 };
 
-TEST(TrussElement, AssemblesTheClassicalBar) {
-  const MovedBar linear(0.25, false, false);
-  EXPECT_EQ(linear.bar.currentStrain, 0.5);
-  EXPECT_EQ(linear.bar.dUx, 0.25);
-  EXPECT_EQ(linear.bar.strain(), -0.125);
-  EXPECT_EQ(linear.bar.axialForce(), 4);  // EA/L · d
-  EXPECT_EQ(linear.assembled.R_I, (std::vector<double>{-4, 0, 0, 0, 0, 0, 4, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(linear.assembled.H(0, 0), 16);
-
-  const MovedBar nonLinear(0.5, false, true);
-  EXPECT_EQ(nonLinear.bar.currentStrain, 2 * 0.5 + 0.125);
-  EXPECT_EQ(nonLinear.bar.axialForce(), 4.5 * 2.5);  // N on the current chord
-}
-
 TEST(TrussElement, CompressionOnlyBarDropsOutInTension) {
   for (const bool isNonLinear : {false, true}) {
     const MovedBar stretched(0.25, true, isNonLinear);

@@ -9,13 +9,13 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-std::vector<std::pair<std::int64_t, std::int64_t>> endsOf(const Project& project) {
-  std::vector<std::pair<std::int64_t, std::int64_t>> ends;
+using Ends = std::vector<std::pair<std::int64_t, std::int64_t>>;
+
+Ends endsOf(const Project& project) {
+  Ends ends;
   for (const TrussElement& bar : *project.trussElements) ends.emplace_back(bar.startNodeId, bar.endNodeId);
   return ends;
 }
-
-using Ends = std::vector<std::pair<std::int64_t, std::int64_t>>;
 
 /// A drawing with these entities; a space separates each line from the next.
 std::string dxf(std::string entities) {
@@ -54,7 +54,7 @@ TEST(Import, AddsTablesToWhatIsThere) {
 
   const auto more = folder.put("more.csv", "start\tend\n0\t3\n");
   ASSERT_TRUE(importFiles(project, {more}, {}));
-  EXPECT_EQ(endsOf(project).back(), (std::pair<std::int64_t, std::int64_t>{0, 3}));
+  EXPECT_EQ(endsOf(project).back(), (Ends::value_type{0, 3}));
 }
 
 TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
