@@ -99,7 +99,8 @@ TEST(StructureCheck, TellsOfLoosePartsOneByOne) {
                                           "and 4, in 3 independent ways"));
   EXPECT_THAT(findings[0].nodes, ElementsAre(3, 4, 7, 8));
   for (const int node : {3, 4}) project.setLoadAndRestraint(node, {}, true, true, true);
-  EXPECT_THAT(StructureCheck::of(project).findings.at(0).text, HasSubstr("the part with nodes 7 and 8 is free to move"));
+  EXPECT_THAT(StructureCheck::of(project).findings.at(0).text,
+              HasSubstr("the part with nodes 7 and 8 is free to move"));
 }
 
 /// A square with a diagonal that takes no tension, pulled so that it gets longer: it stands until the second step.
