@@ -50,34 +50,16 @@ class Monkey {
         "ctrl+1", "ctrl+4", "ctrl+u", "f",      "plus",   "minus",  "ctrl+shift+t", "ctrl+shift+n", "alt+f",  "alt+s",
         "alt+v",  "alt+g",  "Delete", "ctrl+a", "Home",   "Next",   "ctrl+shift+s", "shift+Tab",    "F10",    "ctrl+q"};
     static constexpr std::array texts{"1", "minus 2 period 5", "1 e 3", "n a n", "0", "x", "1 e 4 0 0", "period", "7"};
-    switch (below(20)) {
-      case 0:
-      case 1:
-      case 2:
-      case 3:
-        return "key " + oneOf(keys);
-      case 4:
-        return "key ctrl+a " + oneOf(texts);
-      case 5:
-        return place(8, 70, 1180, 600) + " mousedown 1 " + place(8, 70, 1180, 600) + " mouseup 1";
-      case 6:
-        return place(8, 70, 1180, 600) + " click " + oneOf<4>({"3", "4", "5", "2"});
-      case 7:
-      case 8:
-      case 9:
-      case 10:
-        return place(100, 740, 1000, 30) + " click 1";  // the command row
-      case 11:
-      case 12:
-      case 13:
-        return place(400, 250, 420, 330) + " click 1";  // a sheet
-      case 14:
-        return place(0, 0, 260, 26) + " click 1 " + place(0, 30, 300, 350) + " click 1";  // a menu
-      case 15:
-        return place(0, 480, 1200, 250) + " click 1";  // the dock
-      default:
-        return place(0, 0, 1200, 800) + " click 1";
-    }
+    const int kind = below(20);
+    if (kind < 4) return "key " + oneOf(keys);
+    if (kind < 5) return "key ctrl+a " + oneOf(texts);
+    if (kind < 6) return place(8, 70, 1180, 600) + " mousedown 1 " + place(8, 70, 1180, 600) + " mouseup 1";
+    if (kind < 7) return place(8, 70, 1180, 600) + " click " + oneOf<4>({"3", "4", "5", "2"});
+    if (kind < 11) return place(100, 740, 1000, 30) + " click 1";                                    // the command row
+    if (kind < 14) return place(400, 250, 420, 330) + " click 1";                                    // a sheet
+    if (kind < 15) return place(0, 0, 260, 26) + " click 1 " + place(0, 30, 300, 350) + " click 1";  // a menu
+    if (kind < 16) return place(0, 480, 1200, 250) + " click 1";                                     // the dock
+    return place(0, 0, 1200, 800) + " click 1";
   }
 
   std::mt19937 random_;
