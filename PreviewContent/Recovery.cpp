@@ -18,7 +18,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr qint64 pausesForACopy = 5;  // so that copying takes a sixth of the main thread's time at most
-constexpr qint64 longestPause = 250;  // milliseconds
+// Milliseconds between copies. Without the former, quick changes would keep the disk flushing without a rest.
+constexpr qint64 shortestPause = 50;
+constexpr qint64 longestPause = 250;
 // A process that was killed may take a moment to go.
 constexpr int retries = 5;
 constexpr int retryDelay = 1000;  // milliseconds
@@ -72,9 +74,9 @@ void Recovery::edited() {
   pending_ = true;
   if (soon_.isActive()) return;
   // At once, before it is drawn, which takes its time; but one change after the other does not copy without a pause.
-  const qint64 pause = copyTime_ * pausesForACopy;
+  const qint64 pause = std::clamp(copyTime_ * pausesForACopy, shortestPause, longestPause);
   const qint64 rest = sinceCopy_.isValid() ? pause - sinceCopy_.elapsed() : 0;
-  soon_.start(static_cast<int>(std::clamp<qint64>(rest, 0, longestPause)));
+  soon_.start(static_cast<int>(std::max<qint64>(rest, 0)));
 }
 
 void Recovery::write() {
