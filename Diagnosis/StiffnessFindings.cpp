@@ -72,28 +72,26 @@ bool isMendedByRighting(const Project& project, int step, Predicate&& concerns) 
 std::optional<Finding> blameElements(const Project& project, const std::vector<bool>& marked, const std::string& where,
                                      const std::string& ending, const Positions& nodes,
                                      Finding::Consequence consequence) {
-  const char* title = "Stiffness that is not positive";
+  const auto blame = [&](Positions trusses, Positions beams, const std::string& why, const char* advice) {
+    return Finding{consequence,
+                   "Stiffness that is not positive",
+                   where + ", since " + why + ending + advice,
+                   nodes,
+                   std::move(trusses),
+                   std::move(beams)};
+  };
+  const auto are = [](const char* kind, const Positions& found, const char* one, const char* many) {
+    return listed(kind, found) + (found.size() == 1 ? one : many);
+  };
   if (const auto trusses = elementsAt(marked, *project.trussElements, isNegative); !trusses.empty())
-    return Finding{consequence, title,
-                   where + ", since " + listed("bar", trusses) + (trusses.size() == 1 ? " has" : " have") +
-                       " a negative stiffness" + ending + "correct the area or the modulus.",
-                   nodes, trusses};
+    return blame(trusses, {}, are("bar", trusses, " has", " have") + " a negative stiffness",
+                 "correct the area or the modulus.");
   if (const auto beams = elementsAt(marked, *project.beamElements, isNegativeBeam); !beams.empty())
-    return Finding{consequence,
-                   title,
-                   where + ", since " + listed("beam", beams) + (beams.size() == 1 ? " has" : " have") +
-                       " a negative stiffness" + ending + "correct the section or the moduli.",
-                   nodes,
-                   {},
-                   beams};
+    return blame({}, beams, are("beam", beams, " has", " have") + " a negative stiffness",
+                 "correct the section or the moduli.");
   if (const auto beams = elementsAt(marked, *project.beamElements, isTurned); !beams.empty())
-    return Finding{consequence,
-                   title,
-                   where + ", since " + listed("beam", beams) + (beams.size() == 1 ? " is" : " are") +
-                       " the wrong way round" + ending + "let the start be at the larger x and have the lower number.",
-                   nodes,
-                   {},
-                   beams};
+    return blame({}, beams, are("beam", beams, " is", " are") + " the wrong way round",
+                 "let the start be at the larger x and have the lower number.");
   return std::nullopt;
 }
 

@@ -361,7 +361,6 @@ Item {
         id: panels
 
         projectViewModel: root.projectViewModel
-        exchange: exchange
         onSaveChosen: file => root.saveTo(file)
         onCancelled: root.waitingAction = null
         onOpenChosen: file => root.projectViewModel.openProject(file)

@@ -1,7 +1,6 @@
 #include "PreviewContent/FileExchange.h"
 
 #include <QBuffer>
-#include <QFileInfo>
 #include <string>
 
 #include "Exchange/Export.h"
@@ -22,17 +21,9 @@ QString report(const std::optional<Failure>& failure, const std::filesystem::pat
 
 }  // namespace
 
-bool FileExchange::exists(const QUrl& file) {
-  return QFileInfo::exists(file.toLocalFile());
-}
-
-QString FileExchange::nameOf(const QUrl& file) {
-  return QFileInfo(file.toLocalFile()).fileName();
-}
-
 QString FileExchange::importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear) {
   std::vector<std::filesystem::path> paths;
-  for (const QUrl& file : files) paths.push_back(*pathOf(file));
+  for (const QUrl& file : files) paths.push_back(pathOf(file).value_or(file.toString().toStdString()));
   const auto outcome =
       viewModel_->importFiles(paths, {.area = area, .youngModulus = youngModulus, .isNonLinear = isNonLinear});
   if (!outcome) return tr("Nothing was imported.\n\n%1").arg(QString::fromStdString(outcome.failure().reason));

@@ -19,10 +19,6 @@ class FileExchange : public QObject {
  public:
   using QObject::QObject;
 
-  [[nodiscard]] Q_INVOKABLE static bool exists(const QUrl& file);
-  /// The last part of the file's path.
-  [[nodiscard]] Q_INVOKABLE static QString nameOf(const QUrl& file);
-
   /// Members of which a file tells neither get this cross-section and Young's modulus.
   Q_INVOKABLE QString importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear);
 

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMetaEnum>
 #include <QPalette>
 #include <QQuickItem>
@@ -44,6 +45,10 @@ QFileDialog::FileMode modeFor(FilePanel::Purpose purpose) {
 
 FilePanel::~FilePanel() {
   delete dialog_;
+}
+
+bool FilePanel::exists(const QUrl& file) {
+  return QFileInfo::exists(file.toLocalFile());
 }
 
 void FilePanel::open(const QUrl& folder, const QString& name) {

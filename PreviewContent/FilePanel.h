@@ -39,6 +39,10 @@ class FilePanel : public QObject {
   /// Shows the files of `folder`, with `name` proposed for a file to be written. Does nothing while it is open.
   Q_INVOKABLE void open(const QUrl& folder, const QString& name = {});
 
+  [[nodiscard]] Q_INVOKABLE static bool exists(const QUrl& file);
+  /// The last part of the file's path.
+  [[nodiscard]] Q_INVOKABLE static QString nameOf(const QUrl& file) { return file.fileName(); }
+
  signals:
   void accepted(const QList<QUrl>& files);  ///< at least one; of Save exactly one, with its suffix
   void rejected();

@@ -6,7 +6,6 @@ Item {
     id: root
 
     required property ProjectViewModel projectViewModel
-    required property FileExchange exchange
     /// A file that was chosen for writing and is there already: the file, what writes it, and the panel it was chosen in.
     property var replacing: null
     readonly property bool savingFile: savePanel.visible || replacing !== null
@@ -39,7 +38,7 @@ Item {
 
     /// Gives the file that was chosen in the panel to the function, after a question if there is one of its name.
     function writeTo(file, write, panel) {
-        if (exchange.exists(file))
+        if (savePanel.exists(file))
             replacing = { file: file, write: write, panel: panel };
         else
             write(file);
@@ -53,7 +52,7 @@ Item {
         }
 
         QuestionView {
-            question: qsTr("Replace “%1”?").arg(root.exchange.nameOf(root.replacing.file))
+            question: qsTr("Replace “%1”?").arg(savePanel.nameOf(root.replacing.file))
             explanation: qsTr("There is a file of this name already. What it holds is lost if it is replaced.")
             losing: qsTr("Replace")
             nothing: qsTr("Cancel")
@@ -64,7 +63,7 @@ Item {
                 root.replacing = null;
             }
             onChosen: {
-                root.replacing.panel.open(root.projectViewModel.currentFolder, root.exchange.nameOf(root.replacing.file));
+                root.replacing.panel.open(root.projectViewModel.currentFolder, savePanel.nameOf(root.replacing.file));
                 root.replacing = null;
             }
         }

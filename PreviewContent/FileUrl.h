@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <optional>
 
-/// The file that an address of the user interface names; none for an empty one.
+/// The file that an address of the user interface names; none for an empty one and for one that is elsewhere.
 [[nodiscard]] inline std::optional<std::filesystem::path> pathOf(const QUrl& url) {
-  if (url.isEmpty()) return std::nullopt;
-  return std::filesystem::path(url.toLocalFile().toStdString());
+  const QString file = url.toLocalFile();
+  return file.isEmpty() ? std::nullopt : std::optional<std::filesystem::path>(file.toStdString());
 }

@@ -27,7 +27,7 @@ Item {
         chosen();
     }
 
-    // QT_LOGGING_RULES=gavrel.questions.debug=true tells on standard error what was answered.
+    // QT_LOGGING_RULES=gavrel.questions.debug=true tells on standard error of each answer that loses something.
     LoggingCategory {
         id: log
 

@@ -185,7 +185,11 @@ TEST(ProjectViewModel, SavesAndLoads) {
             "Project saved successfully to a b.json\n");
   EXPECT_EQ(printed([&] { EXPECT_TRUE(model.saveProject(QUrl())); }), "Project saved successfully to a b.json\n");
 
-  EXPECT_EQ(printed([&] { EXPECT_FALSE(model.loadProject(QUrl())); }), "No load file specified. Use 'Open...'\n");
+  for (const char* nowhere : {"", "https://example.invalid/a.json"}) {
+    EXPECT_EQ(printed([&] { EXPECT_FALSE(model.loadProject(QUrl(nowhere))); }),
+              "No load file specified. Use 'Open...'\n");
+    EXPECT_EQ(*model.numberOfNodes, 2);
+  }
   const auto former = *model.project;
   EXPECT_EQ(printed([&] {
               EXPECT_TRUE(model.loadProject(QUrl::fromLocalFile(QString::fromStdString(folder / "a b.json"))));
