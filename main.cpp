@@ -9,6 +9,7 @@
 
 #include "GavrelApp.h"
 #include "Options.h"
+#include "Platform/Signals.h"
 #include "Screenshot.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
@@ -38,6 +39,7 @@ class Application : public QApplication {
 }  // namespace
 
 int main(int argc, char** argv) {
+  keepFilesWholeOnSignals();
   // Before the application object, which needs a display: help and usage errors do without.
   const std::string version = mainBundle().text("CFBundleShortVersionString").value_or("");
   auto asked = readOptions(argc, argv, version);

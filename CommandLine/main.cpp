@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "CommandLine/Commands.h"
+#include "Platform/Signals.h"
 
 namespace {
 
@@ -35,6 +36,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  keepFilesWholeOnSignals();
   try {
     return run(argc, argv);
   } catch (const std::bad_alloc&) {

@@ -1,16 +1,18 @@
 #include "Platform/AtomicFile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <string>
-#include <system_error>
 
+#include "Platform/Destination.h"
 #include "Platform/FileBytes.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/Signals.h"
+#include "Platform/TemporaryFile.h"
 
 namespace {
 
@@ -19,7 +21,6 @@ using std::filesystem::path;
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t ownerOnly = 0600;  // until the permissions of the old file are taken over
 constexpr mode_t anybody = 0666;    // less what the user's file creation mask takes away
-constexpr int longestLinkChain = 40;
 
 using Producer = std::function<void(const ByteSink&)>;
 
@@ -30,33 +31,14 @@ int writeAll(int descriptor, std::string_view bytes) {
     const ssize_t written = ::write(descriptor, bytes.data(), std::min(bytes.size(), largestWrite));
     if (written >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno == EAGAIN) {  // a stream that its other users want so
+      pollfd ready{descriptor, POLLOUT, 0};
+      ::poll(&ready, 1, -1);
     } else if (errno != EINTR) {
       return errno;
     }
   }
   return 0;
-}
-
-/// The file at the end of a chain of symbolic links; the links' own target even where nothing stands there yet.
-path followLinks(path file) {
-  std::error_code error;
-  for (int hop = 0; hop < longestLinkChain && std::filesystem::is_symlink(file, error); ++hop) {
-    const path target = std::filesystem::read_symlink(file, error);
-    if (error) break;
-    file = file.parent_path() / target;  // an absolute target replaces the folder
-  }
-  return file;
-}
-
-/// Creates an empty file of a name that nothing in the folder has, and stores its path in `created`.
-FileDescriptor createIn(const path& folder, mode_t permissions, path& created) {
-  constexpr int attempts = 1000;  // names are taken only where an earlier process of the same number died in a save
-  int descriptor = -1;
-  for (int i = 0; i < attempts && descriptor < 0 && (i == 0 || errno == EEXIST); ++i) {
-    created = folder / (".gavrel-" + std::to_string(::getpid()) + "-" + std::to_string(i));
-    descriptor = ::open(created.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
-  }
-  return FileDescriptor(descriptor);
 }
 
 /// 0, or the errno value of the first write that failed.
@@ -98,14 +80,15 @@ std::optional<Failure> overwrite(const path& file, std::string_view bytes) {
 std::optional<Failure> overwrite(const path& file, const Producer& produce) {
   std::string whole;
   produce([&whole](std::string_view piece) { whole += piece; });
+  const Uninterrupted writing;
   return overwrite(file, std::string_view(whole));
 }
 
-std::optional<Failure> writeDirectly(const path& file, const Producer& produce) {
-  FileDescriptor target(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!target.isOpen()) return systemFailure("cannot open", file, errno);
-  if (const int code = writeAll(target.get(), produce); code != 0) return systemFailure("cannot write", file, code);
-  if (!target.close()) return systemFailure("cannot write", file, errno);
+std::optional<Failure> writeToStream(const path& file, const Producer& produce) {
+  FileDescriptor stream = openStream(file);
+  if (!stream.isOpen()) return systemFailure("cannot open", file, errno);
+  if (const int code = writeAll(stream.get(), produce); code != 0) return systemFailure("cannot write", file, code);
+  if (!stream.close()) return systemFailure("cannot write", file, errno);
   return std::nullopt;
 }
 
@@ -119,29 +102,47 @@ bool takeOver(int descriptor, const struct stat& old) {
 }
 
 /// Fills the open temporary file; 0, or the errno value of what failed.
-int fill(FileDescriptor& file, const Producer& produce, const struct stat* old) {
-  if (const int code = writeAll(file.get(), produce); code != 0) return code;
-  if (old != nullptr && !takeOver(file.get(), *old)) return errno;
-  if (::fsync(file.get()) != 0) return errno;
-  return file.close() ? 0 : errno;
+int fill(int file, const Producer& produce, const struct stat* old) {
+  if (const int code = writeAll(file, produce); code != 0) return code;
+  if (old != nullptr && !takeOver(file, *old)) return errno;
+  return ::fsync(file) == 0 ? 0 : errno;
 }
 
-path folderOf(const path& file) {
-  return file.has_parent_path() ? file.parent_path() : path(".");
-}
-
-bool isOther(const struct stat& status) {
-  return !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+/// Writes a file beside `target` and moves it there. `old`: what stands there; null if nothing does.
+std::optional<Failure> replace(const path& requested, const path& target, const struct stat* old,
+                               const Producer& produce) {
+  using Kind = TemporaryFile::Kind;
+  int code = 0;
+  const char* attempt = "cannot create a file beside";
+  for (const Kind kind : {Kind::unnamed, Kind::named}) {
+    TemporaryFile beside(folderOf(target), old != nullptr ? ownerOnly : anybody, kind);
+    if (!beside.file.isOpen()) {
+      code = errno;
+      continue;
+    }
+    if ((code = fill(beside.file.get(), produce, old)) != 0) return systemFailure("cannot write", requested, code);
+    if ((code = beside.moveTo(target, old != nullptr)) == 0) return std::nullopt;
+    attempt = "cannot write";
+    if (beside.hasName()) break;  // otherwise it could not be given one
+  }
+  if (old != nullptr && leavesTheFileWritable(code)) return overwrite(requested, produce);
+  return systemFailure(attempt, requested, code);
 }
 
 }  // namespace
 
 std::optional<Failure> whyNotReplaceable(const path& requested) {
+  const auto refuse = [&](int code) { return systemFailure("cannot write", requested, code); };
+  if (const auto own = ownDescriptor(requested)) {
+    const int flags = ::fcntl(*own, F_GETFL);
+    if (flags < 0 || (flags & O_ACCMODE) == O_RDONLY) return refuse(EBADF);
+    return std::nullopt;
+  }
   struct stat old {};
   const bool exists = ::stat(requested.c_str(), &old) == 0;
-  if (!exists && errno != ENOENT) return systemFailure("cannot write", requested, errno);
-  if (exists && S_ISDIR(old.st_mode)) return systemFailure("cannot write", requested, EISDIR);
-  if (exists && ::access(requested.c_str(), W_OK) != 0) return systemFailure("cannot write", requested, errno);
+  if (!exists && (errno != ENOENT || isDescriptor(followLinks(requested)))) return refuse(errno);
+  if (exists && S_ISDIR(old.st_mode)) return refuse(EISDIR);
+  if (exists && ::access(requested.c_str(), W_OK) != 0) return refuse(errno);
   if (!exists && ::access(folderOf(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
     return systemFailure("cannot create a file beside", requested, errno);
   return std::nullopt;
@@ -153,31 +154,12 @@ std::optional<Failure> replaceFile(const path& requested, std::string_view bytes
 
 std::optional<Failure> replaceFile(const path& requested, const Producer& produce) {
   if (auto refused = whyNotReplaceable(requested)) return refused;
+  if (isStream(requested)) return writeToStream(requested, produce);
   struct stat old {};
   const bool exists = ::stat(requested.c_str(), &old) == 0;
-  if (exists && isOther(old)) return writeDirectly(requested, produce);
-
   const path target = followLinks(requested);
-  const path folder = folderOf(target);
-  path beside;
-  FileDescriptor file = createIn(folder, exists ? ownerOnly : anybody, beside);
-  if (!file.isOpen() && exists && leavesTheFileWritable(errno)) return overwrite(requested, produce);
-  if (!file.isOpen()) return systemFailure("cannot create a file beside", requested, errno);
-
-  int code = fill(file, produce, exists ? &old : nullptr);
-  if (code == 0 && ::rename(beside.c_str(), target.c_str()) != 0) {
-    code = errno;
-    if (exists && leavesTheFileWritable(code)) {
-      const auto whole = readFile(beside);
-      ::unlink(beside.c_str());
-      return whole ? overwrite(requested, std::string_view(*whole)) : whole.failure();
-    }
-  }
-  if (code != 0) {
-    ::unlink(beside.c_str());
-    return systemFailure("cannot write", requested, code);
-  }
-  const FileDescriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (directory.isOpen()) ::fsync(directory.get());  // the rename itself; some file systems cannot, the file is whole
+  if (auto failure = replace(requested, target, exists ? &old : nullptr, produce)) return failure;
+  const FileDescriptor directory(::open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (directory.isOpen()) ::fsync(directory.get());  // the new name itself; some file systems cannot, the file is whole
   return std::nullopt;
 }

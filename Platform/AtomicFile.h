@@ -8,13 +8,13 @@
 #include "Platform/Result.h"
 
 /// Replaces the content of the file at `requested` by `bytes` in one step: a reader, a crash or a full disk sees the
-/// old file or the new one, never a part. The bytes are written beside the file, flushed to the disk and renamed over
-/// it, and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user may,
-/// the owner are kept; a new file gets the user's default permissions. Pipes and devices are written directly.
+/// old file or the new one, never a part. The bytes are written to a TemporaryFile, flushed to the disk and moved to
+/// its place, and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user
+/// may, the owner are kept; a new file gets the user's default permissions. Streams, see isStream, are written to.
 ///
 /// Where nothing can be put in the file's place (its folder may not be changed, or it is somebody else's in a folder
-/// like /tmp) it is written over, once all bytes are there and the disk has room for them: only a crash in that moment
-/// can leave a part.
+/// like /tmp) it is written over, once all bytes are there and the disk has room for them: only a crash or a kill in
+/// that moment can leave a part.
 ///
 /// Returns the reason when nothing was replaced. A file that its user marked read-only is not replaced. Other hard
 /// links to the file keep the old content.
@@ -24,7 +24,7 @@
 using ByteSink = std::function<void(std::string_view piece)>;
 
 /// The same for a content that is too large to be put together first: `produce` hands its pieces, in order, to the sink
-/// that it is given.
+/// that it is given. It may be called again, with another sink, where the first attempt came to nothing.
 [[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& requested,
                                                  const std::function<void(const ByteSink&)>& produce);
 

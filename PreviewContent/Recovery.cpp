@@ -11,6 +11,7 @@
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
 #include "Platform/FileBytes.h"
+#include "Platform/TemporaryFile.h"
 #include "PreviewContent/Drawable.h"
 
 namespace fs = std::filesystem;
@@ -141,6 +142,7 @@ void Recovery::forget() {
 }
 
 void Recovery::lookForOffer() {
+  sweepTemporaryFiles(folder_);
   look(retries);
 }
 

@@ -1,18 +1,13 @@
 #include "Platform/AtomicFile.h"
 
 #include <gmock/gmock.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <signal.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <thread>
@@ -21,6 +16,9 @@
 #include "Platform/FileLock.h"
 #include "Platform/FileStamp.h"
 #include "Platform/PrivateFolder.h"
+#include "Platform/Signals.h"
+#include "Platform/TemporaryFile.h"
+#include "Tests/RefusedCalls.h"
 #include "Tests/TemporaryFolder.h"
 
 namespace {
@@ -140,6 +138,76 @@ TEST(AtomicFile, LeavesTheOldFileWhenItCannotBeReplaced) {
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
+/// Ends the process by a signal in the midst of writing, on this thread or another one.
+void endWhileWriting(const fs::path& file, int signal, bool onThisThread) {
+  const rlimit noCore{0, 0};
+  ::setrlimit(RLIMIT_CORE, &noCore);
+  keepFilesWholeOnSignals();
+  std::jthread another([] { ::pause(); });
+  const auto failure = replaceFile(file, [&](const ByteSink& sink) {
+    sink("new");
+    ::pthread_kill(onThisThread ? ::pthread_self() : another.native_handle(), signal);
+    if (!onThisThread) ::pause();
+    sink(" and more");
+  });
+  ::_exit(failure ? 3 : 0);
+}
+
+TEST(AtomicFile, LeavesNothingBesideItWhereverThereAreUnnamedFilesOrNot) {
+  for (const RefusedCall* call : {static_cast<const RefusedCall*>(nullptr), &unnamedFiles, &namesForUnnamedFiles}) {
+    const TemporaryFolder folder;
+    const auto file = folder.put("file", "old");
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGABRT, SIGTERM, SIGXCPU, SIGKILL}) {
+      if (signal == SIGKILL && call == &unnamedFiles) continue;  // nobody is left to remove it
+      for (const bool onThisThread : {true, false}) {
+        const auto end = [&](const fs::path& target) {
+          if (call != nullptr) refuse(*call);
+          endWhileWriting(target, signal, onThisThread);
+        };
+        EXPECT_EXIT(end(file), testing::KilledBySignal(signal), "");
+        EXPECT_EXIT(end(folder / "new"), testing::KilledBySignal(signal), "");
+        EXPECT_EQ(folder.get("file"), "old") << signal;
+        EXPECT_EQ(folder.entries(), 1) << signal;
+      }
+    }
+    const auto ignore = [&](const fs::path& target) {
+      if (call != nullptr) refuse(*call);
+      ::signal(SIGHUP, SIG_IGN);
+      endWhileWriting(target, SIGHUP, true);
+    };
+    for (const char* name : {"file", "new"}) {
+      EXPECT_EXIT(ignore(folder / name), testing::ExitedWithCode(0), "") << "ignored signals stay so";
+      EXPECT_EQ(folder.get(name), "new and more");
+    }
+    EXPECT_EQ(folder.entries(), 2);
+  }
+}
+
+TEST(TemporaryFile, OfAKilledProcessIsSweptOnceNobodyCanBeWritingIt) {
+  const TemporaryFolder folder;
+  const pid_t dead = ::fork();
+  if (dead == 0) ::_exit(0);
+  ::waitpid(dead, nullptr, 0);
+  const std::string gone = std::to_string(dead), here = std::to_string(::getpid());
+  const auto now = fs::file_time_type::clock::now(), before = now - std::chrono::minutes(11);
+  const auto beforeTheStart = now - std::chrono::years(20);
+  const struct {
+    std::string name;
+    fs::file_time_type time;
+    bool stays;
+  } files[] = {{".gavrel-" + gone + "-0", before, false},
+               {".gavrel-" + gone + "-1", now, true},
+               {".gavrel-" + here + "-0", beforeTheStart, false},
+               {".gavrel-" + here + "-1", now, true},
+               {".gavrel-" + gone, beforeTheStart, true},
+               {".gavrel-x-0", beforeTheStart, true},
+               {"a.recovery", beforeTheStart, true}};
+  for (const auto& file : files) fs::last_write_time(folder.put(file.name, "x"), file.time);
+  sweepTemporaryFiles(folder.path());
+  for (const auto& file : files) EXPECT_EQ(fs::exists(folder / file.name), file.stays) << file.name;
+  sweepTemporaryFiles(folder / "none");
+}
+
 /// A folder in which the test's ordinary user may write to `file`, "old", but not replace it.
 struct LockedFolder {
   explicit LockedFolder(mode_t mode) {
@@ -218,20 +286,9 @@ TEST(FileStamp, IsAnotherOneAfterEachChangeByAnybody) {
   EXPECT_NE(FileStamp::of(file), old);
 }
 
-/// For a child process: makes the system answer each flock that this file system has no locks.
-void forgetLocks() {
-  std::array<sock_filter, 4> filter{sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-                                    sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
-                                    sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
-                                    sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
-  const sock_fprog program{filter.size(), filter.data()};
-  if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
-    ::_exit(6);
-}
-
 /// What a process that took the lock and is still running, or was killed, leaves to another one. Ends the process.
 void takeFromAnother(const fs::path& file, bool locksWork, bool killed) {
-  if (!locksWork) forgetLocks();
+  if (!locksWork) refuse(locks);
   std::array<int, 2> pipe{};
   if (::pipe(pipe.data()) != 0) ::_exit(7);
   const pid_t owner = ::fork();
@@ -283,7 +340,7 @@ TEST(FileLock, IsFreeOnceItsOwnerIsGoneEvenWhereThereAreNoLocks) {
     SCOPED_TRACE(owner);
     const auto lock = folder.put("named", owner);
     const auto take = [&] {
-      forgetLocks();
+      refuse(locks);
       ::_exit(FileLock::take(lock) ? 1 : 0);
     };
     EXPECT_EXIT(take(), testing::ExitedWithCode(free ? 1 : 0), "");
