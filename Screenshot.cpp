@@ -9,6 +9,7 @@
 #include <string>
 
 #include "Platform/AtomicFile.h"
+#include "Platform/OutputFiles.h"
 #include "PreviewContent/ProjectViewModel.h"
 
 namespace {
@@ -23,7 +24,7 @@ int fail(const std::string& why) {
 }  // namespace
 
 int writeScreenshot(const Options& options) {
-  if (const auto reason = whyNotReplaceable(*options.screenshot)) return fail(reason->reason);
+  if (const auto reason = whyNotWritable({*options.screenshot}, {*options.file})) return fail(reason->reason);
   ProjectViewModel viewModel;
   if (!viewModel.loadProject(options.file)) return failure;
   if (options.solve) (*viewModel.project)->Solve();

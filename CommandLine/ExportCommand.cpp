@@ -1,12 +1,16 @@
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 
 #include "CommandLine/Commands.h"
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Export.h"
+#include "Platform/Destination.h"
+#include "Platform/OutputFiles.h"
 
 namespace {
 
@@ -26,10 +30,16 @@ int fail(const std::string& what, const std::string& reason) {
   return exitStatus::failure;
 }
 
+/// A path under which a program that this one starts writes to the picture: it has another standard output.
+std::string pathForAnother(const std::string& picture) {
+  const auto own = ownDescriptor(picture);
+  return own ? "/proc/self/fd/" + std::to_string(::dup(*own)) : picture;
+}
+
 /// The window's program draws pictures; it lies beside this one, or where programs are looked for. Its lines are not
-/// wanted.
+/// wanted. It ends with this one.
 int drawPicture(const ExportOptions& options) {
-  std::vector<std::string> words{"gavrel", "--screenshot", options.png};
+  std::vector<std::string> words{"gavrel", "--screenshot", pathForAnother(options.png)};
   if (!options.size.empty()) words.insert(words.end(), {"--size", options.size});
   if (options.strain) words.emplace_back("--strain");
   if (!options.unsolved) words.emplace_back("--solve");
@@ -43,6 +53,7 @@ int drawPicture(const ExportOptions& options) {
   std::fflush(stdout);
   const pid_t child = ::fork();
   if (child == 0) {
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (std::freopen("/dev/null", "w", stdout) == nullptr) ::_exit(exitStatus::failure);
     ::execv(beside.c_str(), arguments.data());
     ::execvp("gavrel", arguments.data());
@@ -55,6 +66,8 @@ int drawPicture(const ExportOptions& options) {
 }
 
 int exportModel(const ExportOptions& options) {
+  if (const auto refused = whyNotWritable({options.nodes, options.elements, options.vtu, options.png}, {options.model}))
+    return fail("Failed to export", refused->reason);
   const auto loaded = readProject(options.model);
   if (!loaded) return fail("Failed to load project", loaded.failure().reason);
   Project& project = **loaded;

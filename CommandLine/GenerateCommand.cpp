@@ -9,6 +9,7 @@
 #include "CommandLine/Structures/Lattice.h"
 #include "CommandLine/Structures/Tower.h"
 #include "DataModel/ProjectFile.h"
+#include "Platform/OutputFiles.h"
 
 namespace {
 
@@ -58,7 +59,8 @@ class Kind {
     command_->callback([structure = structure_, output = output_, &status, prepare = std::move(prepare)] {
       const std::string objection = prepare ? prepare(*structure) : "";
       if (!objection.empty()) throw CLI::ValidationError(objection);
-      const auto failed = writeProject(*structure->build(), *output);
+      auto failed = whyNotWritable({*output}, {});
+      if (!failed) failed = writeProject(*structure->build(), *output);
       if (failed) std::fprintf(stderr, "Failed to save project: %s\n", failed->reason.c_str());
       status = failed ? exitStatus::failure : exitStatus::success;
     });

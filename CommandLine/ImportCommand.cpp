@@ -6,6 +6,7 @@
 #include "CommandLine/NumberOption.h"
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Import.h"
+#include "Platform/OutputFiles.h"
 
 namespace {
 
@@ -24,6 +25,9 @@ int fail(const char* what, const Failure& failure) {
 }
 
 int import(const ImportOptions& options) {
+  // The project that is added to may be the one that is written.
+  if (const auto refused = whyNotWritable({options.output}, {options.files.begin(), options.files.end()}))
+    return fail("Failed to save project", *refused);
   auto project = std::make_shared<Project>();
   if (!options.into.empty()) {
     auto loaded = readProject(options.into);

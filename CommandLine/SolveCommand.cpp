@@ -11,6 +11,7 @@
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
 #include "Platform/NumberText.h"
+#include "Platform/OutputFiles.h"
 
 namespace {
 
@@ -50,13 +51,11 @@ int reportUnsaved(const Failure& failure) {
 }
 
 int solve(const SolveOptions& options) {
+  if (const auto refused = whyNotWritable({options.output}, {options.model})) return reportUnsaved(*refused);
   const auto loaded = readProject(options.model);
   if (!loaded) {
     std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
     return exitStatus::failure;
-  }
-  if (!options.output.empty()) {
-    if (const auto refused = whyNotReplaceable(options.output)) return reportUnsaved(*refused);
   }
   Project& project = **loaded;
   const bool showProgress = ::isatty(STDERR_FILENO) != 0;

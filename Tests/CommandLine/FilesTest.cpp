@@ -14,9 +14,10 @@ TEST(Files, WhatIsNoProjectIsRefusedWithItsReasonByEveryCommand) {
   for (const auto& [name, reason] : {std::pair{"cut.json", "line 2, column 29"},
                                      {"none.json", "none.json\": No such file or directory"},
                                      {".", "Is a directory"}}) {
-    for (const char* command : {"solve", "info", "check", "export --nodes FILE", "import FILE -o FILE --into"}) {
+    for (const char* command : {"solve", "info", "check", "export --nodes FILE", "import FILE -o OUT --into"}) {
       auto list = words(command);
       std::ranges::replace(list, "FILE", (folder / "x.csv").string());
+      std::ranges::replace(list, "OUT", (folder / "out.json").string());
       list.push_back(folder / name);
       const auto outcome = gavrelCli(list);
       EXPECT_EQ(outcome.status, 1) << command;
@@ -42,6 +43,57 @@ TEST(Files, ResultsThatCannotBeWrittenAreReported) {
   const auto toOutput = gavrelCli({"solve", model, "-o", "/dev/stdout"});
   EXPECT_EQ(toOutput.status, 0);
   EXPECT_THAT(toOutput.output, StartsWith("\n1.0\n0.0\n{\n  \"name\": \"Single bar\","));
+}
+
+TEST(Files, WhatIsReadOrIsToBeWrittenTwiceIsRefusedBeforeTheWork) {
+  const TemporaryFolder folder;
+  const std::string model = singleBarJson(), table = "node,x,y,z\n0,0,0,0\n1,1,0,0\n";
+  folder.put("m.json", model);
+  folder.put("in.csv", table);
+  std::filesystem::create_hard_link(folder / "m.json", folder / "hard");
+  std::filesystem::create_symlink("m.json", folder / "soft");
+  std::filesystem::create_symlink("new", folder / "dangling");
+  const std::string inFolder = "cd " + folder.path().string() + " && " GAVREL_CLI " ";
+  const auto statusOf = [&](const std::string& command) {
+    return std::system((inFolder + command + " 2>errors >output").c_str()) >> 8;
+  };
+  for (const char* refused :
+       {"solve m.json -o ./m.json", "solve m.json -o hard", "solve soft -o m.json", "export m.json --nodes soft",
+        "export soft --vtu soft", "export m.json --elements hard", "export m.json --png m.json",
+        "export m.json --nodes new --vtu dangling", "export m.json --nodes new --elements ./new",
+        "import in.csv -o in.csv", "solve /dev/stdin -o m.json <m.json", "solve m.json -o /dev/fd/3 3>>m.json",
+        "generate dome -o none/new", "import in.csv -o none/new", "export m.json --nodes new --vtu none/new"}) {
+    EXPECT_EQ(statusOf(refused), 1) << refused;
+    EXPECT_THAT(folder.get("errors"), testing::MatchesRegex("[^\n]*cannot (write|create)[^\n]*\n")) << refused;
+    EXPECT_EQ(folder.get("output"), "") << refused;
+    EXPECT_EQ(folder.get("m.json"), model) << refused;
+    EXPECT_EQ(folder.get("in.csv"), table) << refused;
+    EXPECT_EQ(folder.entries(), 7) << refused;
+  }
+  EXPECT_EQ(statusOf("export m.json --nodes /dev/null --vtu /dev/null"), 0);
+  EXPECT_EQ(statusOf("import in.csv --into m.json -o m.json"), 0) << "what is added to may be written";
+  EXPECT_THAT(folder.get("output"), StartsWith("Imported 2 nodes"));
+}
+
+TEST(Files, AnOutputThatIsAnOpenDescriptorIsWrittenBehindWhatStandsThere) {
+  const TemporaryFolder folder;
+  folder.put("m.json", singleBarJson());
+  const std::string lines = "\n1.0\n0.0\n", result = "{\n  \"name\": \"Single bar\",";
+  const std::string shell = "bash -c 'cd " + folder.path().string() + " && ", solve = GAVREL_CLI " solve m.json -o ";
+  for (const auto& [command, expected] :
+       {std::pair{solve + "/dev/stdout >>log", "former\n" + lines + result},
+        {solve + "/proc/self/fd/1 >>log", "former\n" + lines + result},
+        {solve + "/dev/fd/3 3>>log >lines", "former\n" + result},
+        {"exec 3>>log; " + solve + "/proc/$$/fd/3 >lines; exit 0", "former\n" + result},  // another process's
+        {"{ echo first; " + solve + "/dev/stdout; } >log", "first\n" + lines + result},
+        {solve + "/dev/stdout | cat >log", lines + result}}) {
+    folder.put("log", "former\n");
+    EXPECT_EQ(std::system((shell + command + "'").c_str()), 0) << command;
+    EXPECT_THAT(folder.get("log"), AllOf(StartsWith(expected), testing::EndsWith("\n}\n"))) << command;
+  }
+  for (const char* unwritable : {"/dev/fd/9", "/dev/stdin </dev/null"})
+    EXPECT_NE(std::system((shell + solve + unwritable + " 2>errors'").c_str()), 0) << unwritable;
+  EXPECT_THAT(folder.get("errors"), HasSubstr("cannot write \"/dev/stdin\": Bad file descriptor"));
 }
 
 TEST(Files, AResultIsWholeOrAsBeforeWhenTheReaderOfTheOutputGoes) {

@@ -40,7 +40,10 @@ TEST(Screenshot, DrawsTheProjectInTheSizeAskedFor) {
 TEST(Screenshot, SaysWhyThereIsNone) {
   TemporaryFolder folder;
   const std::string picture = folder / "picture.png";
-  EXPECT_EQ(gavrel("--screenshot " + picture + " " + folder.put("broken.json", "{").string()), 1);
+  const std::string broken = folder.put("broken.json", "{");
+  EXPECT_EQ(gavrel("--screenshot " + picture + " " + broken), 1);
+  EXPECT_EQ(gavrel("--screenshot " + folder.path().string() + "/./broken.json " + broken), 1);
+  EXPECT_EQ(folder.get("broken.json"), "{");
   EXPECT_EQ(gavrel("--screenshot " + (folder / "no/such/folder.png").string() + " " + example), 1);
   for (const auto* arguments :
        {"", "--size 0x5 ", "--size 100 ", "--size 99999x5 ", "--magnification nan ", "--nothing "})
