@@ -1,6 +1,7 @@
 #include "CommandLine/ModelFacts.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace {
 
@@ -32,8 +33,9 @@ ModelFacts ModelFacts::of(const Project& project) {
 
   const auto& D = *project.D_I;
   const auto& F = *project.F_I;
-  facts.restrainedDofs = std::ranges::count(D, true);
-  for (std::size_t i = 0; i < F.size(); ++i) {
+  const auto dofs = static_cast<std::size_t>(dofsPerNode * facts.nodes);
+  facts.restrainedDofs = std::ranges::count(D | std::views::take(dofs), true);
+  for (std::size_t i = 0; i < std::min(F.size(), dofs); ++i) {
     if (F[i] == 0) continue;
     ++facts.loadedDofs;
     if (i < D.size() && D[i]) ++facts.loadedRestrainedDofs;
@@ -44,5 +46,6 @@ ModelFacts ModelFacts::of(const Project& project) {
   }
 
   facts.connectivity = Connectivity::of(project);
+  facts.arrayLengths = ArrayLengths::of(project);
   return facts;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "DataModel/ArrayLengths.h"
 #include "DataModel/Connectivity.h"
 #include "DataModel/Project.h"
 
@@ -22,16 +23,19 @@ struct ModelFacts {
   std::int64_t nonLinearTrusses = 0;
   std::int64_t beams = 0;
   std::optional<Extents> extents;  ///< none without nodes
+  // Entries behind those of the last node are not counted.
   std::int64_t restrainedDofs = 0;
   std::int64_t loadedDofs = 0;
   std::int64_t loadedRestrainedDofs = 0;  ///< such loads keep a solve from converging
   Vector3 totalLoad;                      ///< sum of the forces; moments are left out
   Connectivity connectivity;
+  ArrayLengths arrayLengths;
 
   [[nodiscard]] static ModelFacts of(const Project& project);
 
   /// Lines for people.
   [[nodiscard]] std::string toText() const;
-  /// One JSON object with the members' names as keys, of the connectivity those of faults.
+  /// One JSON object with the members' names as keys, of the connectivity those of faults, of
+  /// the array lengths the misfits.
   [[nodiscard]] std::string toJson() const;
 };

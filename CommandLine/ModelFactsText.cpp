@@ -63,6 +63,7 @@ std::string ModelFacts::toText() const {
     line("Note", "bars with unknown nodes: " + text(connectivity.trussesWithUnknownNodes));
   if (!connectivity.beamsWithUnknownNodes.empty())
     line("Note", "beams with unknown nodes: " + text(connectivity.beamsWithUnknownNodes));
+  for (const auto& misfit : arrayLengths.misfits) line("Note", misfit.text());
   return out.str();
 }
 
@@ -98,6 +99,17 @@ std::string ModelFacts::toJson() const {
   write(json, "nodesWithoutElements", connectivity.nodesWithoutElements);
   write(json, "trussesWithUnknownNodes", connectivity.trussesWithUnknownNodes);
   write(json, "beamsWithUnknownNodes", connectivity.beamsWithUnknownNodes);
+  json.key("arrayMisfits");
+  json.beginArray();
+  for (const auto& misfit : arrayLengths.misfits) {
+    json.beginObject();
+    json.key("array");
+    json.value(misfit.array);
+    count("entries", misfit.entries);
+    count("wanted", misfit.wanted);
+    json.end();
+  }
+  json.end();
   json.end();
   return json.take();
 }

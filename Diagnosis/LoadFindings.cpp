@@ -132,7 +132,7 @@ Positions barsOutAt(const Project& solved, const Positions& nodes) {
 }
 
 /// Loads of which the norm says nothing.
-std::optional<Finding> inspectNorm(const Project& project, double norm) {
+std::optional<Finding> inspectNorm(const Project& project, double norm, bool converged) {
   if (const auto nodes = nodesWithoutNumbers(project); !nodes.empty())
     return Finding{NeverConverges, "Loads that are no numbers",
                    "A load of " + listed("node", nodes) +
@@ -143,6 +143,10 @@ std::optional<Finding> inspectNorm(const Project& project, double norm) {
     return Finding{NeverConverges, "No loads",
                    "Nothing loads the structure, so that the solve runs all its steps, prints nan, and moves nothing: "
                    "load a node."};
+  if (converged)
+    return Finding{Meaningless, "Loads out of range",
+                   "The squares of the loads are too large to be added up, so that whatever is left over counts as "
+                   "nothing, and the displacements need not be those of equilibrium: take other units."};
   return Finding{NeverConverges, "Loads out of range",
                  std::string("The squares of the loads are ") + (norm > 0 ? "too large" : "too small") +
                      " to be added up, so that the solve never converges: take other units."};
@@ -156,7 +160,7 @@ std::string drifts(Finding::Consequence consequence) {
 
 std::vector<Finding> inspectLoads(const Project& solved, const SolveOutcome& outcome) {
   const Residual residual(solved, outcome);
-  if (auto unmeasured = inspectNorm(solved, residual.tolerated)) return {std::move(*unmeasured)};
+  if (auto unmeasured = inspectNorm(solved, residual.tolerated, outcome.converged)) return {std::move(*unmeasured)};
 
   std::vector<Finding> findings;
   const auto weigh = [&](Cause cause) { return residual.isTooLarge(cause) ? NeverConverges : Doubtful; };

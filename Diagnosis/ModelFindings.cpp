@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "DataModel/ArrayLengths.h"
 #include "Diagnosis/StructureCheck.h"
 
 namespace {
@@ -55,12 +56,21 @@ std::int64_t restraintsRead(const Project& project) {
 
 std::optional<Finding> inspectArrays(const Project& project) {
   const std::int64_t restraints = restraintsRead(project);
-  if (std::ssize(*project.F_I) >= project.nI && std::ssize(*project.D_I) >= restraints) return std::nullopt;
-  return Finding{EndsProgram, "Missing loads or restraints",
-                 "There are " + std::to_string(project.F_I->size()) + " loads and " +
-                     std::to_string(project.D_I->size()) + " restraints, but a solve reads " +
-                     std::to_string(project.nI) + " loads and the first " + std::to_string(restraints) +
-                     " restraints, and ends the program: give each node six of both."};
+  if (std::ssize(*project.F_I) < project.nI || std::ssize(*project.D_I) < restraints)
+    return Finding{EndsProgram, "Missing loads or restraints",
+                   "There are " + std::to_string(project.F_I->size()) + " loads and " +
+                       std::to_string(project.D_I->size()) + " restraints, but a solve reads " +
+                       std::to_string(project.nI) + " loads and the first " + std::to_string(restraints) +
+                       " restraints, and ends the program: give each node six of both."};
+  const auto& F = *project.F_I;
+  // How much surplus loads matter is told after the solve.
+  const bool hasSurplusLoad = std::any_of(F.begin() + project.nI, F.end(), [](double load) { return load != 0; });
+  std::string list;
+  for (const auto& misfit : ArrayLengths::of(project).misfits)
+    if (misfit.array != "F_I" || !hasSurplusLoad) list += (list.empty() ? "" : "; ") + misfit.text();
+  if (list.empty()) return std::nullopt;
+  return Finding{Doubtful, "Arrays that do not fit",
+                 list + ", so that a load or a support may stand at another node than it should: correct the file."};
 }
 
 /// Positions of the elements whose stored extents, by which a solve goes, are not those of their nodes.
@@ -104,7 +114,7 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
   addTrusses(EndsProgram, "Unknown nodes", connectivity.trussesWithUnknownNodes, unknown);
   addBeams(EndsProgram, "Unknown nodes", connectivity.beamsWithUnknownNodes, unknown);
   if (!findings.empty()) return findings;  // the rest asks for their places
-  if (auto missing = inspectArrays(project)) findings.push_back(std::move(*missing));
+  if (auto misfits = inspectArrays(project)) findings.push_back(std::move(*misfits));
   if (const auto& lonely = connectivity.nodesWithoutElements; !lonely.empty())
     findings.push_back(
         {EndsProgram, "Nodes without elements",

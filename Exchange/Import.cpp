@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "DataModel/ArrayLengths.h"
 #include "Exchange/Draft.h"
 #include "Platform/FileBytes.h"
 
@@ -77,5 +78,8 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
   } catch (const ImportError& error) {
     return Failure{current.filename().string() + ", " + error.what()};
   }
+  auto filled = fitArrays(project);
+  if (!filled) return filled.failure();
+  draft.remarks.insert(draft.remarks.begin(), filled->begin(), filled->end());
   return addTo(project, draft);
 }

@@ -25,7 +25,8 @@ struct ImportOutcome {
   std::vector<std::string> remarks;  ///< what was left out or taken otherwise than it stands, a line each
 };
 
-/// Adds the content of all files to a project, or nothing and tells which file stands in the way, and where in it.
+/// Adds the content of all files to a project, or nothing and tells which file stands in the way, and where in it. The
+/// project's arrays are made to fit its nodes first, see fitArrays; a remark tells of it.
 ///
 /// A name that ends in ".dxf" is a drawing (ASCII DXF): each straight piece of its lines and polylines becomes a bar.
 /// What lies in its paper space is left out.

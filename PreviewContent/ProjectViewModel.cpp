@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "DataModel/ArrayLengths.h"
 #include "DataModel/ProjectFile.h"
 #include "Platform/Console.h"
 #include "Platform/Fatal.h"
@@ -40,6 +41,8 @@ ProjectViewModel::ProjectViewModel(QObject* parent)
 void ProjectViewModel::addNode(const Vector3& nodeCoordinates, bool connectedToLast) {
   const std::int64_t previous = *numberOfNodes - 1;
   const std::int64_t newId = *numberOfNodes;
+  setRemark({});
+  if (!makeArraysFit()) return;
   (*project)->addNode(nodeCoordinates);
   numberOfNodes.edit() = checkedProduct(1, newId, 1, "The number of nodes");
   if (connectedToLast && previous != -1) addTruss(previous, newId, automaticArea, automaticYoungModulus);
@@ -57,6 +60,7 @@ void ProjectViewModel::addTruss(qint64 startNodeId, qint64 endNodeId, double are
               std::to_string(endNodeId) + " to add truss.");
     return;
   }
+  if (!makeArraysFit()) return;
   const TrussElement truss(std::ssize(*model.trussElements), startNodeId, endNodeId, *start, *end, area, youngModulus,
                            /*isCompressionOnly=*/false, /*isNonLinear=*/true);
   model.trussElements.edit().push_back(truss);
@@ -74,6 +78,7 @@ void ProjectViewModel::addBeam(qint64 startNodeId, qint64 endNodeId, double area
     printLine("Error: Could not find coordinates for nodes to add beam.");
     return;
   }
+  if (!makeArraysFit()) return;
   const BeamElement beam(std::ssize(*model.beamElements), startNodeId, endNodeId, *start, *end, area, iy, iz,
                          youngModulus, shearModulus, /*isNonLinear=*/false);
   model.beamElements.edit().push_back(beam);
@@ -103,6 +108,7 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
   if (failure) return report(*failure);
   setFileThatHoldsIt(currentFileUrl);
   setHasUnsavedChanges(false);
+  setRemark({});
   printLine("Project saved successfully to " + currentFileUrl->filename().string());
   emit fileUsed();
   return true;
@@ -154,6 +160,7 @@ void ProjectViewModel::replace(std::shared_ptr<Project> next, const Origin& orig
   currentFileUrl = origin.file;
   currentFileStamp_ = origin.stamp;
   setMarks({});
+  setRemark({});
   setResults(Results::none);
   announce();
   if (!line.empty()) printLine(line);
@@ -209,6 +216,8 @@ NodeContents ProjectViewModel::nodeContents(qint64 nodeID) const {
 }
 
 void ProjectViewModel::setLoadAndRestraint(qint64 nodeID, double x, double y, double z, bool rx, bool ry, bool rz) {
+  setRemark({});
+  if (nodeID < (*project)->nodeCount() && !makeArraysFit()) return;
   (*project)->setLoadAndRestraint(nodeID, {x, y, z}, rx, ry, rz);
   announceEdit();
 }
@@ -234,6 +243,7 @@ void ProjectViewModel::makeLinear(const std::vector<std::int64_t>& positions) {
 
 Result<ImportOutcome> ProjectViewModel::importFiles(const std::vector<std::filesystem::path>& files,
                                                     const ImportSettings& settings) {
+  setRemark({});
   auto outcome = ::importFiles(**project, files, settings);
   if (!outcome) {
     printLine("Failed to import: " + outcome.failure().reason);
@@ -297,6 +307,23 @@ template <class Value>
 void ProjectViewModel::set(Published<Value>& property, Value value, void (ProjectViewModel::*changed)()) {
   property.edit() = std::move(value);
   emit(this->*changed)();
+}
+
+/// Elements are often added several at a time, so that a remark on the first outlives the others.
+bool ProjectViewModel::makeArraysFit() {
+  const auto filled = fitArrays(**project);
+  std::string text;
+  if (!filled) text = "Nothing was changed: " + filled.failure().reason + ".";
+  if (filled)
+    for (const std::string& line : *filled) text += (text.empty() ? "" : " ") + line;
+  if (text.empty()) return true;
+  printLine(text);
+  setRemark(QString::fromStdString(text));
+  return static_cast<bool>(filled);
+}
+
+void ProjectViewModel::setRemark(const QString& value) {
+  if (std::exchange(remark_, value) != value) emit remarkChanged();
 }
 
 void ProjectViewModel::announce() {

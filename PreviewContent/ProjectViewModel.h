@@ -20,7 +20,8 @@
 
 /// The one observable object between the user interface and the model. Observers of `objectWillChange` are told before
 /// each change of a published property; the notifications of the Qt properties follow the change. Each operation says
-/// what it did in one line on standard output.
+/// what it did in one line on standard output. Those that add to the structure or change loads and supports first make
+/// its arrays fit its nodes, see fitArrays, and do nothing where that fails; a line and `remark` tell of it.
 class ProjectViewModel : public QObject {
   Q_OBJECT
   Q_PROPERTY(int appMode READ modeNumber WRITE setModeNumber NOTIFY appModeChanged)
@@ -43,6 +44,7 @@ class ProjectViewModel : public QObject {
   Q_PROPERTY(bool hasMarks READ hasMarks NOTIFY marksChanged)
   Q_PROPERTY(bool hasResults READ hasResults NOTIFY resultsChanged)
   Q_PROPERTY(bool resultsOutdated READ resultsOutdated NOTIFY resultsChanged)
+  Q_PROPERTY(QString remark READ remark NOTIFY remarkChanged)
 
  public:
   /// Nodes and elements, by their position, that are pointed out in the 3D area.
@@ -158,6 +160,9 @@ class ProjectViewModel : public QObject {
   /// Whether the structure was changed since it was solved.
   [[nodiscard]] bool resultsOutdated() const { return results_ == Results::outdated; }
 
+  /// What the last edit did to the structure's arrays, or why it was refused; empty if it had nothing to tell.
+  [[nodiscard]] QString remark() const { return remark_; }
+
   /// Publishes a project: another one, or the same after a change in place.
   void setProject(std::shared_ptr<Project> value);
 
@@ -186,6 +191,7 @@ class ProjectViewModel : public QObject {
   void unsavedChangesChanged();
   void marksChanged();
   void resultsChanged();
+  void remarkChanged();
   void endangered();  ///< what follows replaces the project, or may end the process
 
  private:
@@ -199,6 +205,8 @@ class ProjectViewModel : public QObject {
     Results results;
   };
 
+  [[nodiscard]] bool makeArraysFit();
+  void setRemark(const QString& value);
   void announceEdit();
   void finishEdit();
   void setHasUnsavedChanges(bool value);
@@ -217,6 +225,7 @@ class ProjectViewModel : public QObject {
   std::optional<std::filesystem::path> heldBack_;
   Marks marks_;
   Results results_ = Results::none;
+  QString remark_;
   std::optional<Previous> previous_;
 
   [[nodiscard]] int modeNumber() const { return static_cast<int>(*appMode); }

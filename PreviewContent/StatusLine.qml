@@ -11,6 +11,7 @@ Pane {
     required property Calculation calculation
     /// What the user should know at once; takes the place of the hint.
     property string warning
+    readonly property string told: warning !== "" ? warning : projectViewModel.remark
 
     signal convergenceRequested()
     signal findingsRequested()
@@ -50,9 +51,9 @@ Pane {
         Label {
             objectName: "hint"
             Layout.fillWidth: true
-            elide: root.warning !== "" ? Text.ElideMiddle : Text.ElideRight  // a warning's reason stands at its end
-            text: root.warning !== "" ? root.warning : root.hint
-            color: root.warning !== "" ? "#d0342c" : palette.windowText
+            elide: root.told !== "" ? Text.ElideMiddle : Text.ElideRight  // a warning's reason stands at its end
+            text: root.told !== "" ? root.told : root.hint
+            color: root.told !== "" ? "#d0342c" : palette.windowText
 
             ToolTip.visible: truncated && hover.hovered
             ToolTip.text: text

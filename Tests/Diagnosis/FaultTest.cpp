@@ -97,6 +97,8 @@ INSTANTIATE_TEST_SUITE_P(
               "bar 1", " t1"},
         Fault{"NotANumber", [](Project& p) { p.F_I.edit()[12] = std::nan(""); }, NeverConverges,
               "Loads that are no numbers", "load of node 2 is", " n2"},
+        Fault{"LoadWithoutEnd", [](Project& p) { p.F_I.edit()[12] = 1e160; }, Meaningless, "Loads out of range",
+              "whatever is left over counts as nothing"},
         Fault{"PlaceThatIsNone",
               [](Project& p) {
                 p.X_I.edit()[6] = std::nan("");

@@ -10,7 +10,7 @@
 #include <random>
 
 #include "Diagnosis/StructureCheck.h"
-#include "Tests/Structures.h"
+#include "Tests/Diagnosis/Triangle.h"
 
 namespace {
 
@@ -69,8 +69,11 @@ class Draw {
     if (chance(0.06)) F[any()] = chance(0.3) ? 1e-7 : 2;
     if (chance(0.02)) std::ranges::fill(F, 0.0);
     if (chance(0.02)) F.resize(any());
-    if (chance(0.02)) F.push_back(chance(0.5) ? 1 : 1e-8);
+    if (chance(0.04))
+      F.resize(F.size() + static_cast<std::size_t>(whole(1, 13)), chance(0.3) ? 1 : chance(0.5) ? 0 : 1e-8);
     if (chance(0.05)) D.resize(static_cast<std::size_t>(project.nI) - static_cast<std::size_t>(whole(1, 7)));
+    if (chance(0.02)) D.resize(D.size() + static_cast<std::size_t>(whole(1, 13)), chance(0.5));
+    if (chance(0.03)) project.X_I.edit().resize(project.X_I->size() + static_cast<std::size_t>(whole(1, 2)), 3.0);
     if (chance(0.01)) F[0] = chance(0.5) ? std::nan("") : 1e200;
     if (chance(0.01)) project.addNode({9, 9, 9});
     if (chance(0.01) && !project.trussElements->empty()) project.trussElements.edit().back().endNodeId = 99;
@@ -162,10 +165,10 @@ bool tellsOfLooseness(const Finding& finding) {
 bool mend(Project& project, const Finding& finding) {
   auto& bars = project.trussElements.edit();
   const auto named = [&](std::int64_t position) -> TrussElement& { return bars[static_cast<std::size_t>(position)]; };
-  const auto forEachDof = [&](auto&& visit) {
+  const auto forEachDof = [&](std::size_t entries, auto&& visit) {
     for (const std::int64_t node : finding.nodes)
       for (std::int64_t k = 0; k < dofsPerNode; ++k)
-        if (const auto dof = static_cast<std::size_t>(dofsPerNode * node + k); dof < project.D_I->size()) visit(dof);
+        if (const auto dof = static_cast<std::size_t>(dofsPerNode * node + k); dof < entries) visit(dof);
   };
   if (finding.title == "Compressed non-linear bars")
     for (const std::int64_t position : finding.trussesToMakeLinear) named(position).isNonLinear = false;
@@ -174,9 +177,9 @@ bool mend(Project& project, const Finding& finding) {
   else if (finding.title == "Stiffness that is not positive" && !finding.trusses.empty())
     for (const std::int64_t position : finding.trusses) named(position).EAL3 *= -1;
   else if (finding.title == "Loads on supports" || finding.title == "Loads that nothing resists")
-    forEachDof([&](std::size_t dof) { project.F_I.edit()[dof] = 0; });
+    forEachDof(project.F_I->size(), [&](std::size_t dof) { project.F_I.edit()[dof] = 0; });
   else if (finding.title == "Mechanism" || finding.title == "Too few supports" || finding.title == "No supports")
-    forEachDof([&](std::size_t dof) {
+    forEachDof(project.D_I->size(), [&](std::size_t dof) {
       if (dof % dofsPerNode < 3 || finding.title == "Mechanism") project.D_I.edit()[dof] = true;
     });
   else
@@ -222,6 +225,28 @@ TEST(RandomStructures, BehaveAsForetold) {
   }
   if (asked != nullptr)
     for (const auto& [title, times] : seen) std::printf("%6d  %s\n", times, title.c_str());
+}
+
+/// Each of the three arrays with too few, enough and too many entries, all combinations: what is foretold is what a
+/// solve does, and nothing is called sound that does not fit.
+TEST(ArraysOfAnyLength, BehaveAsForetold) {
+  for (const std::size_t coordinates : {9, 10, 11})
+    for (const int loads : {0, 17, 18, 19, 24})
+      for (const std::size_t restraints : {0, 14, 15, 17, 18, 25})
+        for (const double surplus : {0.0, 1e-9, 4.0}) {
+          if (loads <= 18 && surplus != 0) continue;
+          SCOPED_TRACE(testing::Message() << coordinates << " " << loads << " " << restraints << " " << surplus);
+          Triangle project;
+          project.X_I.edit().resize(coordinates);
+          project.F_I.edit().resize(static_cast<std::size_t>(loads), surplus);
+          project.D_I.edit().resize(restraints, true);
+          const auto findings = StructureCheck::of(project).findings;
+          const bool fits = coordinates == 9 && loads == 18 && restraints == 18;
+          EXPECT_EQ(findings.empty(), fits);
+          if (fits) continue;
+          const auto foretold = findings.front().consequence;
+          EXPECT_EQ(foretold, consequenceOfSolving(project)) << findings.front().text;
+        }
 }
 
 }  // namespace

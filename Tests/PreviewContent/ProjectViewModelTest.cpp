@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <limits>
+#include <memory>
 #include <string>
 
 #include "DataModel/ProjectFile.h"
@@ -167,6 +168,52 @@ TEST(ProjectViewModel, TellsObserversBeforeAChangeAndTheWindowAfterIt) {
                 "Failed to load project: [^\n]*\nbefore 1\nbefore 1\nbefore 0\nchanged 0\nfile 0\nloaded 0\n"},
                {[&] { model.newProject(); }, "(before 0\n)+changed 0\nfile 0\nloaded 0\n"}};
   for (const auto& [change, lines] : cases) EXPECT_THAT(printed(change), MatchesRegex(lines));
+}
+
+TEST(ProjectViewModel, MakesTheArraysFitBeforeItAddsOrLoads) {
+  const TemporaryFolder folder;
+  const auto table = folder.put("one.csv", "x,y,Fx\n5,0,3\n");
+  const std::pair<const char*, std::function<void(ProjectViewModel&)>> edits[] = {
+      {"addNode", [](auto& m) { m.addNode(1, 2, 3, true); }},
+      {"addTruss", [](auto& m) { m.addTruss(0, 1, 1, 1); }},
+      {"addBeam", [](auto& m) { m.addBeam(0, 1, 1, 1, 1, 1, 1); }},
+      {"setLoadAndRestraint", [](auto& m) { m.setLoadAndRestraint(1, 3, 0, 0, false, true, false); }},
+      {"importFiles", [&](auto& m) { static_cast<void>(m.importFiles({table}, {})); }}};
+  const auto contentsOf = [](const ProjectViewModel& model) { return *encodeProject(**model.project); };
+  for (const auto& [name, edit] : edits) {
+    SCOPED_TRACE(name);
+    const bool imports = std::string(name) == "importFiles";
+    const auto edited = [&](const std::string& arrays) {
+      auto model = std::make_unique<ProjectViewModel>();
+      const auto file = folder.put("a.json", R"({"name":"","trussElements":[],)" + arrays + "}");
+      printed([&] { model->loadProject(file); });
+      int told = 0;
+      QObject::connect(model.get(), &ProjectViewModel::structureEdited, [&] { ++told; });
+      const std::string lines = printed([&] { edit(*model); });
+      EXPECT_EQ(model->hasUnsavedChanges(), told > 0);
+      return std::pair(std::move(model), lines);
+    };
+    const std::string zeros = "0,0,0,0,0,0,0,0,0,0,0,0";
+    const std::string falses = "false,false,false,false,false,false,false,false,false,false,false,false";
+    const auto [fitting, plainLines] = edited(R"("X_I":[0,0,0,1,0,0],"F_I":[)" + zeros + "],\"D_I\":[" + falses + "]");
+    EXPECT_EQ(fitting->remark(), "");
+    const auto [filled, filledLines] = edited(R"("X_I":[0,0,0,1,0,0],"F_I":[],"D_I":[false])");
+    EXPECT_EQ(contentsOf(*filled), contentsOf(*fitting));
+    EXPECT_TRUE(filled->hasUnsavedChanges());
+    const std::string remark =
+        "F_I has 0 entries, where 2 nodes have 12: filled with zeros. "
+        "D_I has 1 entry, where 2 nodes have 12: filled with false.";
+    EXPECT_EQ(filled->remark(), imports ? "" : QString::fromStdString(remark)) << "an import tells of it itself";
+    EXPECT_EQ(filledLines, (imports ? "" : remark + "\n") + plainLines);
+
+    const auto [refused, refusal] = edited(R"("X_I":[0,0,0,1,0,0,9],"F_I":[],"D_I":[])");
+    EXPECT_FALSE(refused->hasUnsavedChanges());
+    EXPECT_EQ(*refused->numberOfNodes, 2);
+    EXPECT_EQ((*refused->project)->X_I->size() + (*refused->project)->F_I->size(), 7);
+    EXPECT_THAT(refusal, MatchesRegex("(Nothing was changed|Failed to import): X_I has 7 entries, [^\n]*\n"));
+    refused->newProject();
+    EXPECT_EQ(refused->remark(), "");
+  }
 }
 
 TEST(ProjectViewModel, SavesAndLoads) {

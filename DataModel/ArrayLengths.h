@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DataModel/Project.h"
+#include "Platform/Result.h"
+
+/// How many entries X_I, F_I and D_I have beside those that the nodes need. A file may hold any number of them; what is
+/// appended to arrays that do not fit would count for other nodes than those it is meant for.
+struct ArrayLengths {
+  struct Misfit {
+    std::string_view array;    ///< "X_I", "F_I" or "D_I"
+    std::int64_t entries = 0;  ///< there are
+    std::int64_t wanted = 0;   ///< for the nodes; a multiple of three coordinates is always right
+
+    [[nodiscard]] bool isMissing() const { return entries < wanted; }
+    /// "F_I has 6 entries, where 2 nodes have 12".
+    [[nodiscard]] std::string text() const;
+
+    bool operator==(const Misfit&) const = default;
+  };
+
+  std::vector<Misfit> misfits;  ///< in the order X_I, F_I, D_I; empty if all fit
+
+  [[nodiscard]] static ArrayLengths of(const Project& project);
+};
+
+/// To be called before anything is added to a project: fills what is missing of F_I with zeros and of D_I with false,
+/// and returns a line for each array that was filled. Fails, and changes nothing, where there are more entries than the
+/// nodes have, since nothing tells what they belong to.
+[[nodiscard]] Result<std::vector<std::string>> fitArrays(Project& project);
