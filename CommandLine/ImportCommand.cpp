@@ -7,6 +7,7 @@
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Import.h"
 #include "Platform/OutputFiles.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -34,7 +35,8 @@ int import(const ImportOptions& options) {
     if (!loaded) return fail("Failed to load project", loaded.failure());
     project = *loaded;
   }
-  if (options.into.empty()) project->name.edit() = std::filesystem::path(options.files.front()).stem().string();
+  if (options.into.empty())
+    project->name.edit() = shownText(std::filesystem::path(options.files.front()).stem().string());
   if (!options.name.empty()) project->name.edit() = options.name;
   ImportSettings settings = options.settings;
   if (options.tolerance > 0) settings.tolerance = options.tolerance;

@@ -4,6 +4,7 @@
 #include "CommandLine/ModelFacts.h"
 #include "Platform/JsonWriter.h"
 #include "Platform/NumberText.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ std::string ModelFacts::toText() const {
     out << label << content << '\n';
   };
   const auto count = [](std::int64_t number) { return std::to_string(number); };
-  line("Project", name);
+  line("Project", shownText(name));
   line("Nodes", count(nodes));
   line("Bars", count(trusses) + " (" + count(nonLinearTrusses) + " non-linear, " + count(compressionOnlyTrusses) +
                    " compression-only)");

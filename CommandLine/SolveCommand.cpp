@@ -12,6 +12,7 @@
 #include "Platform/Console.h"
 #include "Platform/NumberText.h"
 #include "Platform/OutputFiles.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -34,7 +35,7 @@ void printSummary(const Project& project, const SolveResult& result, double seco
       std::fprintf(stderr, "%-22s %.6g at %s %lld\n", what, extreme.value, where,
                    static_cast<long long>(extreme.index));
   };
-  std::fprintf(stderr, "%-22s %s\n", "Project", project.name->c_str());
+  std::fprintf(stderr, "%-22s %s\n", "Project", shownText(*project.name).c_str());
   std::fprintf(stderr, "%-22s %lld nodes, %zu bars, %zu beams\n", "Structure",
                static_cast<long long>(project.nodeCount()), project.trussElements->size(),
                project.beamElements->size());

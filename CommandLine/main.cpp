@@ -1,7 +1,10 @@
 #include <cstdio>
 #include <exception>
+#include <iostream>
+#include <sstream>
 
 #include "CommandLine/Commands.h"
+#include "Platform/ShownText.h"
 #include "Platform/Signals.h"
 
 namespace {
@@ -24,7 +27,11 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? exitStatus::success : exitStatus::usage;
+    std::stringstream lines;
+    const int code = app.exit(error, std::cout, lines);
+    for (std::string line; std::getline(lines, line);)
+      std::fprintf(stderr, "%s\n", shownText(line, std::string::npos).c_str());
+    return code == 0 ? exitStatus::success : exitStatus::usage;
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
     std::fputs("Failed to write to standard output.\n", stderr);
@@ -42,7 +49,7 @@ int main(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     std::fputs("Not enough memory.\n", stderr);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "Unexpected error: %s\n", error.what());
+    std::fprintf(stderr, "Unexpected error: %s\n", shownText(error.what()).c_str());
   }
   return exitStatus::failure;
 }

@@ -8,6 +8,7 @@
 
 #include "Exchange/Draft.h"
 #include "Platform/NumberText.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ class Reader {
     if (field.empty() && otherwise) return *otherwise;
     if (table_.separator != ',') std::ranges::replace(field, ',', '.');
     const auto number = parseNumber(field);
-    if (!number || !std::isfinite(*number)) fail(name, "expected a number, found \"" + text(name) + "\"");
+    if (!number || !std::isfinite(*number)) fail(name, "expected a number, found " + shownQuoted(text(name)));
     return *number;
   }
 
@@ -87,7 +88,7 @@ class Reader {
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
     if (error != std::errc() || end != field.data() + field.size() || number < 0)
-      fail(name, "expected the number of a node, found \"" + field + "\"");
+      fail(name, "expected the number of a node, found " + shownQuoted(field));
     return number;
   }
 
@@ -139,8 +140,8 @@ void requireOneDecimalMark(const CsvTable& table, std::span<const std::string_vi
     throw ImportError(commaAt + ": a number has a comma, but one has a point in " + pointAt +
                       "; a table has one decimal mark");
   if (!isDecimal)
-    throw ImportError(commaAt + ": the comma of \"" + doubtfulAt +
-                      "\" may mark decimals or thousands; use a point or none");
+    throw ImportError(commaAt + ": the comma of " + shownQuoted(doubtfulAt) +
+                      " may mark decimals or thousands; use a point or none");
 }
 
 std::array<bool, dofsPerNode> heldIn(const Reader& reader) {
@@ -149,7 +150,7 @@ std::array<bool, dofsPerNode> heldIn(const Reader& reader) {
   std::istringstream words(lower(reader.text("held")));
   for (std::string word; words >> word;) {
     const auto found = std::ranges::find(names, word);
-    if (found == names.end()) reader.fail("held", "\"" + word + "\" is none of x, y, z, rx, ry, rz");
+    if (found == names.end()) reader.fail("held", shownQuoted(word) + " is none of x, y, z, rx, ry, rz");
     held[static_cast<std::size_t>(found - names.begin())] = true;
   }
   return held;
@@ -181,14 +182,15 @@ void readKind(const Reader& reader, Draft::Member& member) {
     else if (word == "compression-only")
       member.isCompressionOnly = true;
     else if (word != "bar")
-      reader.fail("kind", "\"" + word + "\" is none of bar, beam, non-linear, compression-only");
+      reader.fail("kind", shownQuoted(word) + " is none of bar, beam, non-linear, compression-only");
   }
 }
 
 /// Names what is passed over, unless a table that was exported has it.
 void remarkOnUnknown(const CsvTable& table, const std::set<std::string, std::less<>>& known, Draft& draft) {
   for (const std::string& name : table.names)
-    if (!name.empty() && !known.contains(name)) draft.remarks.push_back("The column \"" + name + "\" is passed over.");
+    if (!name.empty() && !known.contains(name))
+      draft.remarks.push_back("The column " + shownQuoted(name) + " is passed over.");
 }
 
 }  // namespace
@@ -198,7 +200,7 @@ CsvTable CsvTable::of(const std::string& text) {
   std::istringstream lines(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text);
   std::size_t number = 0;
   const auto fail = [&](std::size_t i, const std::string& why) {
-    const std::string column = i < table.names.size() ? ", column " + table.names[i] : "";
+    const std::string column = i < table.names.size() ? ", column " + shownText(table.names[i]) : "";
     throw ImportError("line " + std::to_string(number) + column + ": " + why);
   };
   for (std::string line; std::getline(lines, line);) {
@@ -207,7 +209,8 @@ CsvTable CsvTable::of(const std::string& text) {
     if (table.names.empty()) {
       table.separator = separatorOf(line);
       for (const std::string& name : split(line, table.separator, fail)) {
-        if (!name.empty() && table.column(name)) fail(table.names.size(), "the column \"" + name + "\" stands twice");
+        if (!name.empty() && table.column(name))
+          fail(table.names.size(), "the column " + shownQuoted(name) + " stands twice");
         table.names.push_back(lower(name));
       }
       continue;

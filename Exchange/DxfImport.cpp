@@ -9,6 +9,7 @@
 
 #include "Exchange/Draft.h"
 #include "Platform/NumberText.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -36,7 +37,8 @@ struct Entity {
   [[nodiscard]] static double numberOf(const Group& group) {
     const auto number = parseNumber(group.value);
     if (!number || !std::isfinite(*number))
-      throw ImportError("line " + std::to_string(group.line) + ": expected a number, found \"" + group.value + "\"");
+      throw ImportError("line " + std::to_string(group.line) + ": expected a number, found " +
+                        shownQuoted(group.value));
     return *number;
   }
   [[nodiscard]] double coordinate(int code) const {
@@ -45,15 +47,16 @@ struct Entity {
     return numberOf(*group);
   }
   [[noreturn]] void lacks(int code) const {
-    throw ImportError("line " + std::to_string(line) + ": the " + name + " has no group " + std::to_string(code));
+    throw ImportError("line " + std::to_string(line) + ": the " + shownText(name) + " has no group " +
+                      std::to_string(code));
   }
   [[nodiscard]] bool flag(int code, int bits) const {
     const Group* group = find(code);
     if (group == nullptr) return false;
     const double number = numberOf(*group);
     if (number < 0 || number > INT_MAX || number != std::trunc(number))
-      throw ImportError("line " + std::to_string(group->line) + ": expected a whole number, found \"" + group->value +
-                        "\"");
+      throw ImportError("line " + std::to_string(group->line) + ": expected a whole number, found " +
+                        shownQuoted(group->value));
     return (static_cast<int>(number) & bits) != 0;
   }
   [[nodiscard]] Vector3 point(int xCode) const {
@@ -85,8 +88,8 @@ std::vector<Entity> entitiesOf(const std::string& dxf) {
     Group group{0, {}, number += 2};
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), group.code);
     if (error != std::errc() || end != digits.data() + digits.size() || !std::getline(lines, value))
-      throw ImportError("line " + std::to_string(number - 1) + ": expected a group code and its value, found \"" +
-                        digits + "\"");
+      throw ImportError("line " + std::to_string(number - 1) + ": expected a group code and its value, found " +
+                        shownQuoted(digits));
     group.value = trimmed(value);
     if (group.code == 0) {
       entersSection = group.value == "SECTION";
@@ -138,7 +141,7 @@ std::vector<Path> pathsOf(const std::vector<Entity>& entities, std::map<std::str
   Path* open = nullptr;  // the polyline whose vertices follow
   for (const Entity& entity : entities) {
     if (entity.flag(67, 1) && entity.name != "VERTEX" && entity.name != "SEQEND") {
-      ++leftOut[entity.name + onPaper];
+      ++leftOut[shownText(entity.name) + onPaper];
     } else if (entity.name == "LINE") {
       paths.push_back({{entity.point(10), entity.point(11)}});
     } else if (entity.name == "LWPOLYLINE" && !entity.isTilted()) {
@@ -147,7 +150,7 @@ std::vector<Path> pathsOf(const std::vector<Entity>& entities, std::map<std::str
       const bool taken = !entity.flag(70, isMesh) && (entity.flag(70, isInSpace) || !entity.isTilted());
       if (taken) paths.push_back({{}, entity.flag(70, isClosed)});
       open = taken ? &paths.back() : nullptr;
-      if (!taken) ++leftOut[entity.name + notLines];
+      if (!taken) ++leftOut[shownText(entity.name) + notLines];
       continue;
     } else if (entity.name == "VERTEX") {
       if (open == nullptr || entity.flag(70, isControlPoint)) continue;
@@ -155,7 +158,7 @@ std::vector<Path> pathsOf(const std::vector<Entity>& entities, std::map<std::str
       open->isBent = open->isBent || entity.number(42, 0) != 0;
       continue;
     } else if (entity.name != "SEQEND") {
-      ++leftOut[entity.name + notLines];
+      ++leftOut[shownText(entity.name) + notLines];
     }
     open = nullptr;
   }

@@ -6,6 +6,7 @@
 #include "DataModel/ArrayLengths.h"
 #include "Exchange/Draft.h"
 #include "Platform/FileBytes.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -76,7 +77,7 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
       addMembers(table, draft);
     }
   } catch (const ImportError& error) {
-    return Failure{current.filename().string() + ", " + error.what()};
+    return Failure{shownText(current.filename().string()) + ", " + error.what()};
   }
   auto filled = fitArrays(project);
   if (!filled) return filled.failure();

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "Platform/FileDescriptor.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -22,7 +23,8 @@ std::size_t expectedSize(const struct stat& status) {
 }  // namespace
 
 Failure systemFailure(const std::string& attempt, const std::filesystem::path& path, int code) {
-  return {attempt + " \"" + path.string() + "\": " + std::generic_category().message(code)};
+  return {attempt + " \"" + shownText(path.string(), std::string::npos) +
+          "\": " + std::generic_category().message(code)};
 }
 
 Result<std::string> readFile(const std::filesystem::path& path) {

@@ -2,6 +2,7 @@
 
 #include "Platform/JsonFault.h"
 #include "Platform/NumberText.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ std::string whatIs(JsonValue json) {
     case json_type::number: {
       constexpr std::size_t longest = 40;
       const std::string_view number = tokenOf(json);
-      return number.size() > longest ? "a number" : "the number " + std::string(number);
+      return number.size() > longest ? "a number" : "the number " + shownText(number);
     }
     case json_type::string:
       return "a text";

@@ -6,13 +6,14 @@
 #include "Exchange/Export.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
+#include "Platform/ShownText.h"
 #include "PreviewContent/FileUrl.h"
 
 namespace {
 
 QString report(const std::optional<Failure>& failure, const std::filesystem::path& file) {
   if (!failure) {
-    printLine("Exported " + file.filename().string());
+    printLine("Exported " + shownText(file.filename().string()));
     return {};
   }
   printLine("Failed to export: " + failure->reason);

@@ -11,6 +11,7 @@
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
 #include "Platform/FileBytes.h"
+#include "Platform/ShownText.h"
 #include "Platform/TemporaryFile.h"
 #include "PreviewContent/Drawable.h"
 
@@ -155,7 +156,7 @@ void Recovery::look(int furtherTries) {
     if (!lock) continue;
     auto content = readRecovery(file);
     if (!content) {
-      printWarning("the recovery file " + file.string() + " is left alone: " + content.failure().reason);
+      printWarning("the recovery file " + shownText(file.string()) + " is left alone: " + content.failure().reason);
       continue;
     }
     const auto reason = readFile(reasonOf(file));

@@ -15,6 +15,7 @@
 #include "DataModel/ProjectFile.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/FileBytes.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -194,5 +195,5 @@ Result<RecoveredProject> readRecovery(const std::filesystem::path& path) try {
   if (checksum.digits() != text.substr(content.size())) return Failure{"its checksum is wrong"};
   return read(SectionReader(content));
 } catch (const Missing& missing) {
-  return Failure{"another version has written it: " + missing.key + " is not there"};
+  return Failure{"another version has written it: " + shownText(missing.key) + " is not there"};
 }

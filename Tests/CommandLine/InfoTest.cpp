@@ -25,6 +25,20 @@ std::string faultyJson() {
 
 }  // namespace
 
+TEST(Info, KeepsANameInItsLine) {
+  const TemporaryFolder folder;
+  std::string json = singleBarJson();
+  json.replace(json.find("Single bar"), 10, R"(A\n\u001b[2J\u009b\u202eB)");
+  const std::string model = folder.put("a\nNodes  9.json", json);
+  EXPECT_THAT(gavrelCli({"info", model}).output,
+              testing::StartsWith("Project                 A\\n\\x1b[2J\\u009b\\u202eB\nNodes                   2\n"));
+  EXPECT_THAT(gavrelCli({"solve", "--summary", model}).errors,
+              testing::StartsWith("Project                A\\n\\x1b[2J\\u009b\\u202eB\nStructure"));
+  EXPECT_THAT(gavrelCli({"info", "--json", model}).output, HasSubstr("\"name\": \"A\\n\\u001b[2J\u009b\u202eB\""));
+  EXPECT_THAT(gavrelCli({"info", model + "\x1b"}).errors, HasSubstr("a\\nNodes  9.json\\x1b\": No such file"));
+  EXPECT_THAT(gavrelCli({"info", model, "x\x1b"}).errors, HasSubstr("x\\x1b"));
+}
+
 TEST(Info, DescribesTheModelAndItsMistakes) {
   const TemporaryFolder folder;
   const std::string faulty = folder.put("faulty.json", faultyJson());

@@ -81,6 +81,22 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
             "a.csv, line 2, column kind: \"rope\" is none of bar, beam, non-linear, compression-only");
   EXPECT_EQ(reasonFor("a.csv", "start,end,kind\n0,1,beam\n"),
             "a.csv, line 2, column shearModulus: expected a number, found \"\"");
+  const std::string hostile = "7\x1b[2j" + std::string(100, '\x85');
+  for (const auto& [name, content] : {std::pair{"a.csv", "x,y\n1," + hostile},
+                                      {"a.csv", "x,y,node\n1,2," + hostile},
+                                      {"a.csv", "x,y,held\n1,2," + hostile},
+                                      {"a.csv", "start,end,kind\n0,1," + hostile},
+                                      {"a.csv", "x,y," + hostile + "," + hostile},
+                                      {"a.csv", "x,y," + hostile + "\n1,2,3\"4"},
+                                      {"a.csv", "x\ty\n1\t1,234" + hostile},
+                                      {"a.dxf", dxf("0 LINE 10 " + hostile)},
+                                      {"a.dxf", dxf(hostile)},
+                                      {"a.dxf", dxf("0 LWPOLYLINE 70 " + hostile)},
+                                      {"a\x1b[2j.csv", std::string()}}) {
+    const std::string reason = reasonFor(name, content);
+    EXPECT_THAT(reason, HasSubstr("\\x1b[2j"));
+    EXPECT_TRUE(reason.size() < 1000 && std::ranges::none_of(reason, [](unsigned char c) { return c < ' '; }));
+  }
   EXPECT_THAT(reasonFor("a.csv", "a,b\n1,2\n"), HasSubstr("neither x and y, for nodes, nor start and end"));
   EXPECT_THAT(reasonFor("a.csv", " \n"), HasSubstr("the file is empty"));
   EXPECT_EQ(reasonFor("a.csv", "x,y,X\n1,2,3\n"), "a.csv, line 1: the column \"X\" stands twice");
