@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <set>
@@ -12,79 +11,28 @@
 
 namespace {
 
-std::string trimmed(std::string text) {
-  const auto isSpace = [](unsigned char c) { return std::isspace(c) != 0; };
-  text.erase(std::find_if_not(text.rbegin(), text.rend(), isSpace).base(), text.end());
-  text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isSpace));
-  return text;
-}
-
-std::string lower(std::string text) {
-  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
-
-/// The fields of one line. A field in quotation marks may hold separators, and marks that are doubled. `fail(i, why)`
-/// throws for field i.
-template <class Fail>
-std::vector<std::string> split(const std::string& line, char separator, Fail&& fail) {
-  enum class Part { Start, Plain, Quoted, AfterQuotes };
-  std::vector<std::string> fields(1);
-  Part part = Part::Start;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const char c = line[i];
-    if (part == Part::Quoted) {
-      const bool doubled = c == '"' && line.substr(i, 2) == "\"\"";
-      if (c != '"' || doubled) fields.back() += c;
-      if (doubled) ++i;
-      if (c == '"' && !doubled) part = Part::AfterQuotes;
-    } else if (c == separator) {
-      fields.emplace_back();
-      part = Part::Start;
-    } else if (c == '"' && part == Part::Start) {
-      part = Part::Quoted;
-    } else if (std::isspace(static_cast<unsigned char>(c)) != 0) {
-      if (part == Part::Plain) fields.back() += c;
-    } else {
-      if (c == '"' || part == Part::AfterQuotes)
-        fail(fields.size() - 1, "quotation marks stand around a whole value, and are doubled inside");
-      part = Part::Plain;
-      fields.back() += c;
-    }
-  }
-  if (part == Part::Quoted) fail(fields.size() - 1, "a quotation mark is not closed");
-  for (std::string& field : fields) field = trimmed(std::move(field));
-  return fields;
-}
-
-char separatorOf(const std::string& heading) {
-  const auto count = [&heading](char c) { return std::ranges::count(heading, c); };
-  if (count(';') > 0) return ';';
-  return count('\t') > count(',') ? '\t' : ',';
-}
-
 /// Reads the fields of one row by the names of their columns.
 class Reader {
  public:
   Reader(const CsvTable& table, const CsvTable::Row& row) : table_(table), row_(row) {}
 
   /// The text in a column; empty without that column.
-  [[nodiscard]] std::string text(std::string_view name) const {
+  [[nodiscard]] std::string_view text(std::string_view name) const {
     const auto column = table_.column(name);
-    return column ? row_.fields[*column] : std::string();
+    return column ? row_.fields[*column] : std::string_view();
   }
 
   [[nodiscard]] double number(std::string_view name, std::optional<double> otherwise) const {
-    std::string field = text(name);
+    std::string field(text(name));
     if (field.empty() && otherwise) return *otherwise;
-    if (table_.separator != ',') std::ranges::replace(field, ',', '.');
+    if (table_.separator() != ',') std::ranges::replace(field, ',', '.');
     const auto number = parseNumber(field);
     if (!number || !std::isfinite(*number)) fail(name, "expected a number, found " + shownQuoted(text(name)));
     return *number;
   }
 
   [[nodiscard]] std::int64_t whole(std::string_view name) const {
-    const std::string field = text(name);
+    const std::string_view field = text(name);
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
     if (error != std::errc() || end != field.data() + field.size() || number < 0)
@@ -119,22 +67,22 @@ bool mayGroupThousands(std::string_view field) {
 /// Where commas do not separate, a number may have one instead of a point. Throws ImportError if numbers of these
 /// columns have both, or if nothing tells a decimal comma from one that groups thousands.
 void requireOneDecimalMark(const CsvTable& table, std::span<const std::string_view> columns) {
-  if (table.separator == ',') return;
+  if (table.separator() == ',') return;
   std::string pointAt;
   std::string commaAt;
   std::string doubtfulAt;
-  bool isDecimal = table.separator == ';';  // it separates where the comma is the decimal mark
-  for (const CsvTable::Row& row : table.rows) {
+  bool isDecimal = table.separator() == ';';  // it separates where the comma is the decimal mark
+  table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
     for (const std::string_view name : columns) {
-      const std::string field = reader.text(name);
-      const bool hasComma = field.find(',') != std::string::npos;
+      const std::string_view field = reader.text(name);
+      const bool hasComma = field.find(',') != field.npos;
       if (hasComma && commaAt.empty()) commaAt = reader.place(name);
       if (hasComma && !mayGroupThousands(field)) isDecimal = true;
       if (hasComma && doubtfulAt.empty()) doubtfulAt = field;
-      if (field.find('.') != std::string::npos && pointAt.empty()) pointAt = reader.place(name);
+      if (field.find('.') != field.npos && pointAt.empty()) pointAt = reader.place(name);
     }
-  }
+  });
   if (commaAt.empty()) return;
   if (!pointAt.empty())
     throw ImportError(commaAt + ": a number has a comma, but one has a point in " + pointAt +
@@ -188,53 +136,18 @@ void readKind(const Reader& reader, Draft::Member& member) {
 
 /// Names what is passed over, unless a table that was exported has it.
 void remarkOnUnknown(const CsvTable& table, const std::set<std::string, std::less<>>& known, Draft& draft) {
-  for (const std::string& name : table.names)
+  for (const std::string& name : table.names())
     if (!name.empty() && !known.contains(name))
       draft.remarks.push_back("The column " + shownQuoted(name) + " is passed over.");
 }
 
 }  // namespace
 
-CsvTable CsvTable::of(const std::string& text) {
-  CsvTable table;
-  std::istringstream lines(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text);
-  std::size_t number = 0;
-  const auto fail = [&](std::size_t i, const std::string& why) {
-    const std::string column = i < table.names.size() ? ", column " + shownText(table.names[i]) : "";
-    throw ImportError("line " + std::to_string(number) + column + ": " + why);
-  };
-  for (std::string line; std::getline(lines, line);) {
-    ++number;
-    if (trimmed(line).empty()) continue;
-    if (table.names.empty()) {
-      table.separator = separatorOf(line);
-      for (const std::string& name : split(line, table.separator, fail)) {
-        if (!name.empty() && table.column(name))
-          fail(table.names.size(), "the column " + shownQuoted(name) + " stands twice");
-        table.names.push_back(lower(name));
-      }
-      continue;
-    }
-    auto fields = split(line, table.separator, fail);
-    if (fields.size() != table.names.size())
-      throw ImportError("line " + std::to_string(number) + ": " + std::to_string(fields.size()) + " values for " +
-                        std::to_string(table.names.size()) + " columns");
-    table.rows.push_back({number, std::move(fields)});
-  }
-  if (table.names.empty()) throw ImportError("line 1: the file is empty");
-  return table;
-}
-
-std::optional<std::size_t> CsvTable::column(std::string_view name) const {
-  const auto found = std::ranges::find(names, lower(std::string(name)));
-  return found == names.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - names.begin()));
-}
-
 void addNodes(const CsvTable& table, Draft& draft) {
   requireOneDecimalMark(table, std::array<std::string_view, 9>{"x", "y", "z", "Fx", "Fy", "Fz", "Mx", "My", "Mz"});
   const bool numbered = table.column("node").has_value();
   if (!draft.numbers) draft.numbers.emplace();
-  for (const CsvTable::Row& row : table.rows) {
+  table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
     const std::int64_t number = numbered ? reader.whole("node") : std::ssize(*draft.numbers);
     if (!draft.numbers->emplace(number, draft.nodeCount()).second)
@@ -243,7 +156,7 @@ void addNodes(const CsvTable& table, Draft& draft) {
                            {reader.number("Fx", 0), reader.number("Fy", 0), reader.number("Fz", 0),
                             reader.number("Mx", 0), reader.number("My", 0), reader.number("Mz", 0)},
                            heldIn(reader)});
-  }
+  });
   remarkOnUnknown(
       table, {"node", "x", "y", "z", "fx", "fy", "fz", "mx", "my", "mz", "held", "ux", "uy", "uz", "θx", "θy", "θz"},
       draft);
@@ -252,7 +165,7 @@ void addNodes(const CsvTable& table, Draft& draft) {
 void addMembers(const CsvTable& table, Draft& draft) {
   requireOneDecimalMark(
       table, std::array<std::string_view, 5>{"area", "youngModulus", "shearModulus", "inertiaY", "inertiaZ"});
-  for (const CsvTable::Row& row : table.rows) {
+  table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
     Draft::Member member{.start = nodeIn(draft, reader, "start"), .end = nodeIn(draft, reader, "end")};
     member.isNonLinear = draft.settings.isNonLinear;
@@ -265,7 +178,7 @@ void addMembers(const CsvTable& table, Draft& draft) {
       member.inertiaZ = reader.number("inertiaZ", {});
     }
     draft.members.push_back(member);
-  }
+  });
   remarkOnUnknown(table,
                   {"kind", "number", "start", "end", "length", "strain", "force", "state", "area", "youngmodulus",
                    "shearmodulus", "inertiay", "inertiaz"},

@@ -6,8 +6,10 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "Exchange/CsvTable.h"
 #include "Exchange/Import.h"
 
 /// What files add to a project, before it is added. Nodes are numbered as they will be in the project.
@@ -46,26 +48,7 @@ struct ImportError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A file of values with a heading.
-struct CsvTable {
-  struct Row {
-    std::size_t line;
-    std::vector<std::string> fields;
-  };
-
-  std::vector<std::string> names;  ///< in lower case
-  std::vector<Row> rows;
-  char separator = ',';
-
-  /// Throws ImportError for a text without a heading, columns of the same name, and rows of another length.
-  [[nodiscard]] static CsvTable of(const std::string& text);
-
-  [[nodiscard]] std::optional<std::size_t> column(std::string_view name) const;
-  [[nodiscard]] bool isOfNodes() const { return column("x") && column("y"); }
-  [[nodiscard]] bool isOfMembers() const { return column("start") && column("end"); }
-};
-
 /// Each throws ImportError.
 void addNodes(const CsvTable& table, Draft& draft);
 void addMembers(const CsvTable& table, Draft& draft);
-void addDrawing(const std::string& dxf, Draft& draft);
+void addDrawing(std::string_view dxf, Draft& draft);

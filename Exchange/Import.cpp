@@ -1,7 +1,6 @@
 #include "Exchange/Import.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "DataModel/ArrayLengths.h"
 #include "Exchange/Draft.h"
@@ -11,9 +10,7 @@
 namespace {
 
 bool isDrawing(const std::filesystem::path& file) {
-  std::string extension = file.extension().string();
-  std::ranges::transform(extension, extension.begin(), [](unsigned char c) { return std::tolower(c); });
-  return extension == ".dxf";
+  return lower(file.extension().string()) == ".dxf";
 }
 
 Vector3 placeOf(const Draft& draft, std::int64_t node) {
@@ -26,6 +23,9 @@ ImportOutcome addTo(Project& project, const Draft& draft) {
   ImportOutcome outcome{.nodes = std::ssize(draft.nodes), .remarks = draft.remarks};
   std::vector<TrussElement> trusses = *project.trussElements;
   std::vector<BeamElement> beams = *project.beamElements;
+  const auto newBeams = static_cast<std::size_t>(std::ranges::count(draft.members, true, &Draft::Member::isBeam));
+  beams.reserve(beams.size() + newBeams);
+  trusses.reserve(trusses.size() + draft.members.size() - newBeams);
   for (const Draft::Member& member : draft.members) {
     const Vector3 start = placeOf(draft, member.start);
     const Vector3 end = placeOf(draft, member.end);
@@ -58,13 +58,13 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
   try {
     for (const auto& file : files) {
       current = file;
-      const auto content = readFile(file);
+      auto content = readFile(file);
       if (!content) return content.failure();
       if (isDrawing(file)) {
         addDrawing(*content, draft);
         continue;
       }
-      CsvTable table = CsvTable::of(*content);
+      CsvTable table(std::move(*content));
       if (table.isOfNodes())
         addNodes(table, draft);
       else if (table.isOfMembers())

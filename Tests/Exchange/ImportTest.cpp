@@ -100,6 +100,9 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   EXPECT_THAT(reasonFor("a.csv", "a,b\n1,2\n"), HasSubstr("neither x and y, for nodes, nor start and end"));
   EXPECT_THAT(reasonFor("a.csv", " \n"), HasSubstr("the file is empty"));
   EXPECT_EQ(reasonFor("a.csv", "x,y,X\n1,2,3\n"), "a.csv, line 1: the column \"X\" stands twice");
+  EXPECT_EQ(reasonFor("a.csv", "\n" + std::string(1000, ',')), "a.csv, line 2: 1001 columns; a table has at most 1000");
+  EXPECT_EQ(reasonFor("a.csv", "x,y\n1,2\n" + std::string(100000, ',')), "a.csv, line 3: 100001 values for 2 columns");
+  EXPECT_THAT(reasonFor("a.csv", std::string("x,y\n1,2\0\n", 9)), HasSubstr("column y: expected a number"));
   for (const char* const quoted : {"2\"3\"4", "\"2\"3", "2\"", "\"2\"\"3\"4", "\"2\" \"3\""})
     EXPECT_EQ(reasonFor("a.csv", std::string("x,y\n1,") + quoted),
               "a.csv, line 2, column y: quotation marks stand around a whole value, and are doubled inside");
@@ -145,6 +148,7 @@ TEST(Import, ReadsACommaByOneRuleInATable) {
   EXPECT_THAT(coordinatesOf("x\ty\tnote\n0,234\t1\tv1.2\n"), ElementsAre(0.234, 1, 0));
   EXPECT_THAT(coordinatesOf("x\ty\tnote\n1.5\t1\ta,b\n"), ElementsAre(1.5, 1, 0));
   EXPECT_THAT(coordinatesOf("x,y\n\"1.5\", \"2\" \n"), ElementsAre(1.5, 2, 0));
+  EXPECT_THAT(coordinatesOf("\"a \"\"b\"\", c\", x ,\ty\n\"1\"\"\",\"1.5\",2\r\n\r\n"), ElementsAre(1.5, 2, 0));
 
   Project project;
   const auto reasonFor = [&](const std::string& content) {

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The lines of a text, one after the other. What it gives are views of that text.
+class Lines {
+ public:
+  /// `before`: how many lines stand before the text in its file.
+  explicit Lines(std::string_view text, std::size_t before = 0) : rest_(text), number_(before) {}
+
+  /// The next line without its line feed; nothing after the last one.
+  [[nodiscard]] std::optional<std::string_view> next() {
+    if (rest_.empty()) return std::nullopt;
+    const std::string_view line = rest_.substr(0, rest_.find('\n'));
+    rest_.remove_prefix(std::min(line.size() + 1, rest_.size()));
+    ++number_;
+    return line;
+  }
+
+  /// The number of the line that it gave last.
+  [[nodiscard]] std::size_t number() const { return number_; }
+  /// The text after that line.
+  [[nodiscard]] std::string_view rest() const { return rest_; }
+
+ private:
+  std::string_view rest_;
+  std::size_t number_;
+};
+
+/// Space as ASCII has it, whatever the user's locale.
+[[nodiscard]] inline bool isSpace(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+/// Without the space at its ends.
+[[nodiscard]] inline std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+/// With the letters A to Z in lower case.
+[[nodiscard]] inline std::string lower(std::string_view text) {
+  std::string result(text);
+  for (char& c : result)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return result;
+}
