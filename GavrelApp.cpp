@@ -5,6 +5,7 @@
 #include <QUrl>
 #include <QVariantMap>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Fatal.h"
 
@@ -20,13 +21,20 @@ std::filesystem::path recoveryFolder() {
   return (QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery").toStdString();
 }
 
+std::vector<QByteArray> compiledInKeys() {
+  std::vector<QByteArray> keys;
+  for (const char* key : {GAVREL_UPDATE_PUBLIC_KEY, GAVREL_UPDATE_SECOND_PUBLIC_KEY})
+    if (*key != '\0') keys.push_back(QByteArray::fromBase64(key));
+  return keys;
+}
+
 }  // namespace
 
 GavrelApp::GavrelApp(QObject* parent)
     : QObject(parent),
       updateManager({.versionCheckUrl = QStringLiteral(GAVREL_UPDATE_SERVER "/versions.json"),
                      .bundle = mainBundle(),
-                     .publicKey = QByteArray::fromBase64(GAVREL_UPDATE_PUBLIC_KEY),
+                     .publicKeys = compiledInKeys(),
                      .whyNotNow = [this] { return whyNotToBeEnded(); },
                      .terminate = [this] { restart(); }}),
       recovery(projectViewModel, recoveryFolder()),

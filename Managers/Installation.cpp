@@ -93,8 +93,8 @@ Outcome startInstaller(const Installation& installation) try {
     return failed(
         QObject::tr("This copy was not installed as an application bundle. "
                     "Please update it through the package manager that installed it."));
-  if (!installation.publicKey.isEmpty() &&
-      !isSigned(installation.archive, installation.signature, installation.publicKey))
+  if (!installation.publicKeys.empty() &&
+      !isFileSigned(installation.archive, installation.signature, installation.publicKeys))
     return UpdateError{UpdateError::Case::downloadFailed, wrongSignature()};
 
   const fs::path folder = fs::path(installation.archive.toStdString()).parent_path();

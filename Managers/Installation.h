@@ -3,16 +3,18 @@
 #include <QByteArray>
 #include <QString>
 #include <optional>
+#include <vector>
 
 #include "Managers/UpdateState.h"
 #include "Platform/BundleInfo.h"
 
 /// What is to be installed, and in place of what.
 struct Installation {
-  QString archive;       ///< zip file; its folder takes what is made on the way
-  BundleInfo bundle;     ///< of the running program
-  QByteArray publicKey;  ///< of the updates' signer; empty where updates are not signed
-  QByteArray signature;  ///< of the archive
+  QString archive;                     ///< zip file; its folder takes what is made on the way
+  BundleInfo bundle;                   ///< of the running program
+  std::vector<QByteArray> publicKeys;  ///< of the updates' signers; none where updates are not signed
+  QByteArray signature;                ///< of the archive
+  VersionInfo offered;                 ///< what the archive was offered as
 };
 
 /// Unpacks the archive and starts the script that replaces the bundle of the running program, which the caller is to

@@ -135,7 +135,7 @@ void UpdateManager::didFinishDownloadingTo(const QString& location) {
   if (state->kind != State::downloading || downloadTask->status() != httpOk)
     return post(UpdateState::error(Error::invalidResponse));
   if (!download_->flush()) return didCompleteWithError(download_->errorString());
-  if (setup_.publicKey.isEmpty()) return storeArchive(location);
+  if (setup_.publicKeys.empty()) return storeArchive(location);
   fetchSignature(location);
 }
 
@@ -152,7 +152,7 @@ void UpdateManager::fetchSignature(const QString& location) {
       return didCompleteWithError(tr("The update's signature: %1").arg(*failure));
     if (signatureTask_->status() != httpOk)
       return didCompleteWithError(tr("The update's signature: the server answered %1.").arg(signatureTask_->status()));
-    if (!isSigned(location, signature_, setup_.publicKey)) return didCompleteWithError(wrongSignature());
+    if (!isFileSigned(location, signature_, setup_.publicKeys)) return didCompleteWithError(wrongSignature());
     storeArchive(location);
   });
 }
@@ -180,7 +180,8 @@ void UpdateManager::installUpdate(const VersionInfo&, const QUrl& archive) {
   if (const QString reason = setup_.whyNotNow ? setup_.whyNotNow() : QString(); !reason.isEmpty())
     return installationFailed(tr("Save your changes first, they would be lost: %1").arg(reason));
   post({.kind = State::installing});
-  const Installation installation{archive.toLocalFile(), setup_.bundle, setup_.publicKey, signature_};
+  const Installation installation{archive.toLocalFile(), setup_.bundle, setup_.publicKeys, signature_,
+                                  pendingVersionInfo.value_or(VersionInfo())};
   worker_.start([this, installation] {
     if (const auto error = startInstaller(installation)) return post({.kind = State::error, .failure = *error});
     QMetaObject::invokeMethod(this, setup_.terminate, Qt::QueuedConnection);

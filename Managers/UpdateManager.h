@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "Managers/HttpTransfer.h"
 #include "Managers/UpdateState.h"
@@ -27,10 +28,11 @@ class UpdateManager : public QObject {
 
  public:
   struct Setup {
-    QString versionCheckUrl;                  ///< address of the manifest
-    BundleInfo bundle = {};                   ///< of the running program
-    QByteArray publicKey = {};                ///< Ed25519, 32 bytes; where it is empty, updates need no signature
-    qint64 largestArchive = qint64{1} << 30;  ///< bytes
+    QString versionCheckUrl;  ///< address of the manifest
+    BundleInfo bundle = {};   ///< of the running program
+    /// Ed25519, 32 bytes each. The owner of any may sign updates; where there is none, they need no signature.
+    std::vector<QByteArray> publicKeys = {};
+    qint64 largestArchive = qint64{1} << 30;                      ///< bytes
     std::chrono::milliseconds silence = std::chrono::minutes(1);  ///< after which a transfer has failed
     std::function<QString()> whyNotNow =
         {};                                ///< asked before an installation; what it answers, if anything, forbids it

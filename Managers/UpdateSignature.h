@@ -1,15 +1,22 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
+#include <vector>
 
 /// Sizes of an Ed25519 key and signature in bytes.
 inline constexpr qsizetype publicKeySize = 32;
 inline constexpr qsizetype signatureSize = 64;
 
-/// Whether `signature` is the Ed25519 signature (RFC 8032, without prehashing) of the file's content by the owner of
-/// `publicKey`. False also for a file that cannot be read, and for a key or signature of another size.
-[[nodiscard]] bool isSigned(const QString& file, const QByteArray& signature, const QByteArray& publicKey);
+/// Whether `signature` is the Ed25519 signature (RFC 8032, without prehashing) of the content by the owner of one of
+/// the keys. False also for a signature of another size; a key of another size counts for none.
+[[nodiscard]] bool isSigned(QByteArrayView content, const QByteArray& signature,
+                            const std::vector<QByteArray>& publicKeys);
+
+/// The same for the content of a file. False also for a file that is empty or cannot be read.
+[[nodiscard]] bool isFileSigned(const QString& file, const QByteArray& signature,
+                                const std::vector<QByteArray>& publicKeys);
 
 /// The line for the user where it is not.
 [[nodiscard]] QString wrongSignature();

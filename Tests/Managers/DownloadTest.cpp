@@ -166,7 +166,7 @@ class SignedDownload : public Download {
     for (const char* name : {"ours", "theirs"})
       runTool("openssl", {"genpkey", "-algorithm", "ed25519", "-out", path(name)});
     runTool("openssl", {"pkey", "-in", path("ours"), "-pubout", "-outform", "DER", "-out", path("public")});
-    setup.publicKey = QByteArray::fromStdString(files.get("public")).last(32);
+    setup.publicKeys = {QByteArray::fromStdString(files.get("public")).last(32)};
     server.answers["/a.zip"] = {"content"};
   }
 
