@@ -21,6 +21,10 @@ std::filesystem::path recoveryFolder() {
   return (QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery").toStdString();
 }
 
+QString settingsFile() {
+  return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + "/gavrel.ini";
+}
+
 std::vector<QByteArray> compiledInKeys() {
   std::vector<QByteArray> keys;
   for (const char* key : {GAVREL_UPDATE_PUBLIC_KEY, GAVREL_UPDATE_SECOND_PUBLIC_KEY})
@@ -33,13 +37,13 @@ std::vector<QByteArray> compiledInKeys() {
 GavrelApp::GavrelApp(QObject* parent)
     : QObject(parent),
       updateManager({.versionCheckUrl = QStringLiteral(GAVREL_UPDATE_SERVER "/versions.json"),
+                     .settings = settingsFile(),
                      .bundle = mainBundle(),
                      .publicKeys = compiledInKeys(),
                      .whyNotNow = [this] { return whyNotToBeEnded(); },
                      .terminate = [this] { restart(); }}),
       recovery(projectViewModel, recoveryFolder()),
-      recentFiles(projectViewModel,
-                  QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + "/gavrel.ini") {
+      recentFiles(projectViewModel, settingsFile()) {
   engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
   onFatal([this](std::string_view line) { recovery.keepReason(line); });
 }

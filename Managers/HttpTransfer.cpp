@@ -19,6 +19,10 @@ bool isServersError(const QNetworkReply& reply) {
          reply.error() >= QNetworkReply::ContentAccessDenied;
 }
 
+double seconds(std::chrono::milliseconds time) {
+  return std::chrono::duration<double>(time).count();
+}
+
 }  // namespace
 
 HttpTransfer::HttpTransfer(QNetworkAccessManager& session, const QUrl& url, TransferLimits limits, QIODevice& sink)
@@ -35,6 +39,12 @@ HttpTransfer::HttpTransfer(QNetworkAccessManager& session, const QUrl& url, Tran
     emit progressed(written, announced ? expected : -1);
   });
   connect(reply_, &QNetworkReply::finished, this, &HttpTransfer::complete);
+
+  connect(&wholeTimer_, &QTimer::timeout, this,
+          [this] { stop(tr("The server did not send everything within %1 seconds.").arg(seconds(limits_.whole))); });
+  connect(&periodTimer_, &QTimer::timeout, this, &HttpTransfer::comparePace);
+  if (limits.whole.count() > 0) wholeTimer_.start(limits.whole);
+  if (limits.period.count() > 0) periodTimer_.start(limits.period);
 }
 
 HttpTransfer::~HttpTransfer() {
@@ -59,12 +69,21 @@ void HttpTransfer::receive() {
 }
 
 void HttpTransfer::complete() {
+  wholeTimer_.stop();
+  periodTimer_.stop();
   receive();
   if (!failure_ && reply_->error() == QNetworkReply::OperationCanceledError)
-    failure_ = tr("The server sent nothing for %1 seconds.").arg(static_cast<double>(limits_.silence.count()) / 1000);
+    failure_ = tr("The server sent nothing for %1 seconds.").arg(seconds(limits_.silence));
   else if (!failure_ && reply_->error() != QNetworkReply::NoError && !isServersError(*reply_))
     failure_ = reply_->errorString();
   emit finished();
+}
+
+void HttpTransfer::comparePace() {
+  const double time = seconds(limits_.period);
+  if (static_cast<double>(received_ - receivedBefore_) < time * leastRate)
+    return stop(tr("The server sent less than %1 bytes a second for %2 seconds.").arg(leastRate).arg(time));
+  receivedBefore_ = received_;
 }
 
 void HttpTransfer::stop(const QString& reason) {

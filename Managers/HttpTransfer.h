@@ -6,15 +6,21 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
 #include <chrono>
 #include <optional>
 
 /// Bounds of one transfer.
 struct TransferLimits {
-  qint64 bytes;                       ///< more are a failure
-  std::chrono::milliseconds silence;  ///< how long the server may send nothing
+  qint64 bytes;                           ///< more are a failure
+  std::chrono::milliseconds silence;      ///< how long the server may send nothing
+  std::chrono::milliseconds whole = {};   ///< how long the transfer may take in all; 0: any time
+  std::chrono::milliseconds period = {};  ///< in each of which `leastRate` must be reached on average; 0: at any rate
 };
+
+/// Bytes a second; a transfer that is slower would occupy the user for days.
+inline constexpr qint64 leastRate = 1000;
 
 /// One GET request over HTTPS, whose answer's body goes to `sink` as it comes. Redirections are followed, but never to
 /// an address without TLS. Cancelled silently when destroyed.
@@ -38,12 +44,16 @@ class HttpTransfer : public QObject {
  private:
   void receive();
   void complete();
+  void comparePace();
   void stop(const QString& reason);
 
   TransferLimits limits_;
   QIODevice& sink_;
   QPointer<QNetworkReply> reply_;  // goes with its session
   qint64 received_ = 0;
+  qint64 receivedBefore_ = 0;  // this period
+  QTimer wholeTimer_;
+  QTimer periodTimer_;
   std::optional<QString> failure_;
 };
 

@@ -1,11 +1,12 @@
 #include "Managers/UpdateManager.h"
 
-#include <QBuffer>
 #include <charconv>
 #include <filesystem>
 #include <utility>
 
 #include "Managers/Installation.h"
+#include "Managers/ManifestDate.h"
+#include "Managers/ManifestTransfer.h"
 #include "Managers/UpdateSignature.h"
 #include "Platform/PrivateFolder.h"
 
@@ -14,6 +15,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr qint64 largestManifest = qint64{1} << 20;  // bytes
+
+const QString newestManifestKey = QStringLiteral("newestListOfVersions");
+const QString checksAtStartKey = QStringLiteral("checksForUpdatesAtStart");
 
 using State = UpdateState::Case;
 using Error = UpdateError::Case;
@@ -32,7 +36,9 @@ UpdateManager::UpdateManager(Setup setup, QObject* parent)
       currentVersion(objectWillChange),
       currentBuild(objectWillChange),
       versionCheckUrl(setup.versionCheckUrl),
-      setup_(std::move(setup)) {
+      setup_(std::move(setup)),
+      settings_(setup_.settings, QSettings::IniFormat),
+      checks_(std::make_unique<QObject>()) {
   loadCurrentVersion();
 }
 
@@ -71,31 +77,71 @@ void UpdateManager::checkForUpdates(bool isExplicitCheck) {
   const auto url = secureUrl(versionCheckUrl);
   if (!url) return post(isExplicitCheck ? UpdateState::error(Error::invalidUrl) : UpdateState());
 
-  auto* manifest = new QBuffer;
-  manifest->open(QIODevice::WriteOnly);
-  auto* request = new HttpTransfer(session_, *url, {largestManifest, setup_.silence}, *manifest);
-  request->setParent(this);
-  manifest->setParent(request);
+  auto* check = new ManifestTransfer(session_, *url, setup_.publicKeys,
+                                     {.bytes = largestManifest, .silence = setup_.silence, .whole = setup_.deadline});
+  check->setParent(checks_.get());
+  // Posted to the check itself, so that nothing comes of one that is cancelled.
   connect(
-      request, &HttpTransfer::finished, this,
-      [this, request, manifest, isExplicitCheck] {
-        request->deleteLater();
-        if (!request->failure()) return handleManifest(manifest->data(), isExplicitCheck);
-        set(isExplicitCheck ? UpdateState::error(Error::networkError, *request->failure()) : UpdateState());
+      check, &ManifestTransfer::finished, check,
+      [this, check, isExplicitCheck] {
+        check->deleteLater();
+        if (!check->failure()) return handleManifest(check->json(), isExplicitCheck);
+        failCheck(*check->failure(), isExplicitCheck);
       },
       Qt::QueuedConnection);
 }
 
+void UpdateManager::cancel() {
+  checks_ = std::make_unique<QObject>();
+  stopDownload();
+  post({});
+}
+
+void UpdateManager::failCheck(const UpdateError& error, bool isExplicitCheck) {
+  set(isExplicitCheck ? UpdateState{.kind = State::error, .failure = error} : UpdateState());
+}
+
 void UpdateManager::handleManifest(const QByteArray& json, bool isExplicitCheck) {
   const auto manifest = decodeManifest(json);
-  if (manifest && manifest->contains(appIdentifier)) return handleVersionInfo(manifest->value(appIdentifier));
-  set(isExplicitCheck ? UpdateState::error(Error::invalidResponse) : UpdateState());
+  if (!manifest || !manifest->contains(appIdentifier)) return failCheck({Error::invalidResponse}, isExplicitCheck);
+  const VersionInfo info = manifest->value(appIdentifier);
+  if (setup_.publicKeys.empty()) return handleVersionInfo(info);
+
+  const auto date = manifestDate(json, appIdentifier);
+  if (!date) return failCheck({Error::invalidResponse}, isExplicitCheck);
+  const auto newest = newestManifest();
+  if (const auto reason = whyOutdated(*date, newest)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
+  const QDate today = setup_.today();
+  // A date to come, once remembered, would shut out all right ones.
+  if (newest != date && isPossible(*date, today)) settings_.setValue(newestManifestKey, date->toString(Qt::ISODate));
+  const auto reason = whyNoProof(*date, today);
+  if (reason && !isNewer(info)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
+  handleVersionInfo(info);
 }
 
 void UpdateManager::handleVersionInfo(const VersionInfo& info) {
-  const bool newerVersion = isNewerVersion(info.version, *currentVersion);
-  const bool newerBuild = info.version == *currentVersion && *currentBuild < info.build;
-  set(newerVersion || newerBuild ? UpdateState{.kind = State::updateAvailable, .info = info} : UpdateState());
+  set(isNewer(info) ? UpdateState{.kind = State::updateAvailable, .info = info} : UpdateState());
+}
+
+bool UpdateManager::isNewer(const VersionInfo& info) const {
+  return isNewerVersion(info.version, *currentVersion) ||
+         (info.version == *currentVersion && *currentBuild < info.build);
+}
+
+std::optional<QDate> UpdateManager::newestManifest() {
+  settings_.sync();  // what other copies have seen
+  const QDate date = QDate::fromString(settings_.value(newestManifestKey).toString(), Qt::ISODate);
+  return date.isValid() ? std::optional(date) : std::nullopt;
+}
+
+bool UpdateManager::checksAtStart() const {
+  return settings_.value(checksAtStartKey, true).toBool();
+}
+
+void UpdateManager::setChecksAtStart(bool wanted) {
+  settings_.setValue(checksAtStartKey, wanted);
+  settings_.sync();
+  emit checksAtStartChanged();
 }
 
 void UpdateManager::downloadUpdate(const VersionInfo& info) {
@@ -109,20 +155,26 @@ void UpdateManager::downloadUpdate(const VersionInfo& info) {
       },
       Qt::QueuedConnection);
 
-  downloadTask.reset();
-  signatureTask_.reset();
-  signature_.clear();
+  stopDownload();
   const auto folder = privateTemporaryFolder();
   if (!folder) return didCompleteWithError(QString::fromStdString(folder.failure().reason));
   download_ = std::make_unique<QTemporaryFile>(shown(*folder / "download-XXXXXX"));
   if (!download_->open()) return didCompleteWithError(download_->errorString());
-  downloadTask =
-      std::make_unique<HttpTransfer>(session_, *url, TransferLimits{setup_.largestArchive, setup_.silence}, *download_);
+  downloadTask = std::make_unique<HttpTransfer>(
+      session_, *url,
+      TransferLimits{.bytes = setup_.largestArchive, .silence = setup_.silence, .period = setup_.slowness}, *download_);
   connect(downloadTask.get(), &HttpTransfer::progressed, this, &UpdateManager::didWriteData);
   connect(downloadTask.get(), &HttpTransfer::finished, this, [this] {
     if (const auto& failure = downloadTask->failure()) return didCompleteWithError(*failure);
     didFinishDownloadingTo(download_->fileName());
   });
+}
+
+void UpdateManager::stopDownload() {
+  downloadTask.reset();
+  signatureTask_.reset();
+  signature_.clear();
+  download_.reset();
 }
 
 void UpdateManager::didWriteData(qint64 totalBytesWritten, qint64 totalBytesExpected) {
@@ -140,18 +192,13 @@ void UpdateManager::didFinishDownloadingTo(const QString& location) {
 }
 
 void UpdateManager::fetchSignature(const QString& location) {
-  const auto url = secureUrl(pendingVersionInfo->downloadUrl + ".sig");
-  if (!url) return didCompleteWithError(wrongSignature());
-  auto* signature = new QBuffer(&signature_);
-  signature->open(QIODevice::WriteOnly);
-  signatureTask_ =
-      std::make_unique<HttpTransfer>(session_, *url, TransferLimits{signatureSize, setup_.silence}, *signature);
-  signature->setParent(signatureTask_.get());
-  connect(signatureTask_.get(), &HttpTransfer::finished, this, [this, location] {
+  signatureTask_ = std::make_unique<SignatureTransfer>(
+      session_, pendingVersionInfo->downloadUrl,
+      TransferLimits{.bytes = signatureSize, .silence = setup_.silence, .whole = setup_.deadline});
+  connect(signatureTask_.get(), &SignatureTransfer::finished, this, [this, location] {
     if (const auto& failure = signatureTask_->failure())
       return didCompleteWithError(tr("The update's signature: %1").arg(*failure));
-    if (signatureTask_->status() != httpOk)
-      return didCompleteWithError(tr("The update's signature: the server answered %1.").arg(signatureTask_->status()));
+    signature_ = signatureTask_->signature();
     if (!isFileSigned(location, signature_, setup_.publicKeys)) return didCompleteWithError(wrongSignature());
     storeArchive(location);
   });

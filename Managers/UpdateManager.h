@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDate>
+#include <QDateTime>
 #include <QNetworkAccessManager>
 #include <QObject>
+#include <QSettings>
 #include <QString>
 #include <QTemporaryFile>
 #include <QThreadPool>
@@ -14,6 +17,7 @@
 #include <vector>
 
 #include "Managers/HttpTransfer.h"
+#include "Managers/SignatureTransfer.h"
 #include "Managers/UpdateState.h"
 #include "Platform/BundleInfo.h"
 #include "Platform/Observable.h"
@@ -25,15 +29,20 @@ class UpdateManager : public QObject {
   Q_PROPERTY(UpdateState state READ currentState NOTIFY stateChanged)
   Q_PROPERTY(QString currentVersion READ version CONSTANT)
   Q_PROPERTY(QString bundleName READ bundleName CONSTANT)
+  Q_PROPERTY(bool checksAtStart READ checksAtStart WRITE setChecksAtStart NOTIFY checksAtStartChanged)
 
  public:
   struct Setup {
     QString versionCheckUrl;  ///< address of the manifest
+    QString settings;         ///< file with the user's settings
     BundleInfo bundle = {};   ///< of the running program
     /// Ed25519, 32 bytes each. The owner of any may sign updates; where there is none, they need no signature.
     std::vector<QByteArray> publicKeys = {};
-    qint64 largestArchive = qint64{1} << 30;                      ///< bytes
-    std::chrono::milliseconds silence = std::chrono::minutes(1);  ///< after which a transfer has failed
+    qint64 largestArchive = qint64{1} << 30;                        ///< bytes
+    std::chrono::milliseconds silence = std::chrono::minutes(1);    ///< after which a transfer has failed
+    std::chrono::milliseconds deadline = std::chrono::seconds(30);  ///< for the manifest and for each signature
+    std::chrono::milliseconds slowness = std::chrono::minutes(1);   ///< how long the archive may come too slowly
+    std::function<QDate()> today = [] { return QDateTime::currentDateTimeUtc().date(); };
     std::function<QString()> whyNotNow =
         {};                                ///< asked before an installation; what it answers, if anything, forbids it
     std::function<void()> terminate = {};  ///< ends the program so that it can be replaced
@@ -53,11 +62,20 @@ class UpdateManager : public QObject {
   std::optional<VersionInfo> pendingVersionInfo;  ///< once a download has begun
 
   /// Asks the server for its manifest. An explicit check shows that it runs and how it failed; a silent one shows only
-  /// that there is a newer version. Finding none ends either in `idle`.
+  /// that there is a newer version. Finding none ends either in `idle`. Where updates are signed, the manifest is
+  /// believed only with its signature and its date: one older than another seen before is not followed, and an old one
+  /// is no proof that there is nothing newer.
   Q_INVOKABLE void checkForUpdates(bool isExplicitCheck);
+
+  /// Whether the user wants the silent check at each start. True until the user decides otherwise.
+  [[nodiscard]] bool checksAtStart() const;
+  void setChecksAtStart(bool wanted);
 
   /// Returns to `idle`.
   Q_INVOKABLE void skipUpdate();
+
+  /// Stops all checks and the download, and returns to `idle`.
+  Q_INVOKABLE void cancel();
 
   /// Downloads the archive and, where updates are signed, proves its signature.
   Q_INVOKABLE void downloadUpdate(const VersionInfo& info);
@@ -70,6 +88,7 @@ class UpdateManager : public QObject {
 
  signals:
   void stateChanged();
+  void checksAtStartChanged();
 
  private:
   void loadCurrentVersion();
@@ -77,7 +96,11 @@ class UpdateManager : public QObject {
   void set(const UpdateState& next);
   void handleManifest(const QByteArray& json, bool isExplicitCheck);
   void handleVersionInfo(const VersionInfo& info);
+  void failCheck(const UpdateError& error, bool isExplicitCheck);
+  [[nodiscard]] bool isNewer(const VersionInfo& info) const;
+  [[nodiscard]] std::optional<QDate> newestManifest();
 
+  void stopDownload();
   void didWriteData(qint64 totalBytesWritten, qint64 totalBytesExpected);
   void didFinishDownloadingTo(const QString& location);
   void fetchSignature(const QString& location);
@@ -89,9 +112,11 @@ class UpdateManager : public QObject {
   [[nodiscard]] QString bundleName() const;
 
   const Setup setup_;
+  QSettings settings_;
   QNetworkAccessManager session_;
+  std::unique_ptr<QObject> checks_;  // parent of those that run
   std::unique_ptr<QTemporaryFile> download_;
-  std::unique_ptr<HttpTransfer> signatureTask_;
+  std::unique_ptr<SignatureTransfer> signatureTask_;
   QByteArray signature_;
   QThreadPool worker_;  // last, so that it is done before anything else goes
 };

@@ -6,6 +6,8 @@ QString UpdateError::errorDescription() const {
   switch (kind) {
     case Case::networkError:
       return "Network error: " + reason;
+    case Case::checkFailed:
+      return "Check failed: " + reason;
     case Case::downloadFailed:
       return "Download failed: " + reason;
     case Case::installationFailed:

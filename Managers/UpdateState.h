@@ -12,6 +12,7 @@
 struct UpdateError {
   enum class Case {
     networkError,
+    checkFailed,  ///< the manifest is not to be relied on
     downloadFailed,
     installationFailed,
     invalidUrl,
@@ -21,7 +22,7 @@ struct UpdateError {
   };
 
   Case kind;
-  QString reason = {};  ///< of the first three cases
+  QString reason = {};  ///< of the first four cases
 
   [[nodiscard]] QString errorDescription() const;
 

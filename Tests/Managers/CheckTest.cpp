@@ -67,6 +67,7 @@ TEST_P(Check, EndsInItsState) {
   const auto& [name, answer, outcome] = GetParam();
   server.answers["/versions.json"] = answer;
   setup.silence = std::chrono::seconds(answer.silent ? 1 : 10);
+  setup.deadline = std::chrono::seconds(answer.drip > 0 ? 1 : 20);
   start();
   EXPECT_EQ(*manager->currentVersion, "1.2");
   EXPECT_EQ(*manager->currentBuild, 7);
@@ -92,21 +93,22 @@ TEST_P(Check, EndsInItsState) {
 
 INSTANTIATE_TEST_SUITE_P(
     Answers, Check,
-    testing::Values(CheckFact{"newer", {manifest(newer)}, "updateAvailable"},
-                    CheckFact{"older", {manifest(version("1.1.9", 99))}, "idle"},
-                    CheckFact{"sameVersionNewerBuild", {manifest(version("1.2", 8))}, "updateAvailable"},
-                    CheckFact{"sameVersionSameBuild", {manifest(version("1.2", 7))}, "idle"},
-                    CheckFact{"equalVersionWrittenOtherwise", {manifest(version("1.2.0", 8))}, "idle"},
-                    CheckFact{"otherProgramsOnly", {manifest(newer, "other")}, "Invalid server response"},
-                    CheckFact{"nothing", {"{}"}, "Invalid server response"},
-                    CheckFact{"brokenJson", {manifest(newer).chopped(1)}, "Invalid server response"},
-                    CheckFact{"statusIsNotExamined", {.body = manifest(newer), .status = 404}, "updateAvailable"},
-                    CheckFact{"noContentLength", {.body = manifest(newer), .tellsLength = false}, "updateAvailable"},
-                    CheckFact{"silent", {.silent = true}, "Network error: The server sent nothing for 1 seconds."},
-                    CheckFact{"cutOff", {.body = manifest(newer), .cutOffAfter = 20}, "Network error: "},
-                    CheckFact{
-                        "withoutTls", {.status = 302, .headers = "Location: http://localhost/\r\n"}, "Network error: "},
-                    CheckFact{"oversized", {QByteArray(2 << 20, ' ')}, "Network error: The server sent more than"}),
+    testing::Values(
+        CheckFact{"newer", {manifest(newer)}, "updateAvailable"},
+        CheckFact{"older", {manifest(version("1.1.9", 99))}, "idle"},
+        CheckFact{"sameVersionNewerBuild", {manifest(version("1.2", 8))}, "updateAvailable"},
+        CheckFact{"sameVersionSameBuild", {manifest(version("1.2", 7))}, "idle"},
+        CheckFact{"equalVersionWrittenOtherwise", {manifest(version("1.2.0", 8))}, "idle"},
+        CheckFact{"otherProgramsOnly", {manifest(newer, "other")}, "Invalid server response"},
+        CheckFact{"nothing", {"{}"}, "Invalid server response"},
+        CheckFact{"brokenJson", {manifest(newer).chopped(1)}, "Invalid server response"},
+        CheckFact{"statusIsNotExamined", {.body = manifest(newer), .status = 404}, "updateAvailable"},
+        CheckFact{"noContentLength", {.body = manifest(newer), .tellsLength = false}, "updateAvailable"},
+        CheckFact{"silent", {.silent = true}, "Network error: The server sent nothing for 1 seconds."},
+        CheckFact{"dripping", {.drip = 1}, "Network error: The server did not send everything within 1 seconds."},
+        CheckFact{"cutOff", {.body = manifest(newer), .cutOffAfter = 20}, "Network error: "},
+        CheckFact{"withoutTls", {.status = 302, .headers = "Location: http://localhost/\r\n"}, "Network error: "},
+        CheckFact{"oversized", {QByteArray(2 << 20, ' ')}, "Network error: The server sent more than"}),
     [](const auto& fact) { return std::string(fact.param.name); });
 
 using UpdateCheck = ManagerCase;
@@ -139,6 +141,28 @@ TEST_F(UpdateCheck, MayOutliveItsManager) {
   manager.reset();
   QCoreApplication::processEvents();
   EXPECT_EQ(history, QStringList("checking"));
+}
+
+TEST_F(UpdateCheck, CanBeCancelledAndDoneAgain) {
+  server.answers["/versions.json"] = {.drip = 1};
+  start();
+  manager->checkForUpdates(false);
+  manager->checkForUpdates(true);
+  ASSERT_TRUE(happens([&] { return server.requests.size() == 2; }));
+  manager->cancel();
+  server.answers["/versions.json"] = {manifest(newer)};
+  manager->checkForUpdates(true);
+  ASSERT_TRUE(becomes("updateAvailable"));
+  ASSERT_TRUE(happens([&] { return !server.isDripping(); }));
+  EXPECT_EQ(history, (QStringList{"checking", "idle", "checking", "updateAvailable"}));
+}
+
+TEST_F(UpdateCheck, AtEachStartIsTheUsersChoice) {
+  start();
+  EXPECT_TRUE(manager->checksAtStart());
+  manager->setChecksAtStart(false);
+  start();
+  EXPECT_FALSE(manager->checksAtStart());
 }
 
 TEST_F(UpdateCheck, AnnouncesBeforeEachChange) {

@@ -4,6 +4,7 @@
 
 #include "Managers/Installation.h"
 #include "Tests/Managers/ManagerCase.h"
+#include "Tests/Managers/SigningKeys.h"
 
 namespace {
 
@@ -71,6 +72,7 @@ class FailingDownload : public Download, public testing::WithParamInterface<Down
 TEST_P(FailingDownload, EndsInAnErrorAndStoresNothing) {
   server.answers["/a.zip"] = GetParam().answer;
   setup.silence = std::chrono::seconds(GetParam().answer.silent ? 1 : 10);
+  setup.slowness = std::chrono::seconds(GetParam().answer.drip > 0 ? 1 : 20);
   setup.largestArchive = 100000;
   start();
   download();
@@ -95,6 +97,9 @@ INSTANTIATE_TEST_SUITE_P(
         DownloadFact{"oversizedUnannounced",
                      {.body = QByteArray(200000, 'x'), .tellsLength = false},
                      "Download failed: The server sent more"},
+        DownloadFact{
+            "slow", {.drip = 10}, "Download failed: The server sent less than 1000 bytes a second for 1 seconds."},
+        DownloadFact{"endless", {.drip = 10000}, "Download failed: The server sent more than 100000 bytes."},
         DownloadFact{
             "withoutTls", {.status = 302, .headers = "Location: http://localhost/a.zip\r\n"}, "Download failed: "}),
     [](const auto& fact) { return std::string(fact.param.name); });
@@ -159,35 +164,25 @@ TEST_F(Download, ALaterOneTakesThePlaceOfTheFormer) {
   EXPECT_FALSE(history.contains("error"));
 }
 
-/// Keys and signatures as the maintainers make them.
 class SignedDownload : public Download {
  protected:
   SignedDownload() {
-    for (const char* name : {"ours", "theirs"})
-      runTool("openssl", {"genpkey", "-algorithm", "ed25519", "-out", path(name)});
-    runTool("openssl", {"pkey", "-in", path("ours"), "-pubout", "-outform", "DER", "-out", path("public")});
-    setup.publicKeys = {QByteArray::fromStdString(files.get("public")).last(32)};
+    setup.publicKeys = {keys.publicKey("ours"), keys.publicKey("next")};
     server.answers["/a.zip"] = {"content"};
+    server.answers["/a.zip.sig"] = {keys.signature("content", "ours")};
   }
 
-  [[nodiscard]] QString path(const char* name) const { return QString::fromStdString((files / name).string()); }
-
-  [[nodiscard]] QByteArray signature(const char* content, const char* key) const {
-    files.put("message", content);
-    runTool("openssl",
-            {"pkeyutl", "-sign", "-rawin", "-inkey", path(key), "-in", path("message"), "-out", path("signature")});
-    return QByteArray::fromStdString(files.get("signature"));
-  }
+  const SigningKeys keys;
 };
 
 TEST_F(SignedDownload, IsStoredOnlyWithItsMakersSignature) {
-  const QByteArray good = signature("content", "ours");
+  const QByteArray good = keys.signature("content", "ours");
   QByteArray flipped = good;
   flipped[10] = static_cast<char>(flipped[10] ^ 1);
   for (const Answer& bad : {Answer{.body = "not found", .status = 404}, Answer{good, 201}, Answer{good.chopped(1)},
                             Answer{good + "\n"}, Answer{QByteArray()}, Answer{flipped}, Answer{QByteArray(64, 0)},
-                            Answer{good.toBase64()}, Answer{signature("content", "theirs")},
-                            Answer{signature("other content", "ours")}, Answer{.body = good, .cutOffAfter = 63},
+                            Answer{good.toBase64()}, Answer{keys.signature("content", "theirs")},
+                            Answer{keys.signature("another version", "ours")}, Answer{.body = good, .cutOffAfter = 63},
                             Answer{.status = 302, .headers = "Location: http://localhost/a.zip.sig\r\n"}}) {
     server.answers["/a.zip.sig"] = bad;
     start();
@@ -196,17 +191,34 @@ TEST_F(SignedDownload, IsStoredOnlyWithItsMakersSignature) {
     EXPECT_THAT(description(), testing::StartsWith("Download failed: The update")) << bad.body.toHex().toStdString();
     EXPECT_FALSE(std::filesystem::exists(files / (folder() + "/brantelUpdate")));
   }
-  server.answers["/a.zip.sig"] = {good};
-  history.clear();
+  for (const char* key : {"ours", "next"}) {
+    server.answers["/a.zip.sig"] = {keys.signature("content", key)};
+    history.clear();
+    start();
+    download();
+    ASSERT_TRUE(becomes("downloaded"));
+    EXPECT_EQ(stored(), "content");
+    EXPECT_FALSE(history.contains("error"));
+  }
+}
+
+TEST_F(SignedDownload, IsSilentFromTheMomentOfItsCancelling) {
+  server.answers["/versions.json"] = {.drip = 1};
   start();
-  download();
-  ASSERT_TRUE(becomes("downloaded"));
-  EXPECT_EQ(stored(), "content");
-  EXPECT_FALSE(history.contains("error"));
+  for (int steps = 0; steps < 2000 && !history.contains("downloaded"); ++steps) {
+    history.clear();
+    manager->checkForUpdates(false);
+    download();
+    for (int step = 0; step < steps; ++step) QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    manager->cancel();
+    ASSERT_TRUE(happens([&] { return manager->state->name() == "idle" && !server.isDripping(); })) << steps;
+    QCoreApplication::processEvents();
+    EXPECT_EQ(history.last(), "idle") << steps;
+  }
+  EXPECT_TRUE(history.contains("downloaded"));
 }
 
 TEST_F(SignedDownload, IsProvenAgainBeforeItIsInstalled) {
-  server.answers["/a.zip.sig"] = {signature("content", "ours")};
   setup.bundle.url = files / "Gavrel.app";
   start();
   download();

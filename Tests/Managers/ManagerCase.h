@@ -28,6 +28,7 @@ class ManagerCase : public testing::Test {
     ::setenv("TMPDIR", files.path().c_str(), 1);
     ::setenv("SSL_CERT_FILE", server.authority().toUtf8(), 1);
     setup.versionCheckUrl = server.address() + "/versions.json";
+    setup.settings = QString::fromStdString((files / "gavrel.ini").string());
     setup.bundle.dictionary = {{"CFBundleShortVersionString", "1.2"}, {"CFBundleVersion", "7"}};
     setup.silence = std::chrono::seconds(10);
     setup.terminate = [this] { terminated = true; };

@@ -62,6 +62,13 @@ void UpdateServer::answer(QSslSocket& connection, const QByteArray& path) {
   requests += path;
   const Answer what = answers.value(path, {.body = "nothing here", .status = 404});
   if (what.silent) return;
+  if (what.drip > 0) {
+    connection.write("HTTP/1.1 200 OK\r\n\r\n");
+    auto* const clock = new QTimer(&connection);
+    connect(clock, &QTimer::timeout, &connection,
+            [&connection, drop = QByteArray(what.drip, ' ')] { connection.write(drop); });
+    return clock->start(20);
+  }
   QByteArray head = "HTTP/1.1 " + QByteArray::number(what.status) + " said\r\n" + what.headers;
   if (what.tellsLength) head += "Content-Length: " + QByteArray::number(what.body.size()) + "\r\n";
   connection.write(head + "Connection: close\r\n\r\n" +

@@ -5,6 +5,7 @@
 #include <QSslSocket>
 #include <QTcpServer>
 #include <QTemporaryDir>
+#include <QTimer>
 
 /// How the server answers a request.
 struct Answer {
@@ -14,6 +15,7 @@ struct Answer {
   bool tellsLength = true;     ///< with a Content-Length
   qsizetype cutOffAfter = -1;  ///< bytes of the body after which the connection breaks, if not negative
   bool silent = false;         ///< never answers
+  qsizetype drip = 0;          ///< if not 0, so many bytes come every 20 ms, without end
 };
 
 /// An HTTPS server on this machine, with a certificate for "localhost" and `host` signed by an authority of its own
@@ -25,6 +27,9 @@ class UpdateServer : public QTcpServer {
   [[nodiscard]] QString address() const { return QString("https://localhost:%1").arg(serverPort()); }
   /// The file with the certificate of the server's authority.
   [[nodiscard]] QString authority() const { return files_.filePath("ca.pem"); }
+
+  /// Whether a client still takes what comes without end.
+  [[nodiscard]] bool isDripping() const { return findChild<QTimer*>() != nullptr; }
 
   QMap<QByteArray, Answer> answers;  ///< by path; others are answered by 404
   QList<QByteArray> requests;        ///< paths, in the order of their coming

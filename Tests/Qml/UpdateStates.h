@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
 #include <QUrl>
 
 #include "Managers/UpdateManager.h"
@@ -38,7 +39,9 @@ class UpdateStates : public QObject {
   }
 
  private:
-  UpdateManager manager_{
-      {.versionCheckUrl = {}, .bundle = {{}, {}, {{"CFBundleName", "Gavrel"}, {"CFBundleShortVersionString", "1.2"}}}}};
-  UpdateManager unnamed_{{.versionCheckUrl = {}}};
+  QTemporaryDir files_;
+  UpdateManager manager_{{.versionCheckUrl = {},
+                          .settings = files_.filePath("gavrel.ini"),
+                          .bundle = {{}, {}, {{"CFBundleName", "Gavrel"}, {"CFBundleShortVersionString", "1.2"}}}}};
+  UpdateManager unnamed_{{.versionCheckUrl = {}, .settings = files_.filePath("other.ini")}};
 };

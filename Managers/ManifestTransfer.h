@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Managers/HttpTransfer.h"
+#include "Managers/SignatureTransfer.h"
+#include "Managers/UpdateState.h"
+
+/// Fetches the manifest and, where there are keys, proves that the owner of one has signed it. Cancelled silently when
+/// destroyed.
+class ManifestTransfer : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Starts. The limits of time hold for the manifest and its signature each.
+  ManifestTransfer(QNetworkAccessManager& session, const QUrl& url, std::vector<QByteArray> publicKeys,
+                   TransferLimits limits);
+
+  /// After `finished`: why there is no manifest to rely on, if there is none.
+  [[nodiscard]] const std::optional<UpdateError>& failure() const { return failure_; }
+  /// After `finished`: the manifest.
+  [[nodiscard]] const QByteArray& json() const { return content_.data(); }
+
+ signals:
+  void finished();
+
+ private:
+  void proveSignature(QNetworkAccessManager& session, const QUrl& url, TransferLimits limits);
+  void finish(const std::optional<UpdateError>& failure);
+
+  const std::vector<QByteArray> publicKeys_;
+  QBuffer content_;
+  std::optional<UpdateError> failure_;
+  std::unique_ptr<HttpTransfer> manifest_;
+  std::unique_ptr<SignatureTransfer> signature_;
+};

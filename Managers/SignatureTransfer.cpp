@@ -1,0 +1,26 @@
+#include "Managers/SignatureTransfer.h"
+
+#include "Managers/UpdateSignature.h"
+
+namespace {
+
+constexpr int httpOk = 200;
+
+}  // namespace
+
+SignatureTransfer::SignatureTransfer(QNetworkAccessManager& session, const QString& address, TransferLimits limits) {
+  const auto url = secureUrl(address + ".sig");
+  if (!url) {
+    failure_ = tr("%1.sig is no address.").arg(address);
+    QMetaObject::invokeMethod(this, &SignatureTransfer::finished, Qt::QueuedConnection);
+    return;
+  }
+  content_.open(QIODevice::WriteOnly);
+  limits.bytes = signatureSize;
+  transfer_ = std::make_unique<HttpTransfer>(session, *url, limits, content_);
+  connect(transfer_.get(), &HttpTransfer::finished, this, [this] {
+    failure_ = transfer_->failure();
+    if (!failure_ && transfer_->status() != httpOk) failure_ = tr("The server answered %1.").arg(transfer_->status());
+    emit finished();
+  });
+}

@@ -1,0 +1,132 @@
+#include <gmock/gmock.h>
+
+#include "Tests/Managers/ManagerCase.h"
+#include "Tests/Managers/SigningKeys.h"
+
+namespace {
+
+/// Checks on the first of June 2026 against a server whose manifests are signed.
+class SignedCheckCase : public ManagerCase {
+ protected:
+  SignedCheckCase() {
+    setup.publicKeys = {keys.publicKey("ours"), keys.publicKey("next")};
+    setup.today = [] { return QDate(2026, 6, 1); };
+  }
+
+  /// The manifest that offers the version, with the date as it is spelt in JSON.
+  [[nodiscard]] QByteArray manifest(const char* version, const char* date) const {
+    QByteArray entry = encode({version, 7, server.address() + "/a.zip", "", false, {}});
+    if (*date != '\0') entry = entry.chopped(1) + ",\"date\":" + date + "}";
+    return "{\"brantel\":" + entry + "}";
+  }
+
+  void serve(const QByteArray& json, const char* signer = "ours") {
+    server.answers["/versions.json"] = {json};
+    server.answers["/versions.json.sig"] = {keys.signature(json, signer)};
+  }
+
+  /// How an explicit check ends: in this state or, where that is an error, with its description.
+  std::string check() {
+    history.clear();
+    manager->checkForUpdates(true);
+    EXPECT_TRUE(happens([&] { return history.size() == 2; }));
+    return history.last() == "error" ? description() : history.last().toStdString();
+  }
+
+  /// How a silent one ends.
+  std::string silentCheck() {
+    manager->skipUpdate();
+    history.clear();
+    manager->checkForUpdates(false);
+    EXPECT_TRUE(happens([&] { return history.size() == 2; }));
+    return history.last().toStdString();
+  }
+
+  const SigningKeys keys;
+};
+
+struct DateFact {
+  const char* name;
+  const char* date;
+  const char* outcomeOfNothingNewer;
+  const char* outcomeOfNewer;
+  friend void PrintTo(const DateFact& fact, std::ostream* out) { *out << fact.name; }
+};
+
+class DatedCheck : public SignedCheckCase, public testing::WithParamInterface<DateFact> {};
+
+TEST_P(DatedCheck, EndsInItsState) {
+  start();
+  const DateFact& fact = GetParam();
+  for (const auto& [version, outcome] : {std::pair{"1.2", fact.outcomeOfNothingNewer}, {"2.0", fact.outcomeOfNewer}}) {
+    serve(manifest(version, fact.date));
+    EXPECT_THAT(check(), testing::StartsWith(outcome)) << version;
+    EXPECT_EQ(silentCheck(), outcome == std::string("updateAvailable") ? outcome : "idle") << version;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Dates, DatedCheck,
+    testing::Values(
+        DateFact{"today", R"("2026-06-01")", "idle", "updateAvailable"},
+        DateFact{"tomorrow", R"("2026-06-02")", "idle", "updateAvailable"},
+        DateFact{"toCome", R"("2026-06-03")",
+                 "Check failed: No newer version is listed, but the list is of 2026-06-03, and the clock of this "
+                 "computer says 2026-06-01.",
+                 "updateAvailable"},
+        DateFact{"ninetyDays", R"("2026-03-03")", "idle", "updateAvailable"},
+        DateFact{"tooOld", R"("2026-03-02")",
+                 "Check failed: No newer version is listed, but the list is of 2026-03-02, more than 90 days before "
+                 "2026-06-01. Newer versions may be withheld from you, or the clock",
+                 "updateAvailable"},
+        DateFact{"none", "", "Invalid server response", "Invalid server response"},
+        DateFact{"noText", "20260601", "Invalid server response", "Invalid server response"},
+        DateFact{"short", R"("2026-6-1")", "Invalid server response", "Invalid server response"},
+        DateFact{"noDay", R"("2026-02-30")", "Invalid server response", "Invalid server response"},
+        DateFact{"withTime", R"("2026-06-01T12:00")", "Invalid server response", "Invalid server response"}),
+    [](const auto& fact) { return std::string(fact.param.name); });
+
+using SignedCheck = SignedCheckCase;
+
+TEST_F(SignedCheck, BelievesNothingWithoutItsMakersSignature) {
+  const QByteArray json = manifest("2.0", R"("2026-06-01")");
+  const QByteArray good = keys.signature(json, "ours");
+  for (const auto& [signature, reason] : std::initializer_list<std::pair<Answer, const char*>>{
+           {{keys.signature(json, "theirs")}, "The list of versions is not signed by the makers of this program."},
+           {{keys.signature(manifest("1.9", R"("2026-06-01")"), "ours")}, "The list of versions is not signed"},
+           {{good.chopped(1)}, "The list of versions is not signed"},
+           {{good + "\n"}, "The signature of the list of versions: The server sent more than 64 bytes."},
+           {{good, 404}, "The signature of the list of versions: The server answered 404."},
+           {{.drip = 1},
+            "The signature of the list of versions: The server did not send everything within 1 seconds."}}) {
+    server.answers["/versions.json"] = {json};
+    server.answers["/versions.json.sig"] = signature;
+    setup.deadline = std::chrono::seconds(signature.drip > 0 ? 1 : 20);
+    start();
+    EXPECT_THAT(check(), testing::StartsWith(std::string("Check failed: ") + reason));
+    EXPECT_EQ(silentCheck(), "idle");
+  }
+  for (const char* key : {"ours", "next"}) {
+    serve(json, key);
+    EXPECT_EQ(check(), "updateAvailable");
+  }
+}
+
+TEST_F(SignedCheck, FollowsNoneThatIsOlderThanOneSeenBefore) {
+  for (const auto& [date, outcome] : std::initializer_list<std::pair<const char*, const char*>>{
+           {R"("2026-05-02")", "updateAvailable"},
+           {R"("2026-05-01")",
+            "Check failed: The list of versions is of 2026-05-01, but one of 2026-05-02 has been seen before. Newer "
+            "versions may be withheld from you."},
+           {R"("2026-05-02")", "updateAvailable"},
+           {R"("2062-06-01")", "updateAvailable"},  // a slip, which is not remembered
+           {R"("2026-06-02")", "updateAvailable"},
+           {R"("2026-06-01")", "Check failed: The list of versions is of 2026-06-01, but one of 2026-06-02"}}) {
+    start();
+    serve(manifest("2.0", date));
+    EXPECT_THAT(check(), testing::StartsWith(outcome)) << date;
+    EXPECT_EQ(silentCheck(), outcome == std::string("updateAvailable") ? outcome : "idle") << date;
+  }
+}
+
+}  // namespace
