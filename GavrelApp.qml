@@ -32,7 +32,7 @@ ApplicationWindow {
     Component.onCompleted: {
         if (updateFailure !== "")
             updateManager.installationFailed(updateFailure);
-        else
+        else if (updateManager.checksAtStart)
             updateManager.checkForUpdates(false);
         recovery.lookForOffer();
     }
@@ -62,6 +62,7 @@ ApplicationWindow {
     menuBar: MainMenu {
         content: content
         recentFiles: window.recentFiles
+        updateManager: window.updateManager
         onAboutRequested: about.open()
         onHelpRequested: controls.open()
         onCheckForUpdates: window.updateManager.checkForUpdates(true)

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// The menu bar of the main window. While a sheet or panel is open, nothing but Quit, which asks, can be chosen.
 MenuBar {
@@ -8,6 +9,7 @@ MenuBar {
 
     required property ContentView content
     property RecentFiles recentFiles: null
+    property UpdateManager updateManager: null
     readonly property VisualizationView visualization: content.visualization
 
     enabled: !content.blocked
@@ -31,6 +33,13 @@ MenuBar {
             text: qsTr("Check for &Updates...")
             shortcut: "Ctrl+U"
             onTriggered: root.checkForUpdates()
+        }
+        Command {
+            text: qsTr("Check for Updates at &Start")
+            enabled: !root.content.blocked && root.updateManager !== null
+            checkable: true
+            checked: root.updateManager !== null && root.updateManager.checksAtStart
+            onToggled: root.updateManager.checksAtStart = checked
         }
         MenuSeparator {}
         Action {

@@ -22,6 +22,11 @@ Item {
         dismiss();
     }
 
+    function cancel() {
+        updateManager.cancel();
+        dismiss();
+    }
+
     function percentage(progress) {
         return Math.trunc(progress * 100) + "%";
     }
@@ -76,6 +81,13 @@ Item {
         horizontalPadding: 14
     }
 
+    component CancelButton: PlainButton {
+        Layout.alignment: Qt.AlignHCenter
+        Layout.topMargin: 8
+        text: "Cancel"
+        onClicked: root.cancel()
+    }
+
     component MainButton: ProminentButton {
         horizontalPadding: 14
     }
@@ -115,6 +127,7 @@ Item {
             SecondaryCaption {
                 text: "Current version: " + root.updateManager.currentVersion
             }
+            CancelButton {}
         }
     }
 
@@ -191,6 +204,7 @@ Item {
                 font.family: "monospace"
                 text: root.percentage(root.updateManager.state.progress)
             }
+            CancelButton {}
         }
     }
 

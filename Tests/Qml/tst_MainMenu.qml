@@ -22,10 +22,11 @@ ProjectCase {
     MainMenu {
         id: menus
 
+        updateManager: updates.manager
         content: surface
     }
 
-    SignalSpy { id: updates; target: menus; signalName: "checkForUpdates" }
+    SignalSpy { id: checks; target: menus; signalName: "checkForUpdates" }
 
     function action(menu, text) {
         const index = texts(menu).indexOf(text);
@@ -39,14 +40,21 @@ ProjectCase {
     }
 
     function test_items() {
-        compare(texts(0), ["About Gavrel", "Check for Updates...", "-", "Quit"]);
+        compare(texts(0), ["About Gavrel", "Check for Updates...", "Check for Updates at Start", "-", "Quit"]);
         compare(texts(1), ["New", "Open…", "-", "Restore Previous Structure", "-", "Save", "Save As…", "-", "Import…", "-"]);
         compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "z Axis Upright", "-",
                            "Show Strain", "Node Numbers", "Element Numbers", "Rendering Statistics"]);
         compare(texts(3), ["Add Node…", "Select for Truss", "Select for Beam", "Add Truss…", "Add Beam…", "-", "Calculate", "Check Before Calculating", "Convergence…", "-", "Findings", "Node Table", "Element Table"]);
         compare(action(0, "Check for Updates...").shortcut, "Ctrl+U");
         action(0, "Check for Updates...").trigger();
-        compare(updates.count, 1);
+        compare(checks.count, 1);
+    }
+
+    function test_checksAtStartAreSwitchedOff() {
+        for (const wanted of [false, true]) {
+            action(0, "Check for Updates at Start").trigger();
+            compare(updates.manager.checksAtStart, wanted);
+        }
     }
 
     function test_viewSwitches() {

@@ -52,10 +52,10 @@ Item {
         function test_panels_data() {
             return [
                 { tag: "idle", texts: [] },
-                { tag: "checking", texts: ["Checking for updates...", "Current version: 1.2"] },
+                { tag: "checking", texts: ["Checking for updates...", "Current version: 1.2", "Cancel"] },
                 { tag: "updateAvailable", texts: ["Update Available", "Version 2.0.1", "Current: 1.2", "<b>what</b>", "Later",
                     "Download & Install"] },
-                { tag: "downloading", texts: ["Downloading update...", "99%"] },
+                { tag: "downloading", texts: ["Downloading update...", "99%", "Cancel"] },
                 { tag: "downloaded", texts: ["Download Complete", "Gavrel is ready to install", "Cancel", "Install & Restart"] },
                 { tag: "installing", texts: ["Installing update...", "Gavrel will restart automatically"] },
                 { tag: "completed", texts: ["Update complete!", "Gavrel has been updated successfully."] },
@@ -88,7 +88,7 @@ Item {
         }
 
         function test_buttonsThatAbandon() {
-            for (const [text, state] of [["Later", "updateAvailable"], ["Cancel", "downloaded"], ["OK", "error"]]) {
+            for (const [text, state] of [["Later", "updateAvailable"], ["Cancel", "downloaded"], ["Cancel", "checking"], ["Cancel", "downloading"], ["OK", "error"]]) {
                 dismissals = 0;
                 updates.show(state);
                 press(text);
