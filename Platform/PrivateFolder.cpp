@@ -5,19 +5,44 @@
 
 #include <cerrno>
 #include <string>
+#include <vector>
 
 #include "Platform/FileBytes.h"
 
-Result<std::filesystem::path> privateTemporaryFolder() {
-  std::error_code missing;
-  const auto shared = std::filesystem::temp_directory_path(missing);
-  if (missing) return Failure{"There is no folder for temporary files: " + missing.message()};
-  const auto folder = shared / ("gavrel-" + std::to_string(::geteuid()));
-  constexpr mode_t ownerOnly = 0700;
-  if (::mkdir(folder.c_str(), ownerOnly) != 0 && errno != EEXIST) return systemFailure("cannot create", folder, errno);
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The names under which the folder may stand in the shared one, in the order in which they are tried. There are
+/// several because anybody may take one.
+std::vector<fs::path> candidatesIn(const fs::path& shared) {
+  constexpr int count = 100;
+  const fs::path first = shared / ("gavrel-" + std::to_string(::geteuid()));
+  std::vector<fs::path> candidates{first};
+  for (int i = 1; i < count; ++i) candidates.push_back(first.string() + "-" + std::to_string(i));
+  return candidates;
+}
+
+bool isOfThisUserAlone(const fs::path& folder) {
   struct stat status {};
-  if (::lstat(folder.c_str(), &status) != 0) return systemFailure("cannot inspect", folder, errno);
-  if (!S_ISDIR(status.st_mode) || status.st_uid != ::geteuid() || (status.st_mode & 077) != 0)
-    return Failure{folder.string() + " is not a folder of this user alone"};
-  return folder;
+  return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+         (status.st_mode & 077) == 0;
+}
+
+}  // namespace
+
+Result<fs::path> privateTemporaryFolder() {
+  std::error_code missing;
+  const auto shared = fs::temp_directory_path(missing);
+  if (missing) return Failure{"There is no folder for temporary files: " + missing.message()};
+  const auto candidates = candidatesIn(shared);
+  // Before one is made, so that the folder stays the same when a name that was taken has become free.
+  for (const fs::path& folder : candidates)
+    if (isOfThisUserAlone(folder)) return folder;
+  constexpr mode_t ownerOnly = 0700;
+  for (const fs::path& folder : candidates) {
+    if (::mkdir(folder.c_str(), ownerOnly) == 0) return folder;
+    if (errno != EEXIST) return systemFailure("cannot create", folder, errno);
+  }
+  return Failure{candidates.front().string() + " and all names like it are taken by others"};
 }

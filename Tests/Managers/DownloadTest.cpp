@@ -134,23 +134,32 @@ TEST_F(Download, IsLostWhenTheStateHasMovedOn) {
   EXPECT_EQ(description(), "Invalid server response");
 }
 
-TEST_F(Download, RefusesAFolderThatOthersMayEnterAndTellsThatTheArchiveCannotBeStored) {
+TEST_F(Download, AvoidsAFolderThatOthersMayEnterAndTellsThatTheArchiveCannotBeStored) {
   server.answers["/a.zip"] = {"content"};
   std::filesystem::create_directory(files / folder());
   std::filesystem::permissions(files / folder(), std::filesystem::perms(0755));
   start();
   download();
-  ASSERT_TRUE(becomes("error"));
-  EXPECT_THAT(description(), testing::AllOf(testing::StartsWith("Download failed: "), testing::HasSubstr(folder())));
-  EXPECT_TRUE(server.requests.empty());
+  ASSERT_TRUE(becomes("downloaded"));
+  EXPECT_TRUE(std::filesystem::is_empty(files / folder()));
+  const std::string other = folder() + "-1/brantelUpdate";
+  EXPECT_EQ(files.get(other + "/brantel-Update.zip"), "content");
 
-  std::filesystem::permissions(files / folder(), std::filesystem::perms::owner_all);
-  files.put(folder() + "/brantelUpdate", "a file where the folder should be");
+  std::filesystem::remove_all(files / other);
+  files.put(other, "a file where the folder should be");
   start();
   download();
   ASSERT_TRUE(becomes("error"));
   EXPECT_THAT(description(),
               testing::AllOf(testing::StartsWith("Download failed: "), testing::HasSubstr("brantelUpdate")));
+
+  ::setenv("TMPDIR", (files / "missing").c_str(), 1);
+  server.requests.clear();
+  start();
+  download();
+  ASSERT_TRUE(becomes("error"));
+  EXPECT_THAT(description(), testing::StartsWith("Download failed: There is no folder for temporary files"));
+  EXPECT_TRUE(server.requests.empty());
 }
 
 TEST_F(Download, ALaterOneTakesThePlaceOfTheFormer) {

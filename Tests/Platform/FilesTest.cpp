@@ -347,32 +347,43 @@ TEST(FileLock, IsFreeOnceItsOwnerIsGoneEvenWhereThereAreNoLocks) {
   }
 }
 
-TEST(PrivateFolder, IsOneThatBelongsToThisUserAlone) {
+TEST(PrivateFolder, IsOneThatBelongsToThisUserAloneAndStaysTheSame) {
   const TemporaryFolder folder;
   ::setenv("TMPDIR", folder.path().c_str(), 1);
-  const fs::path expected = folder / ("gavrel-" + std::to_string(::geteuid()));
-  const auto isRefused = [] { return !privateTemporaryFolder(); };
+  const fs::path usual = folder / ("gavrel-" + std::to_string(::geteuid()));
+  const auto found = [] { return *privateTemporaryFolder(); };
   for (int i = 0; i < 2; ++i) {  // made, and found
-    const auto found = privateTemporaryFolder();
-    ASSERT_TRUE(found) << found.failure().reason;
-    EXPECT_EQ(*found, expected);
-    EXPECT_EQ(permissions(expected), 0700u);
+    EXPECT_EQ(found(), usual);
+    EXPECT_EQ(permissions(usual), 0700u);
   }
+
+  const fs::path next = usual.string() + "-1";
+  const auto expectNext = [&](const std::string& taken) {
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(found(), next) << taken;
+    fs::remove(usual);
+    EXPECT_EQ(found(), next) << "free again: " << taken;
+    fs::remove(next);
+  };
   for (const mode_t mode : {0710u, 0704u, 0777u}) {
-    ::chmod(expected.c_str(), mode);
-    EXPECT_TRUE(isRefused()) << mode;
+    fs::create_directory(usual);
+    ::chmod(usual.c_str(), mode);
+    expectNext(std::to_string(mode));
   }
-  ::chmod(expected.c_str(), 0700);
   if (::geteuid() == 0) {
-    ASSERT_EQ(::chown(expected.c_str(), 65534, 65534), 0);
-    EXPECT_TRUE(isRefused()) << "somebody else's";
+    ASSERT_EQ(::mkdir(usual.c_str(), 0700) | ::chown(usual.c_str(), 65534, 65534), 0);
+    expectNext("somebody else's");
   }
-  fs::rename(expected, folder / "other");
-  fs::create_symlink(folder / "other", expected);
-  EXPECT_TRUE(isRefused()) << "a link";
-  fs::remove(expected);
-  folder.put(expected.filename().string(), "");
-  EXPECT_TRUE(isRefused()) << "a file";
+  fs::create_directory(folder / "other");
+  fs::create_symlink(folder / "other", usual);
+  expectNext("a link");
+  folder.put(usual.filename().string(), "");
+  expectNext("a file");
+
+  folder.put(usual.filename().string(), "");
+  for (int i = 1; i < 100; ++i) folder.put(usual.filename().string() + "-" + std::to_string(i), "");
+  const auto none = privateTemporaryFolder();
+  ASSERT_FALSE(none);
+  EXPECT_EQ(none.failure().reason, usual.string() + " and all names like it are taken by others");
   ::unsetenv("TMPDIR");
 }
 
