@@ -37,6 +37,11 @@ Vector3 stretchOf(const SceneNode& node) {
   return {cone.bottomRadius, cone.height, cone.bottomRadius};
 }
 
+/// The nearest shape, if it shows a node or an element: parts of arrows have no source.
+const SceneNode* picked(const std::vector<HitTestResult>& hits) {
+  return hits.empty() || !hits.front().node->source ? nullptr : hits.front().node;
+}
+
 }  // namespace
 
 SceneContents::SceneContents(QObject* parent) : QObject(parent) {
@@ -153,21 +158,19 @@ bool SceneContents::loadsActAlongZ() const {
 
 void SceneContents::click(const Ray& ray) {
   const auto hits = hitTest(coordinator_->scene, ray);
-  const SceneNode* node = hits.empty() || !hits.front().node->name ? nullptr : hits.front().node;
-  const QString name = node == nullptr ? QString() : QString::fromStdString(*node->name);
-  const auto* tube = node == nullptr ? nullptr : std::get_if<Tube>(&node->content);
-  const bool isBeam = tube != nullptr && tube->radius == SceneKitView::beamRadius;
-  if (node == nullptr) viewModel_->clearMarks();
+  const SceneNode* node = picked(hits);
+  const auto source = node == nullptr ? std::nullopt : node->source;
+  if (!source) viewModel_->clearMarks();
   coordinator_->handleClick(hits);  // may lead to another scene
-  if (tube != nullptr) emit elementClicked(isBeam, name.section(u'_', 1).toLongLong());
-  bool isNode = false;
-  const qint64 number = name.toLongLong(&isNode);
-  if (isNode) emit nodeClicked(number);
+  if (!source) return;
+  if (source->kind == Source::Kind::node)
+    emit nodeClicked(source->number);
+  else
+    emit elementClicked(source->kind == Source::Kind::beam, source->number);
 }
 
 bool SceneContents::highlight(const Ray& ray) {
-  const auto hits = hitTest(coordinator_->scene, ray);
-  const SceneNode* node = hits.empty() || !hits.front().node->name ? nullptr : hits.front().node;
+  const SceneNode* node = picked(hitTest(coordinator_->scene, ray));
   showHighlight(node);
   return node != nullptr;
 }
@@ -191,7 +194,7 @@ void SceneContents::showHighlight(const SceneNode* node) {
   for (InstanceTable* table : {&highlightedBall_, &highlightedTube_}) table->publish();
 }
 
-/// Named shapes stand in the scene itself, not in a group.
+/// Shapes of nodes and elements stand in the scene itself, not in a group.
 void SceneContents::append(InstanceTable& balls, InstanceTable& tubes, const SceneNode& node, double growth,
                            const Color& color) {
   const bool isBall = std::holds_alternative<Sphere>(node.content);

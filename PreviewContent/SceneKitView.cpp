@@ -14,6 +14,7 @@ namespace {
 
 constexpr double nodeRadius = 0.1;
 constexpr double trussRadius = 0.05;
+constexpr double beamRadius = 0.1;
 constexpr double loadShaftRadius = 0.03;
 constexpr double headRadius = 0.1;
 constexpr double headLength = 0.3;
@@ -100,8 +101,7 @@ class SceneBuilder {
     ball.content = Sphere{nodeRadius};
     ball.color = color;
     ball.position = *place;
-    ball.name = std::to_string(node);
-    root_.children.push_back(std::move(ball));
+    add(std::move(ball), {Source::Kind::node, node}, "");
   }
 
   void addTrusses() {
@@ -119,12 +119,10 @@ class SceneBuilder {
     for (const BeamElement& beam : *project_.beamElements) addBeam(beam);
   }
 
-  void addBeam(const BeamElement& beam) {
-    addTube(beam.id, beam.startNodeId, beam.endNodeId, SceneKitView::beamRadius, beamColor);
-  }
+  void addBeam(const BeamElement& beam) { addTube(beam, Source::Kind::beam, beamRadius, beamColor); }
 
   bool addTruss(const TrussElement& truss, const Color& color) {
-    return addTube(truss.id, truss.startNodeId, truss.endNodeId, trussRadius, color);
+    return addTube(truss, Source::Kind::bar, trussRadius, color);
   }
 
   void addLoads() {
@@ -137,7 +135,7 @@ class SceneBuilder {
       if (!place) continue;
       add(SceneKitView::createArrowNode(*place, sum(*place, scaled(*force, scale)), loadShaftRadius, headRadius,
                                         headLength, loadColor),
-          "load_node_", i);
+          {Source::Kind::load, i}, "load_node_");
     }
   }
 
@@ -161,24 +159,26 @@ class SceneBuilder {
     return sum(*X, scaled(*U, scale_));
   }
 
-  bool addTube(std::int64_t id, std::int64_t startNode, std::int64_t endNode, double radius, const Color& color) {
-    const auto start = drawnPlace(startNode);
-    const auto end = drawnPlace(endNode);
+  template <class Element>
+  bool addTube(const Element& element, Source::Kind kind, double radius, const Color& color) {
+    const auto start = drawnPlace(element.startNodeId);
+    const auto end = drawnPlace(element.endNodeId);
     if (!start || !end) return false;
     SceneNode tube = SceneKitView::createCylinderNode(*start, *end, radius);
     tube.color = color;
-    add(std::move(tube), "element_", id);
+    add(std::move(tube), {kind, element.id}, "element_");
     return true;
   }
 
   void addMarker(const Vector3& place, const Vector3& axis, std::string_view prefix, std::int64_t node) {
     add(SceneKitView::createArrowNode(sum(place, scaled(axis, -markerStart)), sum(place, scaled(axis, -markerEnd)), 0,
                                       headRadius, headLength, restraintColor),
-        prefix, node);
+        {Source::Kind::support, node}, prefix);
   }
 
-  void add(SceneNode node, std::string_view prefix, std::int64_t id) {
-    node.name = std::string(prefix) + std::to_string(id);
+  void add(SceneNode node, const Source& source, std::string_view prefix) {
+    node.name = std::string(prefix) + std::to_string(source.number);
+    node.source = source;
     root_.children.push_back(std::move(node));
   }
 

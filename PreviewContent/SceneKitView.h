@@ -14,7 +14,8 @@
 /// beam in its deformed place, arrows for loads and cones for restraints. The picture is built anew on every update.
 ///
 /// Scene nodes are named for picking: balls by the node's identifier, tubes "element_" and the element's identifier
-/// (of trusses and beams alike), arrows "load_node_" and markers "rest_x_node_" (y, z) with the node's identifier.
+/// (of trusses and beams alike), arrows "load_node_" and markers "rest_x_node_" (y, z) with the node's identifier. Only
+/// the coordinator reads names; whatever else asks what a scene node shows takes its source.
 class SceneKitView {
  public:
   struct SCNOptions {
@@ -33,8 +34,6 @@ class SceneKitView {
   };
 
   class Coordinator;
-
-  static constexpr double beamRadius = 0.1;  ///< twice that of a truss
 
   std::shared_ptr<Project> project;
   SCNOptions options;

@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QSet>
 #include <algorithm>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,7 +14,7 @@ const QColor nodeInk(255, 255, 255);
 const QColor elementInk(30, 30, 30);
 
 struct Label {
-  std::string_view text;
+  std::int64_t number;
   OrbitCamera::PicturePoint point;
   bool isNode;
 };
@@ -49,18 +48,16 @@ SceneLabels::SceneLabels(QQuickItem* parent) : CameraOverlay(parent) {
 }
 
 void SceneLabels::paint(QPainter* painter) {
-  constexpr std::string_view elementPrefix = "element_";
+  using Kind = Source::Kind;
   std::vector<Label> labels;
   for (const SceneNode& node : camera()->contents()->scene().rootNode.children) {
-    if (!node.name) continue;
-    std::string_view name = *node.name;
-    const bool isNode = std::holds_alternative<Sphere>(node.content);
-    const bool isElement = std::holds_alternative<Tube>(node.content);
-    if (!(isNode && nodeNumbers_) && !(isElement && elementNumbers_)) continue;
+    if (!node.source) continue;
+    const auto [kind, number] = *node.source;
+    const bool isElement = kind == Kind::bar || kind == Kind::beam;
+    if (!(kind == Kind::node && nodeNumbers_) && !(isElement && elementNumbers_)) continue;
     const auto point = camera()->camera().project(node.position);
     if (!point || point->x < 0 || point->y < 0 || point->x > width() || point->y > height()) continue;
-    if (isElement) name.remove_prefix(elementPrefix.size());
-    labels.push_back({name, *point, isNode});
+    labels.push_back({number, *point, kind == Kind::node});
   }
   // Nodes before elements, near before far.
   std::ranges::sort(labels, {}, [](const Label& label) { return std::pair(!label.isNode, label.point.depth); });
@@ -71,7 +68,7 @@ void SceneLabels::paint(QPainter* painter) {
   const QFontMetricsF metrics(font);
   Occupancy occupancy;
   for (const Label& label : labels) {
-    const QString text = QString::fromUtf8(label.text.data(), static_cast<qsizetype>(label.text.size()));
+    const QString text = QString::number(label.number);
     QRectF box(0, 0, metrics.horizontalAdvance(text) + 6, metrics.height());
     // Nodes carry their number above and to the right, elements in the middle.
     if (label.isNode) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -52,8 +53,19 @@ struct Rotation {
   double angle = 0;
 };
 
+/// What of a structure a scene node shows: a node or an element, or what stands at a node.
+struct Source {
+  enum class Kind { node, bar, beam, load, support };
+
+  Kind kind;
+  std::int64_t number;  ///< identifier of the node or the element
+
+  bool operator==(const Source&) const = default;
+};
+
 struct SceneNode {
   std::optional<std::string> name;
+  std::optional<Source> source;  ///< none for lights, the camera and the parts of arrows
   std::variant<std::monostate, Sphere, Tube, Cone, Camera, AmbientLight, DirectionalLight> content;
   Color color;  ///< of the shape's surface, or of the light
   Vector3 position;

@@ -66,12 +66,18 @@ TEST(SceneKitView, DrawsInAFixedOrderUnderFixedNames) {
   v.project->addNode({2, 0, 0});
   addBar(*v.project, 0, 1, 1);
   addBeam(*v.project, 1, 0, 1, false);
+  v.project->trussElements.edit()[0].id = 12;
   v.project->setLoadAndRestraint(0, {0, -5, 0}, true, false, true);
   // Every look-up reads three entries a node, so what stands in node 0's entries 3 to 5 belongs to node 1.
   v.project->F_I.edit()[4] = 10;
   v.project->D_I.edit()[4] = true;
-  EXPECT_THAT(v.names(), testing::ElementsAre("", "", "", "0", "1", "element_0", "element_0", "load_node_0",
+  EXPECT_THAT(v.names(), testing::ElementsAre("", "", "", "0", "1", "element_12", "element_0", "load_node_0",
                                               "load_node_1", "rest_x_node_0", "rest_z_node_0", "rest_y_node_1"));
+  using enum Source::Kind;
+  const std::optional<Source> sources[] = {
+      {},          {},          {},          {{node, 0}},    {{node, 1}},    {{bar, 12}},
+      {{beam, 0}}, {{load, 0}}, {{load, 1}}, {{support, 0}}, {{support, 0}}, {{support, 1}}};
+  EXPECT_TRUE(std::ranges::equal(v.update(), sources, {}, &SceneNode::source));
   testing::internal::CaptureStdout();
   const auto& nodes = v.update();
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
@@ -177,7 +183,7 @@ TEST(SceneKitView, ArrowsPointAlongTheirLoads) {
     const SceneNode arrow = v.named(name);
     ASSERT_EQ(arrow.children.size(), 2U);
     const SceneNode& head = arrow.children[1];
-    EXPECT_FALSE(arrow.children[0].name || head.name);
+    EXPECT_FALSE(arrow.children[0].name || head.name || arrow.children[0].source || head.source);
     EXPECT_EQ(head.color, red);
     expectNear(transformOf(head).point({0, std::get<Cone>(head.content).height / 2, 0}), tip);
     const SceneNode& shaft = arrow.children[0];
