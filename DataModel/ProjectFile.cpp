@@ -57,6 +57,28 @@ void write(JsonWriter& json, const Project& project) {
   json.end();
 }
 
+static_assert(largestProjectFile == simdjson::SIMDJSON_MAXSIZE_BYTES);
+
+// At most, in bytes.
+constexpr std::uint64_t numberSize = 25;
+constexpr std::uint64_t characterSize = 6;  // escaped
+constexpr std::uint64_t aroundEach = 16;    // new line, indentation, quotes, colon, comma, braces
+constexpr std::uint64_t aroundAll = 256;
+
+template <class Record>
+std::uint64_t largestSize(const std::vector<Record>& elements) {
+  std::uint64_t each = aroundEach;
+  forEachField<Record>([&each](const auto& field) { each += aroundEach + field.key.size() + numberSize; });
+  return elements.size() * each;
+}
+
+/// What the project's text cannot exceed.
+std::uint64_t largestSize(const Project& project) {
+  const std::uint64_t numbers = project.X_I->size() + project.F_I->size() + project.D_I->size();
+  return aroundAll + project.name->size() * characterSize + largestSize(*project.trussElements) +
+         largestSize(*project.beamElements) + numbers * (numberSize + aroundEach);
+}
+
 template <class Record, std::size_t i>
 void readField(JsonValue json, Record& record) {
   readJson(json, record.*std::get<i>(Record::fields).member);
@@ -119,6 +141,15 @@ std::optional<Failure> whyNotEncodable(const Project& project) {
   return std::nullopt;
 }
 
+std::optional<Failure> whyTooLarge(const Project& project, std::uint64_t most) {
+  if (largestSize(project) <= most) return std::nullopt;
+  std::uint64_t size = 0;
+  encodeProject(project, [&size](std::string_view piece) { size += piece.size(); });
+  if (size <= most) return std::nullopt;
+  return Failure{"the project is too large for a file: it takes " + std::to_string(size) + " bytes, and at most " +
+                 std::to_string(most) + " can be read again"};
+}
+
 Result<std::string> encodeProject(const Project& project) {
   if (auto fault = whyNotEncodable(project)) return *fault;
   JsonWriter json;
@@ -143,11 +174,12 @@ Result<std::shared_ptr<Project>> decodeProject(std::string json) {
 
 std::optional<Failure> writeProject(const Project& project, const std::filesystem::path& path) {
   if (auto fault = whyNotEncodable(project)) return fault;
+  if (auto fault = whyTooLarge(project)) return fault;
   return replaceFile(path, [&project](const ByteSink& sink) { encodeProject(project, sink); });
 }
 
 Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) {
-  auto bytes = readFile(path);
+  auto bytes = readFile(path, largestProjectFile);
   if (!bytes) return bytes.failure();
   return decodeProject(std::move(*bytes));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -27,6 +28,12 @@ struct ProjectContents {
 /// What keeps the project from being kept in a file: a number that is not finite, or a name that is not valid UTF-8.
 [[nodiscard]] std::optional<Failure> whyNotEncodable(const Project& project);
 
+/// The size of the largest project file, in bytes: that of the longest text that decodeProject takes.
+inline constexpr std::uint64_t largestProjectFile = 0xFFFF'FFFF;
+
+/// Tells if the project's file would have more than `most` bytes, and how many. Large projects are encoded for that.
+[[nodiscard]] std::optional<Failure> whyTooLarge(const Project& project, std::uint64_t most = largestProjectFile);
+
 /// The project as JSON text: name, elements with all stored fields, coordinates, loads and restraints. Fails if the
 /// project cannot be encoded.
 [[nodiscard]] Result<std::string> encodeProject(const Project& project);
@@ -38,9 +45,11 @@ void encodeProject(const Project& project, const ByteSink& sink);
 /// Fails as a whole, telling the key and element, or line and column where the text is not JSON.
 [[nodiscard]] Result<std::shared_ptr<Project>> decodeProject(std::string json);
 
-/// Replaces the file in one step; see replaceFile. Nothing is written if the project cannot be encoded.
+/// Replaces the file in one step; see replaceFile. Nothing is written if the project cannot be encoded, or is too large
+/// to be read again.
 [[nodiscard]] std::optional<Failure> writeProject(const Project& project, const std::filesystem::path& path);
 
+/// The project in the file; see decodeProject. A file that is too large is refused before it is read.
 [[nodiscard]] Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path);
 
 /// Writes an array of element records, every field under its key.

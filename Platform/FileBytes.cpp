@@ -27,11 +27,18 @@ Failure systemFailure(const std::string& attempt, const std::filesystem::path& p
           "\": " + std::generic_category().message(code)};
 }
 
-Result<std::string> readFile(const std::filesystem::path& path) {
+Result<std::string> readFile(const std::filesystem::path& path, std::uint64_t most) {
+  const auto tooLarge = [&](const std::string& size) {
+    return Failure{"cannot read \"" + path.string() + "\": it has " + size + " bytes, and at most " +
+                   std::to_string(most) + " can be read"};
+  };
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.isOpen()) return systemFailure("cannot open", path, errno);
   struct stat status {};
   if (::fstat(file.get(), &status) != 0) return systemFailure("cannot read", path, errno);
+
+  if (const auto size = static_cast<std::uint64_t>(status.st_size); S_ISREG(status.st_mode) && size > most)
+    return tooLarge(std::to_string(size));
 
   std::string bytes;
   std::size_t filled = 0;
@@ -43,6 +50,7 @@ Result<std::string> readFile(const std::filesystem::path& path) {
     if (got == 0) break;
     if (got > 0) {
       filled += static_cast<std::size_t>(got);
+      if (filled > most) return tooLarge("more than " + std::to_string(most));
     } else if (errno != EINTR) {
       return systemFailure("cannot read", path, errno);
     }

@@ -174,4 +174,40 @@ TEST(ProjectFile, RefusesToWriteWhatJsonCannotHold) {
   EXPECT_EQ(folder.entries(), 1);
 }
 
+TEST(ProjectFile, WhatCouldNotBeReadAgainIsNotWritten) {
+  // The longest text of everything that it can hold.
+  constexpr double longest = -2.2250738585072014e-308;
+  Project project(std::string(300, '\x01'));
+  for (int i = 0; i < 300; ++i) {
+    project.addNode({longest, longest, longest});
+    project.setLoadAndRestraint(i, {longest, longest, longest}, false, false, false);
+    const auto fill = [](auto& elements) {
+      auto& element = elements.emplace_back();
+      forEachField<std::decay_t<decltype(element)>>([&element](const auto& field) {
+        auto& value = element.*field.member;
+        if constexpr (std::is_same_v<decltype(value), double&>) value = longest;
+        if constexpr (std::is_same_v<decltype(value), std::int64_t&>) value = std::numeric_limits<std::int64_t>::min();
+      });
+    };
+    fill(project.trussElements.edit());
+    fill(project.beamElements.edit());
+  }
+  Project empty("n");
+  for (const Project* each : {&project, &empty}) {
+    const auto size = encodeProject(*each)->size();
+    EXPECT_FALSE(whyTooLarge(*each, size));
+    const auto failure = whyTooLarge(*each, size - 1);
+    ASSERT_TRUE(failure);
+    EXPECT_THAT(failure->reason, HasSubstr("takes " + std::to_string(size) + " bytes, and at most"));
+  }
+
+  const TemporaryFolder folder;
+  const auto file = folder.put("large.json", "{}");
+  for (const auto& [size, reason] : {std::pair{std::uint64_t{1} << 32, "it has 4294967296 bytes, and at most"},
+                                     {std::uint64_t{1} << 40, "it has 1099511627776 bytes, and at most"}}) {
+    std::filesystem::resize_file(file, size);  // without a byte on the disk
+    EXPECT_THAT(readProject(file).failure().reason, HasSubstr(reason));
+  }
+}
+
 }  // namespace
