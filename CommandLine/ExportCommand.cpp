@@ -7,8 +7,10 @@
 #include <filesystem>
 
 #include "CommandLine/Commands.h"
+#include "DataModel/ArrayLengths.h"
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Export.h"
+#include "Platform/Console.h"
 #include "Platform/Destination.h"
 #include "Platform/OutputFiles.h"
 
@@ -71,6 +73,8 @@ int exportModel(const ExportOptions& options) {
   const auto loaded = readProject(options.model);
   if (!loaded) return fail("Failed to load project", loaded.failure().reason);
   Project& project = **loaded;
+  for (const auto& misfit : ArrayLengths::of(project).misfits)
+    printWarning(misfit.text() + "; the files have what belongs to nodes");
   if (!options.unsolved) project.Solve();
 
   using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&, Results);

@@ -71,7 +71,8 @@ Cell position(const Project& project, std::int64_t row) {
 
 Cell kind(const Project& project, std::int64_t row) {
   const auto trusses = std::ssize(*project.trussElements);
-  if (row >= trusses) return "beam";
+  if (row >= trusses)
+    return (*project.beamElements)[static_cast<std::size_t>(row - trusses)].isNonLinear ? "non-linear beam" : "beam";
   const TrussElement& truss = (*project.trussElements)[static_cast<std::size_t>(row)];
   return std::string(truss.isNonLinear ? "non-linear " : "") +
          (truss.isCompressionOnly ? "compression-only bar" : "bar");
@@ -106,16 +107,31 @@ Cell stateOf(const TrussElement& truss) {
   return truss.isOut() ? "out" : "in";
 }
 
-/// What EAL3 was made from: the shortest number near it that gives the same EAL3, if there is one.
-double youngModulusOf(const TrussElement& truss) {
+/// A modulus that makes the bar's EAL3 again, bit by bit, and has few digits if one with few does. There is one within
+/// four doubles of the quotient if EAL3 was made from one; otherwise that which comes nearest. Nothing where the bar
+/// has none.
+Cell youngModulusOf(const TrussElement& truss) {
   constexpr int digits = 13;
-  const double L3 = std::pow(length({truss.dXx, truss.dXy, truss.dXz}), 3.0);
-  const double E = truss.EAL3 * L3 / truss.area;
+  constexpr int furthest = 4;
+  const double L = length({truss.dXx, truss.dXy, truss.dXz});
+  const double L3 = std::pow(L, 3.0);
+  const auto E = static_cast<double>(static_cast<long double>(truss.EAL3) * L3 / truss.area);
+  if (!(L > zeroLength) || !std::isfinite(E)) return {};
+  const auto error = [&](double modulus) { return std::abs(truss.area * modulus / L3 - truss.EAL3); };
   std::array<char, 32> shortened{};
   const auto* end = std::to_chars(shortened.begin(), shortened.end(), E, std::chars_format::general, digits).ptr;
   double rounded = E;
   std::from_chars(shortened.begin(), end, rounded);
-  return truss.area * rounded / L3 == truss.EAL3 ? rounded : E;
+  if (error(rounded) == 0) return rounded;
+  double nearest = E;
+  for (const double limit : {HUGE_VAL, -HUGE_VAL}) {
+    double modulus = E;
+    for (int i = 0; i < furthest; ++i) {
+      modulus = std::nextafter(modulus, limit);
+      if (error(modulus) < error(nearest)) nearest = modulus;
+    }
+  }
+  return nearest;
 }
 
 Cell youngModulus(const Project& project, std::int64_t row) {

@@ -22,6 +22,13 @@ TEST(Exchange, ExportsAndImports) {
   EXPECT_EQ(gavrelCli({"export", model}).status, 64);
   EXPECT_EQ(gavrelCli({"export", model, "--vtu", folder / "none" / "bar.vtu"}).status, 1);
 
+  std::string surplus = singleBarJson();
+  surplus.insert(surplus.find("\"F_I\": [") + 8, "0,");
+  const auto warned =
+      gavrelCli({"export", "--unsolved", folder.put("surplus.json", surplus), "--vtu", folder / "surplus.vtu"});
+  EXPECT_EQ(warned.errors,
+            "Warning: F_I has 13 entries, where 2 nodes have 12; the files have what belongs to nodes\n");
+
   const auto imported = gavrelCli(
       {"import", folder / "nodes.csv", folder / "elements.csv", "-o", folder / "new.json", "--name", "Again"});
   EXPECT_EQ(imported.status, 0) << imported.errors;

@@ -4,7 +4,6 @@
 #include <cstdio>
 
 #include "Exchange/Export.h"
-#include "Exchange/Import.h"
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
 
@@ -72,22 +71,6 @@ TEST(Export, LeavesOutTheResultsOfAnEarlierSolve) {
   ASSERT_FALSE(exportVtu(structure, folder / "grid.vtu", Results::leftOut));
   for (const char* name : {"displacement", "rotation", "axialForce", "\"strain\""})
     EXPECT_THAT(folder.get("grid.vtu"), testing::Not(HasSubstr(name)));
-}
-
-TEST(Export, TablesComeBackAsTheSameStructure) {
-  const TemporaryFolder folder;
-  Structure structure;
-  ASSERT_FALSE(exportNodes(structure, folder / "nodes.csv"));
-  ASSERT_FALSE(exportElements(structure, folder / "elements.csv"));
-  Project back;
-  ASSERT_TRUE(importFiles(back, {folder / "elements.csv", folder / "nodes.csv"}, {}));
-  structure.trussElements.edit()[0].currentStrain = 0;
-  structure.trussElements.edit()[1].currentStrain = 0;
-  EXPECT_EQ(*back.trussElements, *structure.trussElements);
-  EXPECT_EQ(*back.beamElements, *structure.beamElements);
-  EXPECT_EQ(*back.X_I, *structure.X_I);
-  EXPECT_EQ(*back.F_I, *structure.F_I);
-  EXPECT_EQ(*back.D_I, *structure.D_I);
 }
 
 TEST(Export, VtkReadsTheGrid) {
