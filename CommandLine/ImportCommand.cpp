@@ -36,7 +36,7 @@ int import(const ImportOptions& options) {
     project = *loaded;
   }
   if (options.into.empty())
-    project->name.edit() = shownText(std::filesystem::path(options.files.front()).stem().string());
+    project->name.edit() = shownText(std::filesystem::path(options.files.front()).stem().string(), std::string::npos);
   if (!options.name.empty()) project->name.edit() = options.name;
   ImportSettings settings = options.settings;
   if (options.tolerance > 0) settings.tolerance = options.tolerance;
