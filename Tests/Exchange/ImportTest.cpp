@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "DataModel/ProjectFile.h"
 #include "Exchange/Import.h"
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
@@ -113,26 +112,6 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 POLYLINE 70 1e30")), HasSubstr("expected a whole number, found \"1e30\""));
   EXPECT_THAT(reasonFor("a.DXF", "0\nSECTION\n2\nENTITIES\n"), HasSubstr("ends before its EOF"));
   EXPECT_THAT(reasonFor("a.dxf", "AutoCAD Binary DXF\r\n"), HasSubstr("binary DXF"));
-}
-
-TEST(Import, MakesTheArraysFitBeforeItAdds) {
-  const TemporaryFolder folder;
-  const std::string file = folder.put("one.csv", "x,y,Fx,held\n5,0,55,x\n");
-  const auto projectWith = [](std::vector<double> F, std::vector<bool> D) {
-    return projectOf({"", {}, {}, {0, 0, 0, 1, 0, 0}, std::move(F), std::move(D)});
-  };
-  const auto filled = projectWith({}, {true});
-  const auto outcome = importFiles(*filled, {file}, {});
-  ASSERT_TRUE(outcome);
-  EXPECT_THAT(outcome->remarks, ElementsAre("F_I has 0 entries, where 2 nodes have 12: filled with zeros.",
-                                            "D_I has 1 entry, where 2 nodes have 12: filled with false."));
-  EXPECT_EQ(std::ranges::find(*filled->F_I, 55) - filled->F_I->begin(), 12);
-  EXPECT_TRUE(filled->D_I->size() == 18 && (*filled->D_I)[0] && (*filled->D_I)[12]);
-  const auto refused = projectWith(std::vector<double>(15), {});
-  const auto refusal = importFiles(*refused, {file}, {});
-  ASSERT_FALSE(refusal);
-  EXPECT_THAT(refusal.failure().reason, testing::StartsWith("F_I has 15 entries, where 2 nodes have 12: "));
-  EXPECT_EQ(refused->X_I->size() + refused->F_I->size() + refused->D_I->size(), 21);
 }
 
 TEST(Import, ReadsACommaByOneRuleInATable) {

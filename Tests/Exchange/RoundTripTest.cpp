@@ -13,26 +13,21 @@
 
 namespace {
 
-/// The structure as tables can hold it: before a solve, elements numbered by their place and of material 0.
-std::shared_ptr<Project> unsolved(const Project& project) {
-  auto copy = project.copy();
-  for (TrussElement& truss : copy->trussElements.edit()) truss.dUx = truss.dUy = truss.dUz = truss.currentStrain = 0;
-  for (BeamElement& beam : copy->beamElements.edit())
-    beam.dUx = beam.dUy = beam.dUz = beam.dθx = beam.dθy = beam.dθz = 0;
-  return copy;
-}
-
-/// What its tables make of a project.
-std::shared_ptr<Project> throughTables(const Project& project) {
+/// That the project's tables make the same of an empty project.
+void expectToComeBack(const Project& project) {
   const TemporaryFolder folder;
-  auto back = std::make_shared<Project>(*project.name);
+  Project back;
   EXPECT_FALSE(exportNodes(project, folder / "nodes.csv"));
   EXPECT_FALSE(exportElements(project, folder / "elements.csv"));
   testing::internal::CaptureStdout();  // warnings of elements without length
-  const auto outcome = importFiles(*back, {folder / "nodes.csv", folder / "elements.csv"}, {.isNonLinear = true});
+  const auto outcome = importFiles(back, {folder / "nodes.csv", folder / "elements.csv"}, {.isNonLinear = true});
   testing::internal::GetCapturedStdout();
   EXPECT_TRUE(outcome) << outcome.failure().reason;
-  return back;
+  EXPECT_EQ(*back.X_I, *project.X_I);
+  EXPECT_EQ(*back.F_I, *project.F_I);
+  EXPECT_EQ(*back.D_I, *project.D_I);
+  EXPECT_EQ(*back.trussElements, *project.trussElements);
+  EXPECT_EQ(*back.beamElements, *project.beamElements);
 }
 
 /// Draws structures of all kinds of elements and numbers.
@@ -74,38 +69,26 @@ class Draw {
   std::mt19937 generator_;
 };
 
-void expectSame(const Project& back, const Project& project) {
-  EXPECT_EQ(*back.X_I, *project.X_I);
-  EXPECT_EQ(*back.F_I, *project.F_I);
-  EXPECT_EQ(*back.D_I, *project.D_I);
-  EXPECT_EQ(*back.trussElements, *project.trussElements);
-  EXPECT_EQ(*back.beamElements, *project.beamElements);
-}
-
 }  // namespace
 
 TEST(RoundTrip, TablesKeepRandomStructures) {
   const char* asked = std::getenv("GAVREL_RANDOM_STRUCTURES");
-  const unsigned count = asked != nullptr ? static_cast<unsigned>(std::atoi(asked)) : 100;
+  const unsigned count = asked != nullptr ? static_cast<unsigned>(std::atoi(asked)) : 40;
   for (unsigned seed = 1; seed <= count && !testing::Test::HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     testing::internal::CaptureStdout();
     const auto project = Draw(seed).structure();
     testing::internal::GetCapturedStdout();
-    expectSame(*throughTables(*project), *project);
+    expectToComeBack(*project);
   }
 }
 
 TEST(RoundTrip, TablesKeepTheExamples) {
-  int examples = 0;
   for (const auto& entry : std::filesystem::directory_iterator(GAVREL_EXAMPLES)) {
     if (entry.path().extension() != ".json") continue;
     SCOPED_TRACE(entry.path());
     const auto project = readProject(entry.path());
     ASSERT_TRUE(project);
-    const auto wanted = unsolved(**project);
-    expectSame(*throughTables(*wanted), *wanted);
-    ++examples;
+    expectToComeBack(**project);
   }
-  EXPECT_GT(examples, 5);
 }
