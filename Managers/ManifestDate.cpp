@@ -34,10 +34,10 @@ std::optional<QString> whyOutdated(QDate manifest, std::optional<QDate> newest) 
 
 std::optional<QString> whyNoProof(QDate manifest, QDate today) {
   if (!isPossible(manifest, today))
-    return QObject::
-        tr("No newer version is listed, but the list is of %1, and the clock of this computer says %2. Set the clock "
-           "and check again.")
-            .arg(written(manifest), written(today));
+    return QObject::tr(
+               "No newer version is listed, but the list is of %1, and the clock of this computer says %2. Set it if "
+               "it is wrong, and check again.")
+        .arg(written(manifest), written(today));
   if (manifest.daysTo(today) <= longestAge) return {};
   return QObject::tr(
              "No newer version is listed, but the list is of %1, more than %2 days before %3. Newer versions may be "

@@ -19,8 +19,12 @@ SignatureTransfer::SignatureTransfer(QNetworkAccessManager& session, const QStri
   limits.bytes = signatureSize;
   transfer_ = std::make_unique<HttpTransfer>(session, *url, limits, content_);
   connect(transfer_.get(), &HttpTransfer::finished, this, [this] {
-    failure_ = transfer_->failure();
-    if (!failure_ && transfer_->status() != httpOk) failure_ = tr("The server answered %1.").arg(transfer_->status());
+    // First, because a page that says that nothing is there is longer than a signature.
+    const int status = transfer_->status();
+    if (status != 0 && status != httpOk)
+      failure_ = tr("The server answered %1.").arg(status);
+    else
+      failure_ = transfer_->failure();
     emit finished();
   });
 }
