@@ -8,7 +8,9 @@
 #include <string>
 
 #include "GavrelApp.h"
+#include "Managers/LeftOvers.h"
 #include "Options.h"
+#include "Platform/BundleInfo.h"
 #include "Platform/Signals.h"
 #include "Screenshot.h"
 
@@ -47,6 +49,10 @@ int main(int argc, char** argv) {
   const Options& options = std::get<Options>(asked);
 
   if (!hasDisplay()) return 1;
+  // Before anything asks where the program stands, which this may change.
+  if (!options.screenshot)
+    if (const auto failure = settleInstallation(runningProgram()))
+      std::fprintf(stderr, "gavrel: %s\n", failure->reason.c_str());
 
   // Drawing in the main thread: Qt 6.4 frees a 3D view that goes away while its drawing thread may still be at it.
   qputenv("QSG_RENDER_LOOP", "basic");

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Managers/TreeDigest.h"
+
 namespace {
 
 /// A path as one word of the shell that stands for itself, whatever characters it has.
@@ -30,20 +32,36 @@ std::string bundleInstallerScript(const std::filesystem::path& current, const st
 }
 
 std::string linuxInstallerScript(const std::filesystem::path& current, const std::filesystem::path& replacement,
-                                 const std::filesystem::path& executable) {
+                                 const std::filesystem::path& executable, const std::string& digest) {
   return "#!/bin/bash\nC=" + shellWord(current) + "\nN=" + shellWord(replacement) +
-         "\nP=" + shellWord(current.parent_path()) + "\nprogram=" + shellWord(current / executable) + R"(
-open() { exec "$program" "$@"; }
+         "\nexecutable=" + shellWord(executable) + "\nchecked=" + shellWord(digest) + "\ndigest() { " +
+         std::string(treeDigestCommand) + "; }" + R"script(
+open() {
+    local variable own=()
+    for variable in "${!GAVREL_OWN_@}"; do own+=("${!variable}"); done
+    # Without nice, which changes nothing here, env would take a path with "=" for a variable.
+    exec env -i -- "${own[@]}" nice -n 0 -- "$C/$executable" "$@" 9<&-
+}
+fail() {
+    rm -rf -- "$C.new"
+    open --update-failed="${1:0:1000}"
+}
 sleep 2
-reason=$(mv -T -- "$C" "$C.old" 2>&1) || open --update-failed="${reason:0:1000}"
-reason=$(cp -R -- "$N" "$P/" 2>&1)
-if [ $? -eq 0 ]; then
-    rm -rf -- "$C.old"
-    chmod -R 755 -- "$C"
+reason=$(mkdir -- "$C.new" 2>&1) || open --update-failed="${reason:0:1000}"
+exec 9<"$C.new"
+flock -n 9
+cp -- "$N/Info.plist" "$C.new/" 2>/dev/null
+reason=$(cp -R -- "$N/." "$C.new/" 2>&1) || fail "$reason"
+chmod -R 755 -- "$C.new"
+[ -x "$C.new/$executable" ] || fail "The copy of the update cannot be executed."
+[ "$(digest "$C.new")" = "$checked" ] || fail "The copy of the update is not what was checked."
+reason=$(sync -f -- "$C.new" 2>&1) || fail "$reason"
+reason=$(mv -T -- "$C" "$C.old" 2>&1) || fail "$reason"
+if reason=$(mv -T -- "$C.new" "$C" 2>&1); then
+    sync -f -- "$C" && rm -rf -- "$C.old"
     open
 else
-    rm -rf -- "$C"
     mv -T -- "$C.old" "$C"
-    open --update-failed="${reason:0:1000}"
-fi)";
+    fail "$reason"
+fi)script";
 }

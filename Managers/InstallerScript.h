@@ -13,8 +13,13 @@
 [[nodiscard]] std::string bundleInstallerScript(const std::filesystem::path& current,
                                                 const std::filesystem::path& replacement);
 
-/// The same steps for Linux. The program to start again is `executable`, relative to the bundle. Any byte may occur in
-/// a path. What fails leaves the former bundle where it was, and that is started with "--update-failed" and the reason.
+/// The script for Linux, to be started by startScript. It copies N to "C.new", which is whole, equal to what had the
+/// `digest` (see treeDigest) and on the disk before it takes the place of C; at every moment C or "C.old" is a whole
+/// bundle. What fails leaves the former one in its place, and that is started with "--update-failed" and the reason.
+/// The program to start again is `executable`, relative to the bundle. Any byte may occur in a path.
+///
+/// While it works it has a lock (flock) on the folder of the copy, whatever that is called, as have the tools that it
+/// waits for; LeftOvers asks for it. The file that tells what the copy is comes first.
 [[nodiscard]] std::string linuxInstallerScript(const std::filesystem::path& current,
                                                const std::filesystem::path& replacement,
-                                               const std::filesystem::path& executable);
+                                               const std::filesystem::path& executable, const std::string& digest);

@@ -1,9 +1,9 @@
 #include "Managers/UpdateManager.h"
 
-#include <charconv>
 #include <filesystem>
 #include <utility>
 
+#include "Managers/BundleVersion.h"
 #include "Managers/Installation.h"
 #include "Managers/ManifestDate.h"
 #include "Managers/ManifestTransfer.h"
@@ -45,13 +45,9 @@ UpdateManager::UpdateManager(Setup setup, QObject* parent)
 UpdateManager::~UpdateManager() = default;
 
 void UpdateManager::loadCurrentVersion() {
-  if (const auto version = setup_.bundle.text("CFBundleShortVersionString"))
-    currentVersion.edit() = QString::fromStdString(*version);
-  const std::string build = setup_.bundle.text("CFBundleVersion").value_or("");
-  const char* const end = build.data() + build.size();
-  qint64 number = 0;
-  const auto [rest, error] = std::from_chars(build.data(), end, number);
-  if (error == std::errc() && rest == end) currentBuild.edit() = number;
+  const auto [version, build] = versionOf(setup_.bundle);
+  currentVersion.edit() = version;
+  currentBuild.edit() = build;
 }
 
 QString UpdateManager::bundleName() const {
@@ -115,17 +111,16 @@ void UpdateManager::handleManifest(const QByteArray& json, bool isExplicitCheck)
   // A date to come, once remembered, would shut out all right ones.
   if (newest != date && isPossible(*date, today)) settings_.setValue(newestManifestKey, date->toString(Qt::ISODate));
   const auto reason = whyNoProof(*date, today);
-  if (reason && !isNewer(info)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
+  if (reason && !isOffer(info)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
   handleVersionInfo(info);
 }
 
 void UpdateManager::handleVersionInfo(const VersionInfo& info) {
-  set(isNewer(info) ? UpdateState{.kind = State::updateAvailable, .info = info} : UpdateState());
+  set(isOffer(info) ? UpdateState{.kind = State::updateAvailable, .info = info} : UpdateState());
 }
 
-bool UpdateManager::isNewer(const VersionInfo& info) const {
-  return isNewerVersion(info.version, *currentVersion) ||
-         (info.version == *currentVersion && *currentBuild < info.build);
+bool UpdateManager::isOffer(const VersionInfo& info) const {
+  return isNewer({info.version, info.build}, {*currentVersion, *currentBuild});
 }
 
 std::optional<QDate> UpdateManager::newestManifest() {

@@ -15,6 +15,9 @@ using Dictionary = decltype(BundleInfo::dictionary);
 /// The texts of a property list's top-level dictionary; empty if it cannot be read.
 Dictionary textsOf(const std::filesystem::path& propertyList) {
   Dictionary texts;
+  constexpr std::uintmax_t largest = 1 << 20;  // bytes; others' bundles are read, too
+  std::error_code missing;
+  if (std::filesystem::file_size(propertyList, missing) > largest || missing) return texts;
   const auto bytes = readFile(propertyList);
   if (!bytes) return texts;
   plist_t parsed = nullptr;
@@ -41,11 +44,20 @@ std::optional<std::string> BundleInfo::text(std::string_view key) const {
   return found == dictionary.end() ? std::nullopt : std::optional(found->second);
 }
 
-BundleInfo BundleInfo::around(const std::filesystem::path& program, Dictionary otherwise) {
+BundleInfo BundleInfo::in(const std::filesystem::path& folder) {
+  BundleInfo found{folder, {}, textsOf(folder / "Info.plist")};
+  found.executable = found.text("CFBundleExecutable").value_or("");
+  return found;
+}
+
+BundleInfo BundleInfo::around(const std::filesystem::path& program, Dictionary otherwise, std::string_view ending) {
   for (auto folder = program.parent_path(); folder != folder.root_path(); folder = folder.parent_path()) {
-    if (folder.extension() != ".app") continue;
-    BundleInfo found{folder, program.lexically_relative(folder), textsOf(folder / "Info.plist")};
-    if (found.text("CFBundleExecutable") == found.executable.string()) return found;
+    const std::string name = folder.filename().string();
+    if (!name.ends_with(ending)) continue;
+    const std::filesystem::path bundleName = name.substr(0, name.size() - ending.size());
+    if (bundleName.extension() != ".app") continue;
+    BundleInfo found = in(folder);
+    if (found.executable == program.lexically_relative(folder)) return found;
   }
   return {{}, {}, std::move(otherwise)};
 }

@@ -20,11 +20,15 @@ struct BundleInfo {
   /// The text under `key`, if there is one.
   [[nodiscard]] std::optional<std::string> text(std::string_view key) const;
 
-  /// The innermost bundle around `program`: a folder above it with the extension ".app" whose Info.plist names this
-  /// very file as "CFBundleExecutable". A program installed into system folders, or run from where it was built, has
-  /// none; its dictionary is then `otherwise`.
+  /// The bundle in `folder`, as its Info.plist tells; without any texts if that cannot be read.
+  [[nodiscard]] static BundleInfo in(const std::filesystem::path& folder);
+
+  /// The innermost bundle around `program`: a folder above it with the extension ".app", and `ending` behind that,
+  /// whose Info.plist names this very file as "CFBundleExecutable". A program installed into system folders, or run
+  /// from where it was built, has none; its dictionary is then `otherwise`.
   [[nodiscard]] static BundleInfo around(const std::filesystem::path& program,
-                                         std::map<std::string, std::string, std::less<>> otherwise = {});
+                                         std::map<std::string, std::string, std::less<>> otherwise = {},
+                                         std::string_view ending = "");
 };
 
 /// The file that the running process executes, free of symbolic links; empty where the system does not tell.

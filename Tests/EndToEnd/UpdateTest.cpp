@@ -106,8 +106,7 @@ class Update : public testing::Test {
     Desktop::expect("the explicit check", [&] { return thread.requests("/versions.json") == 2; });
     Desktop::settle();
     Desktop::keys("Tab Tab space");  // past "Later" to "Download & Install"
-    const fs::path archive = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate/brantel-Update.zip";
-    Desktop::expect("the download", [&] { return fs::exists(archive); });
+    Desktop::expect("the download", [&] { return fs::exists(work / "brantel-Update.zip"); });
     Desktop::settle();
     Desktop::keys("Escape");  // puts the sheet away
     Desktop::expectWindow();
@@ -119,6 +118,7 @@ class Update : public testing::Test {
     Desktop::settle();
     Desktop::run("key --delay 40 Tab Tab space");  // past "Cancel" to "Install & Restart"
     if (changes == Changes::notKept) return;
+    if (whileItEnds) whileItEnds();
     EXPECT_EQ(desktop->exitStatus(), 0);
   }
 
@@ -137,6 +137,8 @@ class Update : public testing::Test {
 
   TemporaryFolder files;
   std::optional<Desktop> desktop;
+  const fs::path work = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate";
+  std::function<void()> whileItEnds;
   const fs::path bundle = files / "it's \"home\"/Gavrel.app";
   const fs::path program = bundle / "bin/gavrel";
   ServerThread thread;
@@ -155,6 +157,14 @@ TEST_F(Update, ReplacesTheBundleAndRestarts) {
   Desktop::expectWindow();
 }
 
+TEST_F(Update, AnInterruptedOneIsPutRightAtTheStart) {
+  fs::rename(bundle, bundle.string() + ".old");
+  fs::create_directory(bundle.string() + ".new");
+  desktop.emplace(std::vector<std::string>{}, bundle.string() + ".old/bin/gavrel");
+  EXPECT_EQ(version(), "gavrel 1.0.0\n");
+  for (const char* ending : {".old", ".new"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
+}
+
 TEST_F(Update, IsRefusedWhileChangesCannotBeKept) {
   installTheUpdate(Changes::notKept);
   Desktop::settle();
@@ -166,15 +176,15 @@ TEST_F(Update, IsRefusedWhileChangesCannotBeKept) {
 }
 
 TEST_F(Update, AFailedCopyIsToldOfByTheFormerVersion) {
-  fs::create_directory(files / "bin");
-  files.put("bin/cp",
-            "#!/bin/sh\nmkdir \"$4/Gavrel.app\"\necho part > \"$4/Gavrel.app/Info.plist\"\necho no room >&2\nexit 1\n");
-  fs::permissions(files / "bin/cp", fs::perms(0755));
-  ::setenv("PATH", ((files / "bin").string() + ":" + std::getenv("PATH")).c_str(), 1);
+  // What was checked is gone when it is to be copied.
+  whileItEnds = [this] {
+    Desktop::expect("the script", [this] { return fs::exists(work / "install.sh"); });
+    fs::remove_all(work / "extracted");
+  };
   installTheUpdate();
-  EXPECT_EQ(follower(), std::string("--update-failed=no room") + '\0');
+  EXPECT_THAT(follower(), testing::StartsWith("--update-failed=cp: cannot stat"));
   EXPECT_EQ(version(), "gavrel 1.0.0\n");
-  EXPECT_FALSE(fs::exists(bundle.string() + ".old"));
+  for (const char* ending : {".old", ".new"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
   // The sheet tells of it; "OK" ends that.
   Desktop::focusWindow();
   Desktop::keys("Tab space");

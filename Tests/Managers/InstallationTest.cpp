@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "Managers/Installation.h"
 #include "Managers/InstallerScript.h"
 #include "Tests/Managers/ManagerCase.h"
 
@@ -42,10 +43,11 @@ class Installer : public ManagerCase {
     writeProgram(update / "Gavrel.app", "new");
   }
 
+  /// What it does not change is written down, too: the environment that it was started with.
   void writeProgram(const fs::path& bundle, const std::string& name) const {
     std::ofstream(bundle / "bin/gavrel")
-        << "#!/bin/bash\nprintf '" + name +
-               ":%s' \"$*\" > \"${0%/*}/started.part\" && mv \"${0%/*}/started.part\" \"${0%/*}/started\"\n";
+        << "#!/bin/sh\ncd \"${0%/*}\" && cat /proc/$$/environ > environment && printf '" + name +
+               ":%s' \"$*\" > started.part && mv started.part started\n";
     fs::permissions(bundle / "bin/gavrel", fs::perms(0755));
   }
 
@@ -117,21 +119,54 @@ TEST_F(Installer, ReplacesTheBundleAndStartsTheNewOne) {
   EXPECT_EQ(fs::status(home / "Gavrel.app/new file").permissions(), fs::perms(0755));
 }
 
-TEST_F(Installer, AFailingCopyLeavesTheOldBundleAndStartsIt) {
-  // A copy that ends for want of room, with a part of it written.
-  fs::create_directory(files / "bin");
-  files.put("bin/cp",
-            "#!/bin/bash\nmkdir \"$4/Gavrel.app\" && echo part > \"$4/Gavrel.app/part\"\necho \"cp: no 'room'\" "
-            ">&2\nexit 1\n");
-  fs::permissions(files / "bin/cp", fs::perms(0755));
+TEST_F(Installer, WhatFailsLaterLeavesTheOldBundleAndStartsIt) {
+  const fs::path copy = home / "Gavrel.app.new";
+  const std::tuple<std::string, std::function<void()>, bool> faults[] = {
+      {"cp: cannot stat '" + (work / "extracted").string(), [&] { fs::remove_all(work / "extracted"); }, false},
+      {"The copy of the update is not what was checked.",
+       [&] { std::ofstream(work / "extracted/Gavrel.app/more").put('x'); }, false},
+      {"mkdir: cannot create directory", [&] { fs::create_directory(copy); }, true}};
+  for (const auto& [reason, makeFail, isInTheWay] : faults) {
+    terminated = false;
+    fs::remove(home / "Gavrel.app/bin/started");
+    install();
+    ASSERT_TRUE(happens([&] { return terminated; }));
+    makeFail();
+    EXPECT_THAT(started(), testing::StartsWith("old:--update-failed=" + reason));
+    EXPECT_EQ(fs::exists(copy), isInTheWay);
+    EXPECT_FALSE(fs::exists(home / "Gavrel.app.old"));
+  }
+}
+
+std::vector<std::string> split(const std::string& variables) {
+  std::vector<std::string> found;
+  std::istringstream stream(variables);
+  for (std::string variable; std::getline(stream, variable, '\0');) found.push_back(variable);
+  return found;
+}
+
+TEST_F(Installer, ToolsDoNotObeyTheUsersEnvironmentWhichTheNewProgramGets) {
+  files.put("evil", "exit 1\n");
+  files.put("cp", "#!/bin/sh\nexit 1\n");
+  fs::permissions(files / "cp", fs::perms(0755));
+  const std::vector<std::pair<std::string, std::string>> variables = {
+      {"PATH", files.path().string() + ":" + std::getenv("PATH")},
+      {"UNZIP", "-t"},
+      {"TAR_OPTIONS", "--exclude=bin"},
+      {"BASH_ENV", files / "evil"},
+      {"BASH_FUNC_mkdir%%", "() { exit 1; }"},
+      {"NO_UTF8", "\xff\n"}};
   const std::string path = std::getenv("PATH");
-  ::setenv("PATH", ((files / "bin").string() + ":" + path).c_str(), 1);
+  for (const auto& [name, value] : variables) ::setenv(name.c_str(), value.c_str(), 1);
+  std::vector<std::string> own;
+  for (char** variable = ::environ; *variable != nullptr; ++variable) own.emplace_back(*variable);
   install();
-  ASSERT_TRUE(happens([&] { return terminated; }));
+  EXPECT_TRUE(happens([&] { return terminated; }));
+  for (const auto& [name, value] : variables) ::unsetenv(name.c_str());
   ::setenv("PATH", path.c_str(), 1);
-  EXPECT_EQ(started(), "old:--update-failed=cp: no 'room'");
-  EXPECT_FALSE(fs::exists(home / "Gavrel.app/part"));
-  EXPECT_FALSE(fs::exists(home / "Gavrel.app.old"));
+  EXPECT_EQ(started(), "new:");
+  std::ifstream environment(home / "Gavrel.app/bin/environment");
+  EXPECT_THAT(split({std::istreambuf_iterator<char>(environment), {}}), testing::UnorderedElementsAreArray(own));
 }
 
 TEST_F(Installer, ProgramsOutsideABundleAreLeftToThePackageManager) {
@@ -171,15 +206,19 @@ TEST_F(Installer, ArchivesThatReachOutside) {
   // "../evil" when it is unpacked.
   fs::create_directory(update / "in");
   files.put("update/evil", "");
+  ::setenv("UNZIP", "-:", 1);  // would let it out
   runTool("zip", {"-q", "../../update.zip", "../evil"}, QString::fromStdString((update / "in").string()));
   installArchive();
   expectFailure("App bundle not found in update");
   EXPECT_FALSE(fs::exists(work / "evil"));
   EXPECT_TRUE(fs::exists(work / "extracted/evil"));
+  ::unsetenv("UNZIP");
 
   // "around/.." is the bundle when read as a text, and the folder above it when followed.
   fs::create_symlink("..", update / "Gavrel.app/bin/around");
-  for (const char* target : {"bin/around/..", "/etc", "../..", "bin/../../../x", "../Gavrel.app.other"}) {
+  const fs::path inside = work / "extracted/Gavrel.app/bin";  // as long as it stands there
+  for (const char* target :
+       {"bin/around/..", "/etc", "../..", "bin/../../../x", "../Gavrel.app.other", inside.c_str()}) {
     fs::remove(update / "Gavrel.app/link");
     fs::create_symlink(target, update / "Gavrel.app/link");
     install();
@@ -198,7 +237,10 @@ TEST_F(Installer, WhatCannotBeReplacedIsLeftAlone) {
   install();
   expectFailure("Gavrel.app.old is in the way");
 
-  fs::remove(home / "Gavrel.app.old");
+  fs::rename(home / "Gavrel.app.old", home / "Gavrel.app.new");
+  install();
+  expectFailure("Gavrel.app.new is in the way");
+
   fs::rename(update / "Gavrel.app", update / "Other.app");
   install();
   expectFailure("must be called Other.app");
@@ -206,6 +248,54 @@ TEST_F(Installer, WhatCannotBeReplacedIsLeftAlone) {
   fs::rename(update / "Other.app/bin/gavrel", update / "Other.app/bin/other");
   install();
   expectFailure("does not contain the program bin/gavrel");
+}
+
+TEST_F(Installer, ASignedUpdateIsWhatWasOfferedAndNewer) {
+  const auto path = [&](const char* name) { return QString::fromStdString((files / name).string()); };
+  runTool("openssl", {"genpkey", "-algorithm", "ed25519", "-out", path("key")});
+  runTool("openssl", {"pkey", "-in", path("key"), "-pubout", "-outform", "DER", "-out", path("public")});
+  setup.bundle.dictionary["CFBundleIdentifier"] = "org.gavrel.gavrel";
+  Installation installation;
+  installation.archive = path("update.zip");
+  installation.bundle = setup.bundle;
+  installation.publicKeys = {QByteArray::fromStdString(files.get("public")).last(32)};
+  struct Case {
+    const char* identifier;
+    const char* version;
+    const char* build;
+    const char* offered;
+    qint64 offeredBuild;
+    const char* reason;
+  };
+  const char* const ours = "org.gavrel.gavrel";
+  for (const Case& test : std::initializer_list<Case>{
+           {ours, "1.1", "9", "2.0", 9, "The update is version 1.1 (build 9), and 2.0 (build 9) was offered."},
+           {ours, "2.0", "1", "2.0", 2, "The update is version 2.0 (build 1), and 2.0 (build 2) was offered."},
+           {ours, "1.1", "9", "1.1", 9, "The update is version 1.1 (build 9), which is not newer than 1.2 (build 7)."},
+           {ours, "1.2", "7", "1.2", 7, "The update is version 1.2 (build 7), which is not newer than 1.2 (build 7)."},
+           {"org.other", "2.0", "1", "2.0", 1,
+            "The update is another program: its identifier is \"org.other\", not "
+            "\"org.gavrel.gavrel\"."},
+           {ours, "1.2", "8", "1.2", 8, nullptr}}) {
+    files.put("update/Gavrel.app/Info.plist",
+              std::string("<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>") + test.identifier +
+                  "</string><key>CFBundleShortVersionString</key><string>" + test.version +
+                  "</string><key>CFBundleVersion</key><string>" + test.build + "</string></dict></plist>");
+    fs::remove(files / "update.zip");
+    runTool("zip", {"-qr", "../update.zip", "."}, path("update"));
+    runTool("openssl", {"pkeyutl", "-sign", "-rawin", "-inkey", path("key"), "-in", path("update.zip"), "-out",
+                        path("signature")});
+    installation.signature = QByteArray::fromStdString(files.get("signature"));
+    installation.offered.version = test.offered;
+    installation.offered.build = test.offeredBuild;
+    const auto error = startInstaller(installation);
+    if (test.reason == nullptr) {
+      EXPECT_EQ(error, std::nullopt);
+      EXPECT_EQ(started(), "new:");
+    } else {
+      EXPECT_EQ(error, (UpdateError{UpdateError::Case::installationFailed, test.reason}));
+    }
+  }
 }
 
 }  // namespace

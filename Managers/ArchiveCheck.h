@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+#include "Platform/Result.h"
+
+/// What the directory of a zip archive says that is in it. It may lie.
+struct ArchiveContent {
+  std::uint64_t entries = 0;
+  std::uint64_t bytes = 0;         ///< of all entries, unpacked
+  std::uint64_t largestEntry = 0;  ///< bytes, unpacked
+};
+
+/// Limits of an update, far beyond any that was ever made.
+inline constexpr std::uint64_t mostEntries = 20'000;
+inline constexpr std::uint64_t mostBytes = std::uint64_t{4} << 30;
+inline constexpr std::uint64_t mostBytesPerPackedByte = 200;
+
+/// The text for an archive that is none, or damaged.
+inline constexpr const char* cannotExtract = "Failed to extract update";
+
+/// What is in the archive, from its directory; or why it must not be unpacked: it is none, is beyond the limits, or has
+/// a name with control characters.
+[[nodiscard]] Result<ArchiveContent> contentOf(const std::filesystem::path& archive);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include "Platform/BundleInfo.h"
+
+/// Which version of the program a bundle is.
+struct BundleVersion {
+  QString version;   ///< dotted; empty if the bundle does not tell
+  qint64 build = 0;  ///< 0 if the bundle does not tell
+
+  friend bool operator==(const BundleVersion&, const BundleVersion&) = default;
+};
+
+[[nodiscard]] BundleVersion versionOf(const BundleInfo& bundle);
+
+/// Whether `candidate` is a later version than `current`, or a later build of the same version.
+[[nodiscard]] bool isNewer(const BundleVersion& candidate, const BundleVersion& current);

@@ -1,0 +1,87 @@
+#include "Managers/LeftOvers.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+#include "Platform/FileBytes.h"
+#include "Platform/FileDescriptor.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* identifierKey = "CFBundleIdentifier";
+
+/// The lock that an installation has on the folder that it makes, under whatever name.
+class FolderLock {
+ public:
+  explicit FolderLock(const fs::path& folder)
+      : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)),
+        isOurs_(folder_.isOpen() && ::flock(folder_.get(), LOCK_EX | LOCK_NB) == 0) {}
+
+  [[nodiscard]] bool isOurs() const { return isOurs_; }
+
+ private:
+  FileDescriptor folder_;
+  bool isOurs_;
+};
+
+bool isThisUsers(const fs::path& folder) {
+  struct stat status {};
+  return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+}
+
+/// Whether nothing has been written into the copy that could tell what it is.
+bool hasNoContent(const fs::path& folder) {
+  return std::ranges::all_of(fs::directory_iterator(folder), [](const fs::directory_entry& entry) {
+    return entry.path().filename() == "Info.plist" && fs::is_empty(entry);
+  });
+}
+
+std::optional<Failure> removeTree(const fs::path& folder) {
+  std::error_code error;
+  fs::remove_all(folder, error);
+  if (!error) return {};
+  return systemFailure("an update that was interrupted has left something that cannot be removed,", folder,
+                       error.value());
+}
+
+}  // namespace
+
+std::optional<Failure> removeLeftOvers(const BundleInfo& bundle) {
+  const auto identifier = bundle.text(identifierKey);
+  const FolderLock whole(*bundle.url);  // an installation keeps its lock until the very end
+  if (!identifier || !whole.isOurs()) return {};
+  const fs::path copy = bundle.url->string() + ".new";
+  const fs::path former = bundle.url->string() + ".old";
+  for (const fs::path& folder : {copy, former}) {
+    const FolderLock lock(folder);
+    if (!lock.isOurs() || !isThisUsers(folder)) continue;
+    if (BundleInfo::in(folder).text(identifierKey) != identifier && !(folder == copy && hasNoContent(folder))) continue;
+    if (auto failure = removeTree(folder)) return failure;
+  }
+  return {};
+}
+
+std::optional<Failure> settleInstallation(const fs::path& program) {
+  constexpr std::string_view ending = ".old";
+  const BundleInfo renamed = BundleInfo::around(program, {}, ending);
+  if (!renamed.url) {
+    const BundleInfo bundle = BundleInfo::around(program);
+    return bundle.url ? removeLeftOvers(bundle) : std::nullopt;
+  }
+  const std::string name = renamed.url->string();
+  const fs::path proper = name.substr(0, name.size() - ending.size());
+  const fs::path copy = proper.string() + ".new";
+  const bool isInstalling = fs::is_directory(copy) && !FolderLock(copy).isOurs();
+  if (fs::exists(fs::symlink_status(proper)) || isInstalling) return {};
+  if (::rename(name.c_str(), proper.c_str()) != 0)
+    return systemFailure("an update was interrupted; please rename \"" + name + "\" to", proper, errno);
+  return removeLeftOvers(BundleInfo::around(proper / renamed.executable));
+}

@@ -1,0 +1,139 @@
+#include "Managers/LeftOvers.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <functional>
+
+#include "Managers/InstallerScript.h"
+#include "Managers/TreeDigest.h"
+#include "Platform/FileDescriptor.h"
+#include "Tests/Managers/ManagerCase.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder with bundles of a program, and what interrupted installations leave there.
+class LeftOvers : public testing::Test {
+ protected:
+  void writeBundle(const fs::path& folder, const std::string& identifier = "org.gavrel.gavrel",
+                   const std::string& version = "1.0") const {
+    fs::create_directories(folder / "bin");
+    std::ofstream(folder / "Info.plist") << "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key>"
+                                            "<string>bin/gavrel</string><key>CFBundleIdentifier</key><string>"
+                                         << identifier << "</string></dict></plist>";
+    std::ofstream(folder / "bin/gavrel") << "#!/bin/sh\n# " << version << "\n";
+    fs::permissions(folder / "bin/gavrel", fs::perms(0755));
+  }
+
+  /// The names in the folder, with the reason of a failure.
+  std::string settle(const fs::path& startedFrom) const {
+    const auto failure = settleInstallation(startedFrom / "bin/gavrel");
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(files.path())) names.insert(entry.path().filename());
+    std::string all = failure ? failure->reason : "";
+    for (const std::string& name : names) all += (all.empty() ? "" : " ") + name;
+    return all;
+  }
+
+  TemporaryFolder files;
+  const fs::path bundle = files / "Gavrel.app";
+  const fs::path former = files / "Gavrel.app.old";
+  const fs::path copy = files / "Gavrel.app.new";
+};
+
+TEST_F(LeftOvers, AreRemovedWhereTheyAreOursAndNobodyNeedsThem) {
+  const auto put = [](const fs::path& file, const char* content) { std::ofstream(file) << content; };
+  const std::tuple<const char*, const char*, std::function<void()>> cases[] = {
+      {"a former version", "Gavrel.app", [&] { writeBundle(former); }},
+      {"a copy", "Gavrel.app", [&] { writeBundle(copy); }},
+      {"a copy just begun", "Gavrel.app", [&] { fs::create_directory(copy); }},
+      {"a copy hardly begun", "Gavrel.app", [&] { fs::create_directory(copy), put(copy / "Info.plist", ""); }},
+      {"both", "Gavrel.app", [&] { writeBundle(former), writeBundle(copy); }},
+      {"another program", "Gavrel.app Gavrel.app.new Gavrel.app.old",
+       [&] { writeBundle(former, "org.other"), writeBundle(copy, "org.other"); }},
+      {"somebody's files", "Gavrel.app Gavrel.app.new Gavrel.app.old",
+       [&] { fs::create_directories(former), fs::create_directories(copy), put(copy / "drawing.json", "{}"); }},
+      {"files of these names", "Gavrel.app Gavrel.app.new Gavrel.app.old", [&] { put(former, ""), put(copy, ""); }},
+      {"a link", "Gavrel.app Gavrel.app.old Other",
+       [&] { writeBundle(files / "Other"), fs::create_symlink("Other", former); }},
+  };
+  for (const auto& [name, left, make] : cases) {
+    SCOPED_TRACE(name);
+    writeBundle(bundle);
+    make();
+    EXPECT_EQ(settle(bundle), left);
+    for (const auto& entry : fs::directory_iterator(files.path())) fs::remove_all(entry);
+  }
+  if (::geteuid() != 0) return;
+  writeBundle(bundle);
+  writeBundle(former);
+  ASSERT_EQ(::chown(former.c_str(), 65534, 65534), 0);
+  EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.old") << "somebody else's";
+}
+
+TEST_F(LeftOvers, StayWhileAnInstallationGoesOn) {
+  const auto lock = [](const fs::path& folder) {
+    FileDescriptor file(::open(folder.c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(::flock(file.get(), LOCK_EX), 0);
+    return file;
+  };
+  writeBundle(copy);
+  {
+    const auto copying = lock(copy);
+    writeBundle(bundle);
+    EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.new");
+    fs::rename(bundle, former);
+    EXPECT_EQ(settle(former), "Gavrel.app.new Gavrel.app.old");
+    fs::rename(copy, bundle);
+    EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.old");
+  }
+  EXPECT_EQ(settle(former), "Gavrel.app Gavrel.app.old") << "started by hand beside a whole one";
+  EXPECT_EQ(settle(bundle), "Gavrel.app");
+}
+
+TEST_F(LeftOvers, TheFormerVersionGetsItsNameBack) {
+  writeBundle(former);
+  writeBundle(copy);
+  EXPECT_EQ(settle(former), "Gavrel.app");
+  EXPECT_EQ(settle(bundle), "Gavrel.app");
+  EXPECT_EQ(settle(files.path() / "no bundle"), "Gavrel.app");
+}
+
+TEST_F(LeftOvers, AnInstallationThatIsKilledAtAnyStepLeavesAWholeBundle) {
+  const fs::path update = files / "update/Gavrel.app";
+  const auto digestOf = [](const fs::path& folder) { return fs::exists(folder) ? *treeDigest(folder) : "none"; };
+  writeBundle(update, "org.gavrel.gavrel", "2.0");
+  fs::permissions(update / "bin/gavrel", fs::perms(0600));
+  const std::string updated = digestOf(update);
+  files.put("install.sh", linuxInstallerScript(bundle, update, "bin/gavrel", updated));
+  // Kills the script before one of its own steps, counted from 1.
+  files.put(
+      "kill.sh",
+      "set -T; step=0 last=$2; trap '((BASH_SUBSHELL == 0 && ++step == last)) && kill -KILL $$' DEBUG; sleep() { :; }\n"
+      "source \"$1\"\n");
+  std::set<std::string> seen;
+  int steps = 0;
+  for (int status = SIGKILL; status == SIGKILL; ++steps) {
+    ASSERT_LT(steps, 500);
+    writeBundle(bundle);
+    const std::string old = digestOf(bundle);
+    status = std::system(("cd " + files.path().string() + " && exec /bin/bash ./kill.sh ./install.sh " +
+                          std::to_string(steps + 1) + " 2>/dev/null")
+                             .c_str());
+    const bool isReplaced = fs::exists(bundle);
+    const fs::path whole = isReplaced ? bundle : former;
+    EXPECT_TRUE(digestOf(whole) == old || (isReplaced && digestOf(whole) == updated)) << steps;
+    EXPECT_EQ(::access((whole / "bin/gavrel").c_str(), X_OK), 0) << steps;
+    seen.insert(isReplaced ? digestOf(bundle) : "only the former");
+    EXPECT_EQ(settle(whole), "Gavrel.app install.sh kill.sh update") << steps;
+    fs::remove_all(bundle);
+  }
+  EXPECT_EQ(seen.size(), 3u);
+  EXPECT_GT(steps, 20);
+}
+
+}  // namespace
