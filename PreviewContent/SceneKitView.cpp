@@ -35,16 +35,8 @@ constexpr Color backgroundColor = white(0.5);
 
 constexpr Vector3 lightPosition{0, 10, 10};
 
-Vector3 sum(const Vector3& a, const Vector3& b) {
-  return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-
-Vector3 scaled(const Vector3& v, double factor) {
-  return {v.x * factor, v.y * factor, v.z * factor};
-}
-
 float singleLength(const Vector3& d) {
-  return std::sqrt(static_cast<float>(d.x * d.x + d.y * d.y + d.z * d.z));
+  return std::sqrt(static_cast<float>(dot(d, d)));
 }
 
 /// Turns the y axis into a direction of which `cosine` is the y component. Straight down is half a turn about x.
@@ -133,8 +125,8 @@ class SceneBuilder {
       if (!force || !(length(*force) > 0)) continue;
       const auto place = drawnPlace(i);
       if (!place) continue;
-      add(SceneKitView::createArrowNode(*place, sum(*place, scaled(*force, scale)), loadShaftRadius, headRadius,
-                                        headLength, loadColor),
+      add(SceneKitView::createArrowNode(*place, *place + *force * scale, loadShaftRadius, headRadius, headLength,
+                                        loadColor),
           {Source::Kind::load, i}, "load_node_");
     }
   }
@@ -156,7 +148,7 @@ class SceneBuilder {
     const auto X = project_.getNodeCoordinates(node);
     const auto U = project_.getNodeDisplacement(node);
     if (!X || !U) return std::nullopt;
-    return sum(*X, scaled(*U, scale_));
+    return *X + *U * scale_;
   }
 
   template <class Element>
@@ -171,8 +163,8 @@ class SceneBuilder {
   }
 
   void addMarker(const Vector3& place, const Vector3& axis, std::string_view prefix, std::int64_t node) {
-    add(SceneKitView::createArrowNode(sum(place, scaled(axis, -markerStart)), sum(place, scaled(axis, -markerEnd)), 0,
-                                      headRadius, headLength, restraintColor),
+    add(SceneKitView::createArrowNode(place - axis * markerStart, place - axis * markerEnd, 0, headRadius, headLength,
+                                      restraintColor),
         {Source::Kind::support, node}, prefix);
   }
 
@@ -237,7 +229,7 @@ SceneNode SceneKitView::createCylinderNode(const Vector3& from, const Vector3& t
   const float L = singleLength(d);
   SceneNode node;
   node.content = Tube{radius, L};
-  node.position = scaled(sum(from, to), 0.5);
+  node.position = (from + to) * 0.5;
   node.rotation = rotationFromUp(d, d.y / (L > 0.000001F ? L : 1.0F));
   return node;
 }
@@ -249,7 +241,7 @@ SceneNode SceneKitView::createArrowNode(const Vector3& from, const Vector3& to, 
   const float shaftLength = std::max(L - static_cast<float>(arrowheadLength / 2), 0.0F);
   const Vector3 u{d.x / L, d.y / L, d.z / L};
 
-  SceneNode shaft = createCylinderNode(from, sum(from, scaled(u, shaftLength)), shaftRadius);
+  SceneNode shaft = createCylinderNode(from, from + u * shaftLength, shaftRadius);
   shaft.color = color;
   SceneNode head;
   head.content = Cone{arrowheadRadius, arrowheadLength};

@@ -27,7 +27,7 @@ struct Bounds {
   /// Zero for an empty box.
   [[nodiscard]] Vector3 centre() const {
     if (empty()) return {};
-    return {low.x + (high.x - low.x) / 2, low.y + (high.y - low.y) / 2, low.z + (high.z - low.z) / 2};
+    return low + (high - low) * 0.5;
   }
 
   /// Half of the diagonal; zero for an empty box.

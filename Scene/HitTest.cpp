@@ -11,10 +11,6 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-double dot(const Vector3& a, const Vector3& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
 Vector3 cross(const Vector3& a, const Vector3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
@@ -180,7 +176,7 @@ class HitTester {
     const double s = denominator > 0
                          ? std::clamp((along * dot(ray_.direction, offset) - dot(axis, offset)) / denominator, 0.0, 1.0)
                          : 0;
-    return length({offset.x + s * axis.x, offset.y + s * axis.y, offset.z + s * axis.z});
+    return length(offset + axis * s);
   }
 
   Ray ray_;

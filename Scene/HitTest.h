@@ -15,9 +15,7 @@ struct Ray {
   double thickening = 0;
 
   /// The point at this distance from the origin, where the direction has length 1.
-  [[nodiscard]] Vector3 at(double distance) const {
-    return {origin.x + direction.x * distance, origin.y + direction.y * distance, origin.z + direction.z * distance};
-  }
+  [[nodiscard]] Vector3 at(double distance) const { return origin + direction * distance; }
 };
 
 struct HitTestResult {

@@ -11,15 +11,6 @@ constexpr double margin = 1.1;         // of a fitted picture
 constexpr double closestFit = 2;       // what a single node is looked at from
 constexpr double deepestRatio = 1e-4;  // of near to far: what 24 bits of depth resolve
 
-double dot(const Vector3& a, const Vector3& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-/// a + b * factor
-Vector3 along(const Vector3& a, const Vector3& b, double factor) {
-  return {a.x + b.x * factor, a.y + b.y * factor, a.z + b.z * factor};
-}
-
 /// The range that holds every r - s and r + s that was added.
 struct Interval {
   double low = Bounds::infinity;
@@ -52,20 +43,20 @@ void OrbitCamera::orbit(const Vector3& pivot, double left, double down) {
   yaw = std::remainder(yaw + left, 2 * pi);
   pitch = std::clamp(pitch - down, -pi / 2, pi / 2);
   const Axes after = axes();
-  position = along(along(along(pivot, after.right, -seen.x), after.up, -seen.y), after.back, -seen.z);
+  position = pivot - after.right * seen.x - after.up * seen.y - after.back * seen.z;
 }
 
 void OrbitCamera::pan(const Vector3& reference, double dx, double dy) {
   const Axes a = axes();
   const double perPixel = pixelAngle() * std::abs(depth(reference));
-  position = along(along(position, a.right, -dx * perPixel), a.up, dy * perPixel);
+  position = position - a.right * (dx * perPixel) + a.up * (dy * perPixel);
 }
 
 void OrbitCamera::zoom(const Vector3& reference, double factor, double closest) {
   const Vector3 offset = reference - position;
   const double distance = length(offset);
   const double wanted = std::max(distance / factor, closest);
-  if (distance > 0) position = along(position, offset, 1 - wanted / distance);
+  if (distance > 0) position = position + offset * (1 - wanted / distance);
 }
 
 void OrbitCamera::fit(const std::vector<Vector3>& points) {
@@ -88,15 +79,15 @@ void OrbitCamera::fit(const std::vector<Vector3>& points) {
     upward.add(dot(offset, a.up), towards * vertical);
   }
   const double distance = std::max({across.half() / horizontal, upward.half() / vertical, closestFit});
-  position = along(along(along(centre, a.right, across.middle()), a.up, upward.middle()), a.back, distance);
+  position = centre + a.right * across.middle() + a.up * upward.middle() + a.back * distance;
 }
 
 Ray OrbitCamera::ray(double x, double y) const {
   const Axes a = axes();
   const double right = (x - width / 2) * pixelAngle();
   const double up = (height / 2 - y) * pixelAngle();
-  const Vector3 direction = along(along(along({}, a.back, -1), a.right, right), a.up, up);
-  return {position, along({}, direction, 1 / length(direction))};
+  const Vector3 direction = a.right * right - a.back + a.up * up;
+  return {position, direction * (1 / length(direction))};
 }
 
 std::optional<OrbitCamera::PicturePoint> OrbitCamera::project(const Vector3& point) const {

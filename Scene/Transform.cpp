@@ -4,12 +4,11 @@
 
 Vector3 Transform::direction(const Vector3& v) const {
   const auto& [a, b, c] = columns;
-  return {a.x * v.x + b.x * v.y + c.x * v.z, a.y * v.x + b.y * v.y + c.y * v.z, a.z * v.x + b.z * v.y + c.z * v.z};
+  return a * v.x + b * v.y + c * v.z;
 }
 
 Vector3 Transform::point(const Vector3& p) const {
-  const Vector3 turned = direction(p);
-  return {turned.x + translation.x, turned.y + translation.y, turned.z + translation.z};
+  return direction(p) + translation;
 }
 
 Transform Transform::operator*(const Transform& inner) const {
@@ -29,10 +28,7 @@ Transform transformOf(const SceneNode& node) {
                   {y * s + x * z * v, y * z * v - x * s, c + z * z * v}}};
   }
   const double scales[] = {node.scale.x, node.scale.y, node.scale.z};
-  for (unsigned i = 0; i < 3; ++i) {
-    Vector3& column = t.columns[i];
-    column = {column.x * scales[i], column.y * scales[i], column.z * scales[i]};
-  }
+  for (unsigned i = 0; i < 3; ++i) t.columns[i] = t.columns[i] * scales[i];
   t.translation = node.position;
   return t;
 }

@@ -192,7 +192,7 @@ TEST(SceneKitView, ArrowsPointAlongTheirLoads) {
     const double shaftLength = length(tip - from) - 0.3;
     EXPECT_NEAR(std::get<Tube>(shaft.content).height, shaftLength, 1e-6);
     const double half = shaftLength / 2 / length(tip - from);
-    expectNear(shaft.position, {from.x + (tip.x - from.x) * half, (tip.y - from.y) * half, (tip.z - from.z) * half});
+    expectNear(shaft.position, from + (tip - from) * half);
   }
   EXPECT_THROW(v.named("load_node_3"), std::out_of_range);
 
@@ -209,7 +209,8 @@ TEST(SceneKitView, ArrowsPointAlongTheirLoads) {
 
 TEST(SceneKitView, RestraintsAreConesBeforeTheNode) {
   View v;
-  v.project->addNode({1, 2, 3});
+  const Vector3 place{1, 2, 3};
+  v.project->addNode(place);
   v.project->setLoadAndRestraint(0, {}, true, true, true);
   const std::map<std::string, Vector3> axes{
       {"rest_x_node_0", {1, 0, 0}}, {"rest_y_node_0", {0, 1, 0}}, {"rest_z_node_0", {0, 0, 1}}};
@@ -219,8 +220,8 @@ TEST(SceneKitView, RestraintsAreConesBeforeTheNode) {
     const SceneNode& head = marker.children.at(1);
     const double h = std::get<Cone>(head.content).height;
     const double tolerance = 1e-4;  // the length of 0.2 is rounded, and the angle with it
-    expectNear(transformOf(head).point({0, h / 2, 0}), {1 - 0.15 * e.x, 2 - 0.15 * e.y, 3 - 0.15 * e.z}, tolerance);
-    expectNear(transformOf(head).point({0, -h / 2, 0}), {1 - 0.45 * e.x, 2 - 0.45 * e.y, 3 - 0.45 * e.z}, tolerance);
+    expectNear(transformOf(head).point({0, h / 2, 0}), place - e * 0.15, tolerance);
+    expectNear(transformOf(head).point({0, -h / 2, 0}), place - e * 0.45, tolerance);
   }
 }
 

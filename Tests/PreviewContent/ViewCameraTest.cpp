@@ -12,10 +12,6 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 
-double dot(const Vector3& a, const Vector3& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
 /// A direction of the scene on the user's axes: to the right, up and towards him.
 Vector3 seen(const ViewCamera& camera, const Vector3& v) {
   const auto [right, up, back] = camera.camera().axes();

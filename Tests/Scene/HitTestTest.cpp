@@ -47,9 +47,7 @@ bool holds(const SceneNode& node, const Vector3& p) {
 /// The least t at which the ray is inside the shape, by steps and then by halving; -1 if there is none.
 double firstInside(const SceneNode& node, const Vector3& origin, const Vector3& direction, double end) {
   constexpr int steps = 20000;
-  const auto inside = [&](double t) {
-    return holds(node, {origin.x + t * direction.x, origin.y + t * direction.y, origin.z + t * direction.z});
-  };
+  const auto inside = [&](double t) { return holds(node, origin + direction * t); };
   for (int i = 1; i <= steps; ++i) {
     double high = end * i / steps;
     if (!inside(high)) continue;

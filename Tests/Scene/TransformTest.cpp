@@ -55,7 +55,7 @@ TEST(SceneNode, LooksAtAnyTargetWithItsYAxisUpright) {
     SCOPED_TRACE(testing::Message() << sight.x << ' ' << sight.y << ' ' << sight.z);
     SceneNode node;
     node.position = eye;
-    node.lookAt({eye.x + sight.x, eye.y + sight.y, eye.z + sight.z});
+    node.lookAt(eye + sight);
     EXPECT_EQ(node.position, eye);
     const double size = length(sight);
     const auto [right, up, back] = transformOf(node).columns;
