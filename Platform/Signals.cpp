@@ -40,7 +40,13 @@ void removeFiles() {
 extern "C" void endBySignal(int signal) {
   if (::getpid() == handlingProcess) removeFiles();
   ::signal(signal, SIG_DFL);
-  ::raise(signal);  // held back until this function returns
+  sigset_t only;
+  ::sigemptyset(&only);
+  ::sigaddset(&only, signal);
+  ::pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+  ::raise(signal);
+  constexpr int statusOfShells = 128;
+  ::_exit(statusOfShells + signal);  // the first process of a container does not end by signals
 }
 
 }  // namespace
