@@ -42,8 +42,13 @@ open() {
     # Without nice, which changes nothing here, env would take a path with "=" for a variable.
     exec env -i -- "${own[@]}" nice -n 0 -- "$C/$executable" "$@" 9<&-
 }
+# What tells whose it is goes last, so that the rest of a removal that is cut off is still known.
+remove() {
+    (cd -- "$1" && find . -mindepth 1 ! -path ./Info.plist -delete)
+    rm -rf -- "$1"
+}
 fail() {
-    rm -rf -- "$C.new"
+    remove "$C.new"
     open --update-failed="${1:0:1000}"
 }
 sleep 2
@@ -58,7 +63,7 @@ chmod -R 755 -- "$C.new"
 reason=$(sync -f -- "$C.new" 2>&1) || fail "$reason"
 reason=$(mv -T -- "$C" "$C.old" 2>&1) || fail "$reason"
 if reason=$(mv -T -- "$C.new" "$C" 2>&1); then
-    sync -f -- "$C" && rm -rf -- "$C.old"
+    sync -f -- "$C" && remove "$C.old"
     open
 else
     mv -T -- "$C.old" "$C"

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "Platform/FileBytes.h"
 #include "Platform/FileDescriptor.h"
@@ -37,39 +38,47 @@ bool isThisUsers(const fs::path& folder) {
   return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
 }
 
-/// Whether nothing has been written into the copy that could tell what it is.
+/// Whether nothing is there that would be lost: a copy that was just begun, or the last of a removal.
 bool hasNoContent(const fs::path& folder) {
   return std::ranges::all_of(fs::directory_iterator(folder), [](const fs::directory_entry& entry) {
     return entry.path().filename() == "Info.plist" && fs::is_empty(entry);
   });
 }
 
-std::optional<Failure> removeTree(const fs::path& folder) {
+/// Removes the bundle, what tells whose it is last: the rest of a removal that is cut off is still known.
+std::optional<Failure> removeBundle(const fs::path& folder) {
   std::error_code error;
-  fs::remove_all(folder, error);
+  for (const fs::path& entry : std::vector<fs::path>(fs::directory_iterator(folder), {}))
+    if (!error && entry.filename() != "Info.plist") fs::remove_all(entry, error);
+  if (!error) fs::remove_all(folder, error);
   if (!error) return {};
   return systemFailure("an update that was interrupted has left something that cannot be removed,", folder,
                        error.value());
 }
 
-}  // namespace
-
-std::optional<Failure> removeLeftOvers(const BundleInfo& bundle) {
+std::optional<Failure> removeCopies(const BundleInfo& bundle) {
   const auto identifier = bundle.text(identifierKey);
   const FolderLock whole(*bundle.url);  // an installation keeps its lock until the very end
   if (!identifier || !whole.isOurs()) return {};
-  const fs::path copy = bundle.url->string() + ".new";
-  const fs::path former = bundle.url->string() + ".old";
-  for (const fs::path& folder : {copy, former}) {
+  for (const char* ending : {".new", ".old"}) {
+    const fs::path folder = bundle.url->string() + ending;
     const FolderLock lock(folder);
     if (!lock.isOurs() || !isThisUsers(folder)) continue;
-    if (BundleInfo::in(folder).text(identifierKey) != identifier && !(folder == copy && hasNoContent(folder))) continue;
-    if (auto failure = removeTree(folder)) return failure;
+    if (BundleInfo::in(folder).text(identifierKey) != identifier && !hasNoContent(folder)) continue;
+    if (auto failure = removeBundle(folder)) return failure;
   }
   return {};
 }
 
-std::optional<Failure> settleInstallation(const fs::path& program) {
+}  // namespace
+
+std::optional<Failure> removeLeftOvers(const BundleInfo& bundle) try {
+  return removeCopies(bundle);
+} catch (const fs::filesystem_error& error) {
+  return Failure{error.what()};
+}
+
+std::optional<Failure> settleInstallation(const fs::path& program) try {
   constexpr std::string_view ending = ".old";
   const BundleInfo renamed = BundleInfo::around(program, {}, ending);
   if (!renamed.url) {
@@ -84,4 +93,6 @@ std::optional<Failure> settleInstallation(const fs::path& program) {
   if (::rename(name.c_str(), proper.c_str()) != 0)
     return systemFailure("an update was interrupted; please rename \"" + name + "\" to", proper, errno);
   return removeLeftOvers(BundleInfo::around(proper / renamed.executable));
+} catch (const fs::filesystem_error& error) {
+  return Failure{error.what()};
 }

@@ -49,12 +49,14 @@ TEST_F(LeftOvers, AreRemovedWhereTheyAreOursAndNobodyNeedsThem) {
   const std::tuple<const char*, const char*, std::function<void()>> cases[] = {
       {"a former version", "Gavrel.app", [&] { writeBundle(former); }},
       {"a copy", "Gavrel.app", [&] { writeBundle(copy); }},
-      {"a copy just begun", "Gavrel.app", [&] { fs::create_directory(copy); }},
+      {"empty folders", "Gavrel.app", [&] { fs::create_directory(copy), fs::create_directory(former); }},
       {"a copy hardly begun", "Gavrel.app", [&] { fs::create_directory(copy), put(copy / "Info.plist", ""); }},
       {"another program", "Gavrel.app Gavrel.app.new Gavrel.app.old",
        [&] { writeBundle(former, "org.other"), writeBundle(copy, "org.other"); }},
       {"somebody's files", "Gavrel.app Gavrel.app.new Gavrel.app.old",
-       [&] { fs::create_directories(former), fs::create_directories(copy), put(copy / "drawing.json", "{}"); }},
+       [&] {
+         for (const auto& folder : {former, copy}) fs::create_directory(folder), put(folder / "drawing.json", "{}");
+       }},
       {"files of these names", "Gavrel.app Gavrel.app.new Gavrel.app.old", [&] { put(former, ""), put(copy, ""); }},
       {"a link", "Gavrel.app Gavrel.app.old Other",
        [&] { writeBundle(files / "Other"), fs::create_symlink("Other", former); }},
