@@ -125,5 +125,8 @@ class Project : public Observable {
   std::optional<std::int64_t> weakestDof_;  // where the last factorization lost the structure's stiffness
 };
 
-/// "node 3, translation along z" for the number of a degree of freedom.
+/// "translation along z" for the number of a degree of freedom.
+[[nodiscard]] std::string directionOf(std::int64_t dof);
+
+/// "node 3, translation along z".
 [[nodiscard]] std::string describeDof(std::int64_t dof);

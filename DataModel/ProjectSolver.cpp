@@ -57,11 +57,15 @@ void warnIfUnstable(std::optional<std::int64_t> dof) {
 
 }  // namespace
 
-std::string describeDof(std::int64_t dof) {
+std::string directionOf(std::int64_t dof) {
   constexpr std::array<const char*, dofsPerNode> directions{"translation along x", "translation along y",
                                                             "translation along z", "rotation about x",
                                                             "rotation about y",    "rotation about z"};
-  return "node " + std::to_string(dof / dofsPerNode) + ", " + at(directions, dof % dofsPerNode, "the directions");
+  return at(directions, dof % dofsPerNode, "the directions");
+}
+
+std::string describeDof(std::int64_t dof) {
+  return "node " + std::to_string(dof / dofsPerNode) + ", " + directionOf(dof);
 }
 
 void Project::Solve(const StepObserver& afterStep) {

@@ -1,8 +1,5 @@
 #include "Diagnosis/Finding.h"
 
-#include <algorithm>
-
-#include "DataModel/Project.h"
 #include "Platform/NumberText.h"
 
 bool isSerious(const Finding& finding) {
@@ -48,11 +45,6 @@ std::string listed(std::string_view one, const std::vector<std::int64_t>& positi
   }
   if (named < positions.size()) list += " and " + std::to_string(positions.size() - named) + " more";
   return list;
-}
-
-std::string directionOf(std::int64_t dof) {
-  const std::string whole = describeDof(dof);
-  return whole.substr(whole.find(", ") + 2);
 }
 
 std::string shown(double number) {

@@ -36,9 +36,6 @@ struct Finding {
 /// "node 3", "nodes 3 and 7", "nodes 3, 4, 5, 6 and 96 more".
 [[nodiscard]] std::string listed(std::string_view one, const std::vector<std::int64_t>& positions);
 
-/// "translation along x" for the number of a degree of freedom.
-[[nodiscard]] std::string directionOf(std::int64_t dof);
-
 /// The number to four digits.
 [[nodiscard]] std::string shown(double number);
 
