@@ -59,11 +59,12 @@ QVariantList Calculation::findings() const {
   QVariantList list;
   for (const Finding& finding : trial_.findings) {
     const std::string_view consequence = nameOf(finding.consequence);
-    list.append(
-        QVariantMap{{"consequence", QString::fromUtf8(consequence.data(), static_cast<qsizetype>(consequence.size()))},
-                    {"title", QString::fromStdString(finding.title)},
-                    {"text", QString::fromStdString(finding.text)},
-                    {"canMakeLinear", !finding.trussesToMakeLinear.empty()}});
+    list.append(QVariantMap{{"consequence", QString::fromUtf8(consequence)},
+                            {"endsProgram", finding.consequence == Finding::Consequence::EndsProgram},
+                            {"isSerious", isSerious(finding)},
+                            {"title", QString::fromStdString(finding.title)},
+                            {"text", QString::fromStdString(finding.text)},
+                            {"canMakeLinear", !finding.trussesToMakeLinear.empty()}});
   }
   return list;
 }

@@ -45,7 +45,8 @@ class Calculation : public QObject {
   [[nodiscard]] QList<double> residuals() const { return running_ || solved_ ? residuals_ : QList<double>(); }
   [[nodiscard]] double tolerance() const { return Project::convergenceTolerance; }
 
-  /// What the last check has found: "consequence", "title", "text", and whether "canMakeLinear".
+  /// What the last check has found: "consequence", "title" and "text" to be shown, and whether it "endsProgram",
+  /// "isSerious", "canMakeLinear".
   [[nodiscard]] QVariantList findings() const;
 
   /// Whether the findings are more than doubts.

@@ -19,10 +19,6 @@ Item {
         return calculation.seriouslyFound ? qsTr("Solved in spite of this.") : qsTr("Solved: this is no more than a note.");
     }
 
-    function colorOf(consequence) {
-        return consequence === "Ends the program" ? "#c62f2f" : consequence === "Doubtful" ? "#6b7280" : "#b45f06";
-    }
-
     function select(index) {
         calculation.markFinding(index);
         selected = index;
@@ -91,7 +87,7 @@ Item {
                         Layout.preferredWidth: 140
                         implicitHeight: 22
                         radius: 11
-                        color: root.colorOf(finding.modelData.consequence)
+                        color: finding.modelData.endsProgram ? "#c62f2f" : finding.modelData.isSerious ? "#b45f06" : "#6b7280"
 
                         Label {
                             anchors.centerIn: parent

@@ -60,8 +60,7 @@ QVariant ResultTable::data(const QModelIndex& index, int role) const {
 
 QVariant ResultTable::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  const std::string_view name = columns()[static_cast<std::size_t>(section)].name;
-  return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  return QString::fromUtf8(columns()[static_cast<std::size_t>(section)].name);
 }
 
 QHash<int, QByteArray> ResultTable::roleNames() const {

@@ -27,6 +27,10 @@ ProjectCase {
         return table.data(table.index(row, column));
     }
 
+    function consequences() {
+        return content.calculation.findings.map(finding => [finding.consequence, finding.isSerious, finding.endsProgram].join());
+    }
+
     function test_findingsInsteadOfAnEnd() {
         buildGable();
         model.addNode(9, 9, 9, false);
@@ -54,7 +58,7 @@ ProjectCase {
         model.addTruss(0, 2, 25, 1e5);
         makeLinear(0, 1, 2);
         const taken = printed(() => mouseClick(findChild(content, "calculate")));
-        compare(content.calculation.findings.map(finding => finding.consequence), ["Doubtful"]);
+        compare(consequences(), ["Doubtful,false,false"]);
         verify(!content.dock.open, "does not get in the way");
         compare(taken.length, 3);
         compare(content.calculation.residuals.length, 2);
@@ -70,7 +74,7 @@ ProjectCase {
         makeLinear(0, 1);
         model.setLoadAndRestraint(2, 1, 0, 5, false, false, false);  // which nothing resists
         compare(printed(() => mouseClick(findChild(content, "calculate"))), []);
-        compare(content.calculation.findings.map(finding => finding.consequence), ["Never converges"]);
+        compare(consequences(), ["Never converges,true,false"]);
         verify(!model.hasResults);
         compare(printed(() => mouseClick(findChild(content, "calculateAnyway"))).length, 51);
         compare(content.calculation.reasonToEnd, "", "nothing to ask");
@@ -92,8 +96,10 @@ ProjectCase {
         model.addNode(9, 9, 9, false);
         content.calculation.checks = data.checks;
         mouseClick(findChild(content, "calculate"));
-        if (data.checks)
+        if (data.checks) {
+            compare(consequences(), ["Ends the program,true,true"]);
             mouseClick(findChild(content, "calculateAnyway"));
+        }
         verify(content.calculation.reasonToEnd.includes("Nothing joins node 3"));
         verify(content.blocked);
         keyClick(Qt.Key_Return);  // Cancel
