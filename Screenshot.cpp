@@ -1,7 +1,5 @@
 #include "Screenshot.h"
 
-#include <QBuffer>
-#include <QImage>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
@@ -10,6 +8,7 @@
 
 #include "Platform/AtomicFile.h"
 #include "Platform/OutputFiles.h"
+#include "PreviewContent/PngFile.h"
 #include "PreviewContent/ProjectViewModel.h"
 
 namespace {
@@ -43,10 +42,8 @@ int writeScreenshot(const Options& options) {
   const QImage picture = view.grabWindow();
   if (picture.isNull()) return fail("the display cannot draw in 3D with OpenGL");
 
-  QByteArray png;
-  QBuffer buffer(&png);
-  if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")) return fail("the picture is too large");
-  if (const auto reason = replaceFile(*options.screenshot, {png.constData(), static_cast<std::size_t>(png.size())}))
-    return fail(reason->reason);
+  const auto png = encodePng(picture);
+  if (!png) return fail("the picture is too large");
+  if (const auto reason = replaceFile(*options.screenshot, *png)) return fail(reason->reason);
   return 0;
 }

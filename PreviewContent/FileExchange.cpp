@@ -1,6 +1,5 @@
 #include "PreviewContent/FileExchange.h"
 
-#include <QBuffer>
 #include <string>
 
 #include "Exchange/Export.h"
@@ -8,6 +7,7 @@
 #include "Platform/Console.h"
 #include "Platform/ShownText.h"
 #include "PreviewContent/FileUrl.h"
+#include "PreviewContent/PngFile.h"
 
 namespace {
 
@@ -51,11 +51,10 @@ QString FileExchange::exportVtu(const QUrl& file) {
 }
 
 QString FileExchange::exportPicture(const QImage& picture, const QUrl& file) {
-  QByteArray png;
-  QBuffer buffer(&png);
-  if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")) return tr("The picture is too large.");
+  const auto png = encodePng(picture);
+  if (!png) return tr("The picture is too large.");
   const auto path = *pathOf(file);
-  return report(replaceFile(path, {png.constData(), static_cast<std::size_t>(png.size())}), path);
+  return report(replaceFile(path, *png), path);
 }
 
 QString FileExchange::write(Write write, const QUrl& file) {
