@@ -5,23 +5,29 @@
 #include <cstdlib>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 #include "Platform/FileBytes.h"
 
 namespace {
 
-using Dictionary = decltype(BundleInfo::dictionary);
+/// The file's bytes; nothing if it is no file or too large for what a program says of itself.
+std::string bytesOf(const std::filesystem::path& file) {
+  constexpr std::uintmax_t mostBytes = 64 * 1024;
+  std::error_code unknown;
+  if (!std::filesystem::is_regular_file(file, unknown)) return {};
+  if (const auto size = std::filesystem::file_size(file, unknown); unknown || size > mostBytes) return {};
+  auto bytes = readFile(file);
+  return bytes ? std::move(*bytes) : std::string();
+}
 
-/// The texts of a property list's top-level dictionary; empty if it cannot be read.
-Dictionary textsOf(const std::filesystem::path& propertyList) {
+}  // namespace
+
+BundleInfo::Dictionary BundleInfo::textsOf(std::string_view xml) {
   Dictionary texts;
-  constexpr std::uintmax_t largest = 1 << 20;  // bytes; others' bundles are read, too
-  std::error_code missing;
-  if (std::filesystem::file_size(propertyList, missing) > largest || missing) return texts;
-  const auto bytes = readFile(propertyList);
-  if (!bytes) return texts;
   plist_t parsed = nullptr;
-  plist_from_memory(bytes->data(), static_cast<std::uint32_t>(bytes->size()), &parsed);
+  // Not plist_from_memory: it takes binary lists as well, and ends the process where a key in one holds a zero byte.
+  plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &parsed);
   const std::unique_ptr<void, decltype(&plist_free)> root(parsed, &plist_free);
   plist_dict_iter position = nullptr;
   plist_dict_new_iter(root.get(), &position);
@@ -37,15 +43,13 @@ Dictionary textsOf(const std::filesystem::path& propertyList) {
   }
 }
 
-}  // namespace
-
 std::optional<std::string> BundleInfo::text(std::string_view key) const {
   const auto found = dictionary.find(key);
   return found == dictionary.end() ? std::nullopt : std::optional(found->second);
 }
 
 BundleInfo BundleInfo::in(const std::filesystem::path& folder) {
-  BundleInfo found{folder, {}, textsOf(folder / "Info.plist")};
+  BundleInfo found{folder, {}, textsOf(bytesOf(folder / "Info.plist"))};
   found.executable = found.text("CFBundleExecutable").value_or("");
   return found;
 }

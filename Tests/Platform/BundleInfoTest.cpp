@@ -30,6 +30,26 @@ TEST(BundleInfo, IsReadFromTheBundleAroundTheProgram) {
   EXPECT_EQ(info.text("CFBundleShortVersionString"), std::nullopt);
 }
 
+TEST(BundleInfo, PropertyListsThatAreNoneOrTooLargeAreNotRead) {
+  const auto readsAsNone = [](const std::string& list) { return BundleInfo::textsOf(list).empty(); };
+  EXPECT_FALSE(readsAsNone(propertyList("a")));
+  const char binary[] =
+      "bplist00\xd1\x01\x02Rk\0Qx\x08\x0b\x0e\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x10";
+  EXPECT_TRUE(readsAsNone({binary, sizeof binary - 1}));  // a key with a zero byte
+  std::string nested = "<plist>";
+  for (int level = 0; level < 9000; ++level) nested += "<array>";
+  EXPECT_TRUE(readsAsNone(nested));
+  EXPECT_TRUE(readsAsNone(""));
+
+  const TemporaryFolder files;
+  fs::create_directories(files / "a.app");
+  files.put("a.app/Info.plist", propertyList("program") + std::string(100000, ' '));
+  EXPECT_EQ(BundleInfo::around(files / "a.app/program").url, std::nullopt);
+  fs::remove(files / "a.app/Info.plist");
+  fs::create_symlink("/dev/zero", files / "a.app/Info.plist");
+  EXPECT_EQ(BundleInfo::around(files / "a.app/program").url, std::nullopt);
+}
+
 TEST(BundleInfo, ProgramsElsewhereStandInNone) {
   const TemporaryFolder files;
   for (const char* folder : {"home.app/build", "other.app/bin", "broken.app/bin", "plain/bin"})
