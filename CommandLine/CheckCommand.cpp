@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <new>
 
 #include "CommandLine/Commands.h"
 #include "DataModel/ProjectFile.h"
@@ -54,7 +55,9 @@ int check(const CheckOptions& options) {
     std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
     return exitStatus::failure;
   }
-  const auto findings = StructureCheck::of(**loaded).findings;
+  const auto found = StructureCheck::of(**loaded);
+  if (found.lacksMemory) throw std::bad_alloc();
+  const auto& findings = found.findings;
   std::fputs((options.json ? toJson(findings) : toText(findings)).c_str(), stdout);
   return findings.empty() || !isSerious(findings.front()) ? exitStatus::success : exitStatus::findings;
 }

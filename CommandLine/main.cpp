@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "CommandLine/Commands.h"
+#include "Platform/KernelResources.h"
 #include "Platform/ShownText.h"
 #include "Platform/Signals.h"
 
@@ -39,6 +40,8 @@ int run(int argc, char** argv) {
   }
   return status;
 }
+
+[[gnu::section(".preinit_array"), gnu::used]] void (*const beforeLibraries)(int, char**, char**) = fitThreadsToMemory;
 
 }  // namespace
 

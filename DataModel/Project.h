@@ -82,7 +82,7 @@ class Project : public Observable {
   /// then each step's relative residual norm |R_I| / |F_I|, and stops below `convergenceTolerance` or after
   /// `iterationLimit` steps. Not converging is not reported as a failure; a structure that cannot be factorized ends
   /// the process with a line that names the node and direction. One that is singular but for rounding errors is warned
-  /// of on standard error.
+  /// of on standard error. Throws std::bad_alloc where memory ends.
   void Solve(const StepObserver& afterStep = {});
 
   /// Solve without its lines and its ending: a structure that cannot be factorized is told of. Does at most `limit`

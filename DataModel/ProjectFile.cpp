@@ -1,6 +1,7 @@
 #include "DataModel/ProjectFile.h"
 
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "Platform/FileBytes.h"
@@ -178,8 +179,10 @@ std::optional<Failure> writeProject(const Project& project, const std::filesyste
   return replaceFile(path, [&project](const ByteSink& sink) { encodeProject(project, sink); });
 }
 
-Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) {
+Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) try {
   auto bytes = readFile(path, largestProjectFile);
   if (!bytes) return bytes.failure();
   return decodeProject(std::move(*bytes));
+} catch (const std::bad_alloc&) {
+  return Failure{"not enough memory"};
 }

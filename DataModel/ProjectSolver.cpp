@@ -2,6 +2,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -40,13 +41,15 @@ SolveFault faultOf(const CholeskyFault& fault) {
     case Kind::PivotNotFinite:
       return at(Of::NotFinite, "the stiffness matrix cannot be factorized at " + where + ": its numbers are too large");
     case Kind::OutOfMemory:
-      return {Of::OutOfResources, "not enough memory to factorize the stiffness matrix"};
+      return {Of::OutOfMemory, "not enough memory to factorize the stiffness matrix"};
   }
-  return {Of::OutOfResources, "the stiffness matrix cannot be factorized"};
+  return {Of::NotFinite, "the stiffness matrix cannot be factorized"};
 }
 
 void endIf(const std::optional<SolveFault>& fault) {
-  if (fault) fatal(fault->what);
+  if (!fault) return;
+  if (fault->kind == SolveFault::Kind::OutOfMemory) throw std::bad_alloc();
+  fatal(fault->what);
 }
 
 void warnIfUnstable(std::optional<std::int64_t> dof) {
@@ -187,8 +190,7 @@ Project::MaybeFault Project::tryFillHessianDiagonal() {
 
 Project::MaybeFault Project::tryLinearSolve() {
   if (nI > std::numeric_limits<std::int32_t>::max())
-    return SolveFault{SolveFault::Kind::OutOfResources,
-                      std::to_string(nI) + " degrees of freedom do not fit into 32 bits"};
+    return SolveFault{SolveFault::Kind::TooLarge, std::to_string(nI) + " degrees of freedom do not fit into 32 bits"};
   if (std::ssize(R_I) < nI) fatalIndex("R_I", nI - 1, std::ssize(R_I));
   if (std::ssize(dU_I) < nI) fatalIndex("dU_I", nI - 1, std::ssize(dU_I));
 

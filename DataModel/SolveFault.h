@@ -13,7 +13,8 @@ struct SolveFault {
     NotFinite,      ///< a stiffness is not finite, or becomes so in the factorization
     NotPositive,    ///< a direction's own stiffness is not positive
     Unstable,       ///< the other directions leave one no positive stiffness
-    OutOfResources  ///< memory, or more unknowns than 32 bits number
+    TooLarge,       ///< more unknowns than 32 bits number
+    OutOfMemory
   };
 
   Kind kind = Kind::NoElements;

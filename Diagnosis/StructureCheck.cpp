@@ -21,6 +21,7 @@ void trySolve(StructureCheck& check, const Project& project, const Connectivity&
   const bool unloaded = std::ranges::count(*project.F_I, 0.0) == std::ssize(*project.F_I);
   auto outcome = copy->trySolve(afterStep, unloaded ? 1 : Project::iterationLimit);
   if (outcome.fault) copy->Assemble();  // without what the solver lent
+  check.lacksMemory = outcome.fault && outcome.fault->kind == SolveFault::Kind::OutOfMemory;
   auto& findings = check.findings;
   append(findings, inspectLoads(*copy, outcome));
   const auto isUnexplained = [&] {

@@ -14,6 +14,7 @@ struct StructureCheck {
   /// The solved copy, if its solve came to its end: what Solve would have left.
   std::shared_ptr<Project> solved;
   std::vector<double> norms;  ///< what that Solve would have printed
+  bool lacksMemory = false;   ///< its solve ended because memory did, which says nothing of the structure
 
   /// Whether Solve would end the process.
   [[nodiscard]] bool endsProgram() const;

@@ -1,6 +1,7 @@
 #include "Exchange/Import.h"
 
 #include <algorithm>
+#include <new>
 
 #include "DataModel/ArrayLengths.h"
 #include "Exchange/Draft.h"
@@ -78,6 +79,8 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
     }
   } catch (const ImportError& error) {
     return Failure{shownText(current.filename().string()) + ", " + error.what()};
+  } catch (const std::bad_alloc&) {
+    return Failure{"not enough memory"};
   }
   auto filled = fitArrays(project);
   if (!filled) return filled.failure();

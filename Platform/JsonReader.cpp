@@ -1,5 +1,7 @@
 #include "Platform/JsonReader.h"
 
+#include <new>
+
 #include "Platform/JsonFault.h"
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
@@ -85,7 +87,10 @@ JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
 }
 
 JsonValue JsonDocument::begin() {
-  document_ = jsonResult(parser_.iterate(text_.data() + start_, text_.size() - start_, text_.capacity() - start_));
+  const auto fault =
+      parser_.iterate(text_.data() + start_, text_.size() - start_, text_.capacity() - start_).get(document_);
+  if (fault == simdjson::MEMALLOC) throw std::bad_alloc();
+  if (fault != simdjson::SUCCESS) throw JsonError(simdjson::error_message(fault));
   JsonValue root;
   if (document_.get_value().get(root) != simdjson::SUCCESS) throw JsonError("expected an object or an array");
   return root;

@@ -1,6 +1,5 @@
 #include "Platform/SparseCholesky.h"
 
-#include <cblas.h>
 #include <cholmod.h>
 
 #include <algorithm>
@@ -9,14 +8,13 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/KernelResources.h"
+
 static_assert(sizeof(SuiteSparse_long) == sizeof(std::int64_t));
 
 namespace {
 
 using Kind = CholeskyFault::Kind;
-
-/// Below this many operations per factorization the threads of the dense kernels cost more than they save.
-constexpr double threadedOperations = 2e9;
 
 /// Parts of the graph below this size are not dissected further. Lattices of 10^3 to 40^3 nodes need 1 % to 15 % fewer
 /// operations than with CHOLMOD's own value of 200.
@@ -234,6 +232,7 @@ std::optional<CholeskyFault> SparseCholesky::analyse(const SymmetricMatrix& matr
   }
   if (s.analysis || s.selection.unknowns.empty()) return std::nullopt;
 
+  if (!reserveKernelBuffer()) return CholeskyFault{Kind::OutOfMemory, 0, 0};
   std::vector<std::int64_t> order = fillReducingOrder(s.selection, matrix.blockSize, s.common);
   if (order.empty()) return CholeskyFault{Kind::OutOfMemory, 0, 0};
   cholmod_sparse view = lowerTriangle(s.selection.starts, s.selection.rows, s.selected.data());
@@ -252,7 +251,7 @@ std::optional<CholeskyFault> SparseCholesky::factorize(const SymmetricMatrix& ma
   if (const auto fault = analyse(matrix)) return fault;
   if (!s.analysis) return std::nullopt;
 
-  openblas_set_num_threads(s.operations < threadedOperations ? 1 : openblas_get_num_procs());
+  setKernelThreads(s.operations);
   cholmod_sparse view = lowerTriangle(s.selection.starts, s.selection.rows, s.selected.data());
   s.factor.reset(cholmod_l_copy_factor(s.analysis.get(), s.common.get()));
   if (!s.factor || cholmod_l_factorize(&view, s.factor.get(), s.common.get()) == 0) {

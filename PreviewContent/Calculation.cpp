@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <array>
+#include <new>
 #include <utility>
 
 #include "Platform/Console.h"
@@ -84,9 +85,8 @@ void Calculation::runAnyway() {
 void Calculation::calculate(bool heedsFindings, bool checksAgain) {
   if (running_) return;
   begin();
-  const auto showStep = [this](int, double residual) { show(residual); };
   if (checksAgain) {
-    trial_ = StructureCheck::of(**viewModel_->project, showStep);
+    trial_ = StructureCheck::of(**viewModel_->project, [this](int, double residual) { show(residual); });
     checked_ = true;
     checkOutdated_ = false;
   }
@@ -96,7 +96,7 @@ void Calculation::calculate(bool heedsFindings, bool checksAgain) {
     if (trial_.solved)
       takeTrial();
     else  // of a structure without loads one step was tried, which is like all others
-      (*viewModel_->project)->Solve(showStep);
+      solve();
   }
   end(!stops && !ends);
   if (checksAgain) emit findingsChanged();
@@ -108,8 +108,14 @@ void Calculation::answer(bool solvesAnyway) {
   setReasonToEnd({});
   if (!solvesAnyway || running_) return;
   begin();
-  (*viewModel_->project)->Solve([this](int, double residual) { show(residual); });
+  solve();
   end(true);
+}
+
+void Calculation::solve() try {
+  (*viewModel_->project)->Solve([this](int, double residual) { show(residual); });
+} catch (const std::bad_alloc&) {
+  fatal("not enough memory to solve");
 }
 
 void Calculation::setReasonToEnd(const QString& value) {

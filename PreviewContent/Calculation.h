@@ -86,6 +86,7 @@ class Calculation : public QObject {
 
  private:
   void calculate(bool heedsFindings, bool checksAgain);
+  void solve();
   void begin();
   void end(bool solved);
   void takeTrial();

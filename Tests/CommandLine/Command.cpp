@@ -23,7 +23,7 @@ std::array<int, 2> openStream(bool isTerminal) {
 }
 
 /// In the child: gives the program its streams and starts it.
-[[noreturn]] void start(const std::vector<std::string>& arguments, int output, int errors) {
+[[noreturn]] void start(const std::vector<std::string>& arguments, int output, int errors, rlim_t addressSpace) {
   const rlimit noCore{0, 0};
   ::setrlimit(RLIMIT_CORE, &noCore);
   ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
@@ -32,6 +32,8 @@ std::array<int, 2> openStream(bool isTerminal) {
   std::vector<char*> words{const_cast<char*>("gavrel-cli")};
   for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
+  const rlimit limit{addressSpace, addressSpace};
+  if (addressSpace > 0) ::setrlimit(RLIMIT_AS, &limit);
   ::execv(GAVREL_CLI, words.data());
   ::_exit(127);
 }
@@ -53,7 +55,7 @@ CommandOutcome gavrelCli(const std::vector<std::string>& arguments, const Comman
   const auto errors = openStream(streams.errorsToTerminal);
   const int target = streams.outputPath.empty() ? output[1] : ::open(streams.outputPath.c_str(), O_WRONLY | O_CLOEXEC);
   const pid_t child = ::fork();
-  if (child == 0) start(arguments, target, errors[1]);
+  if (child == 0) start(arguments, target, errors[1], streams.addressSpace);
   for (const int descriptor : {output[1], errors[1]}) ::close(descriptor);
   if (!streams.outputPath.empty()) ::close(target);
 

@@ -14,8 +14,9 @@ struct CommandOutcome {
 };
 
 struct CommandStreams {
-  std::string outputPath;         ///< where standard output goes; empty: it is captured
-  bool errorsToTerminal = false;  ///< standard error is a pseudo-terminal, captured too
+  std::string outputPath;          ///< where standard output goes; empty: it is captured
+  bool errorsToTerminal = false;   ///< standard error is a pseudo-terminal, captured too
+  unsigned long addressSpace = 0;  ///< in bytes; 0: as much as there is
 };
 
 /// Runs gavrel-cli with these arguments and an empty standard input, and waits for its end.

@@ -68,6 +68,26 @@ TEST(Solve, AbortsWithOneLineOnAnUnstableStructure) {
   EXPECT_EQ(folder.get("result.json"), "old");
 }
 
+#ifndef __SANITIZE_ADDRESS__  // which needs more address space than there is memory
+TEST(Solve, EndsWithALineWhereMemoryEnds) {
+  const TemporaryFolder folder;
+  constexpr unsigned long mebibyte = 1 << 20;
+  ASSERT_EQ(gavrelCli({"generate", "lattice", "--nodes", "16", "-o", folder / "lattice.json"}).status, 0);
+  int failed = 0;
+  for (const unsigned long limit : {120, 180, 200, 220, 240, 260, 300, 1200}) {
+    for (const char* command : {"solve", "check"}) {
+      const auto outcome = gavrelCli({command, folder / "lattice.json"}, {.addressSpace = limit * mebibyte});
+      if (outcome.status == 0) continue;
+      ++failed;
+      EXPECT_EQ(outcome.status, 1) << limit << outcome.errors;
+      EXPECT_THAT(outcome.errors, testing::MatchesRegex("(Failed to load project: n|N)ot enough memory.?\n"));
+    }
+  }
+  EXPECT_GT(failed, 2);
+  EXPECT_LT(failed, 15);
+}
+#endif
+
 TEST(Solve, SumsUpTheGreatestDisplacementAndForces) {
   const TemporaryFolder folder;
   Project fan("Fan");

@@ -1,0 +1,17 @@
+#pragma once
+
+/// What the dense kernels of OpenBLAS, and the loops of CHOLMOD that OpenMP shares out, take of the machine.
+///
+/// OpenBLAS starts its threads when the program is loaded. Each of them, and the one that calls it, maps a buffer of
+/// 128 MiB; where the address space has no room for it, the thread tries again for ever, and the program cannot end.
+
+/// Starts the running program anew with one thread if the limits of its address space may not hold the buffers of all.
+/// Returns if they do, and if it cannot be started anew. To be called, with what `main` gets, before libraries start
+/// their threads: by a program's ".preinit_array".
+void fitThreadsToMemory(int count, char** arguments, char** environment);
+
+/// Has OpenBLAS map the buffer of the calling thread, which it keeps; false where there is no room for it.
+[[nodiscard]] bool reserveKernelBuffer();
+
+/// Sets how many threads the kernels use for a factorization of so many operations.
+void setKernelThreads(double operations);
