@@ -14,7 +14,7 @@ struct CommandOutcome {
 };
 
 struct CommandStreams {
-  std::string outputPath;          ///< where standard output goes; empty: it is captured
+  std::string outputPath = {};     ///< where standard output goes; empty: it is captured
   bool errorsToTerminal = false;   ///< standard error is a pseudo-terminal, captured too
   unsigned long addressSpace = 0;  ///< in bytes; 0: as much as there is
 };
