@@ -34,6 +34,7 @@ HttpTransfer::HttpTransfer(QNetworkAccessManager& session, const QUrl& url, Tran
   reply_ = session.get(request);
   connect(reply_, &QNetworkReply::readyRead, this, &HttpTransfer::receive);
   connect(reply_, &QNetworkReply::downloadProgress, this, [this](qint64 written, qint64 expected) {
+    if (failure_) return;  // Qt tells of the bytes that broke a limit after the transfer has ended
     // At the end Qt calls what has come the expected total, too.
     const bool announced = reply_->header(QNetworkRequest::ContentLengthHeader).isValid();
     emit progressed(written, announced ? expected : -1);
