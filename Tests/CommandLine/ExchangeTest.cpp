@@ -38,12 +38,6 @@ TEST(Exchange, ExportsAndImports) {
       gavrelCli({"import", "--into", folder / "new.json", folder / "elements.csv", "-o", folder / "new.json"});
   EXPECT_EQ(more.output, "Imported 0 nodes, 1 bars, 0 beams\n");
   EXPECT_THAT(folder.get("new.json"), HasSubstr("\"name\": \"Again\""));
-  const std::string empty = R"({"name":"","trussElements":[],"X_I":[0,0,0],"F_I":[],"D_I":[false,false]})";
-  const auto filled = gavrelCli({"import", "--into", folder.put("short.json", empty),
-                                 folder.put("one.csv", "x,y\n1,2\n"), "-o", folder / "long.json"});
-  EXPECT_EQ(filled.output,
-            "F_I has 0 entries, where 1 node has 6: filled with zeros.\n"
-            "D_I has 2 entries, where 1 node has 6: filled with false.\nImported 1 nodes, 0 bars, 0 beams\n");
   const auto bad = gavrelCli({"import", folder.put("bad.csv", "x,y\n1,2,3\n"), "-o", folder / "bad.json"});
   EXPECT_EQ(bad.status, 1);
   EXPECT_EQ(bad.errors, "Failed to import: bad.csv, line 2: 3 values for 2 columns\n");
