@@ -23,13 +23,12 @@ std::size_t expectedSize(const struct stat& status) {
 }  // namespace
 
 Failure systemFailure(const std::string& attempt, const std::filesystem::path& path, int code) {
-  return {attempt + " \"" + shownText(path.string(), std::string::npos) +
-          "\": " + std::generic_category().message(code)};
+  return {attempt + " " + shownPath(path) + ": " + std::generic_category().message(code)};
 }
 
 Result<std::string> readFile(const std::filesystem::path& path, std::uint64_t most) {
   const auto tooLarge = [&](const std::string& size) {
-    return Failure{"cannot read \"" + path.string() + "\": it has " + size + " bytes, and at most " +
+    return Failure{"cannot read " + shownPath(path) + ": it has " + size + " bytes, and at most " +
                    std::to_string(most) + " can be read"};
   };
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));

@@ -7,6 +7,7 @@
 
 #include "Platform/AtomicFile.h"
 #include "Platform/Destination.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ bool isSame(const path& one, const path& other) {
 
 /// The file's name, and the other one that it goes by.
 std::string namesOf(const path& file, const path& other) {
-  return "\"" + file.string() + (file == other ? "\"" : "\" (\"" + other.string() + "\")");
+  return shownPath(file) + (file == other ? "" : " (" + shownPath(other) + ")");
 }
 
 bool isFile(const path& file) {

@@ -63,3 +63,7 @@ std::string shownQuoted(std::string_view text) {
   constexpr std::size_t longest = 60;
   return '"' + shownText(text, longest) + '"';
 }
+
+std::string shownPath(const std::filesystem::path& path) {
+  return '"' + shownText(path.string(), std::string::npos) + '"';
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -11,3 +12,6 @@
 
 /// shownText of at most 60 characters in quotation marks.
 [[nodiscard]] std::string shownQuoted(std::string_view text);
+
+/// shownText of the whole path in quotation marks.
+[[nodiscard]] std::string shownPath(const std::filesystem::path& path);
