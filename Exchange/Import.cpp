@@ -1,6 +1,7 @@
 #include "Exchange/Import.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 #include "DataModel/ArrayLengths.h"
@@ -20,7 +21,15 @@ Vector3 placeOf(const Draft& draft, std::int64_t node) {
   return *draft.project.getNodeCoordinates(node);
 }
 
-ImportOutcome addTo(Project& project, const Draft& draft) {
+template <class Element>
+bool isFinite(const Element& element) {
+  bool all = true;
+  forEachField<Element>(
+      [&](const auto& field) { all = all && std::isfinite(static_cast<double>(element.*field.member)); });
+  return all;
+}
+
+Result<ImportOutcome> addTo(Project& project, const Draft& draft) {
   ImportOutcome outcome{.nodes = std::ssize(draft.nodes), .remarks = draft.remarks};
   std::vector<TrussElement> trusses = *project.trussElements;
   std::vector<BeamElement> beams = *project.beamElements;
@@ -36,6 +45,9 @@ ImportOutcome addTo(Project& project, const Draft& draft) {
     else
       trusses.emplace_back(std::ssize(trusses), member.start, member.end, start, end, member.area, member.youngModulus,
                            member.isCompressionOnly, member.isNonLinear);
+    if (member.isBeam ? !isFinite(beams.back()) : !isFinite(trusses.back()))
+      return Failure{"the member from node " + std::to_string(member.start) + " to node " + std::to_string(member.end) +
+                     ", by the project's numbers, has a length or a stiffness that is too large for a number"};
   }
   outcome.trusses = std::ssize(trusses) - std::ssize(*project.trussElements);
   outcome.beams = std::ssize(beams) - std::ssize(*project.beamElements);

@@ -99,6 +99,9 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   EXPECT_THAT(reasonFor("a.csv", "a,b\n1,2\n"), HasSubstr("neither x and y, for nodes, nor start and end"));
   EXPECT_THAT(reasonFor("a.csv", " \n"), HasSubstr("the file is empty"));
   EXPECT_EQ(reasonFor("a.csv", "x,y,X\n1,2,3\n"), "a.csv, line 1: the column \"X\" stands twice");
+  EXPECT_THAT(reasonFor("a.csv", "start,end,area\n1,0,1e307\n"),
+              HasSubstr("the member from node 1 to node 0, by the project's numbers, has a length or a stiffness"));
+  EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 -1e308 20 2 11 1e308 21 2")), HasSubstr("from node 2 to node 3"));
   EXPECT_EQ(reasonFor("a.csv", "\n" + std::string(1000, ',')), "a.csv, line 2: 1001 columns; a table has at most 1000");
   EXPECT_EQ(reasonFor("a.csv", "x,y\n1,2\n" + std::string(100000, ',')), "a.csv, line 3: 100001 values for 2 columns");
   EXPECT_THAT(reasonFor("a.csv", std::string("x,y\n1,2\0\n", 9)), HasSubstr("column y: expected a number"));
