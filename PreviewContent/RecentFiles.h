@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QObject>
-#include <QSettings>
 #include <QStringList>
 #include <QUrl>
 
 #include "PreviewContent/ProjectViewModel.h"
+#include "PreviewContent/RecentPaths.h"
 
 /// The project files that were opened or saved last, the latest first, kept in the user's settings. Files that are no
 /// longer there are left out.
@@ -17,7 +17,7 @@ class RecentFiles : public QObject {
   /// Watches the view model, which outlives this. `settings`: the file to keep them in.
   RecentFiles(ProjectViewModel& viewModel, const QString& settings, QObject* parent = nullptr);
 
-  [[nodiscard]] QStringList paths() const;
+  [[nodiscard]] QStringList paths() const { return paths_.all(); }
   Q_INVOKABLE void clear();
 
   /// The address of a path, whatever characters it has.
@@ -29,5 +29,5 @@ class RecentFiles : public QObject {
  private:
   void add(const std::filesystem::path& file);
 
-  QSettings settings_;
+  RecentPaths paths_;
 };

@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -113,6 +114,7 @@ class SectionReader {
   template <class Value>
   [[nodiscard]] std::vector<Value> values(const std::string& key) const {
     const std::string_view bytes = text(key);
+    if (bytes.size() % sizeof(Value) != 0) throw Missing{key};
     std::vector<Value> values(bytes.size() / sizeof(Value));
     if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(Value));
     return values;
@@ -131,6 +133,9 @@ class SectionReader {
       const std::string_view bytes = text(column);
       if (elements.empty()) elements.resize(bytes.size() / sizeof(Value));
       if (bytes.size() != elements.size() * sizeof(Value)) throw Missing{column};
+      // Other bytes than those of true and false are no bool.
+      if (std::is_same_v<Value, bool> && bytes.find_first_not_of(std::string_view("\0\1", 2)) != bytes.npos)
+        throw Missing{column};
       for (std::size_t i = 0; i < elements.size(); ++i)
         std::memcpy(&(elements[i].*field.member), bytes.data() + i * sizeof(Value), sizeof(Value));
     });

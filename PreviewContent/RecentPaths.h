@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QSettings>
+#include <QStringList>
+
+/// The paths of the project files that were used last, the latest first, in the user's settings.
+class RecentPaths {
+ public:
+  /// `settings`: the file to keep them in.
+  explicit RecentPaths(const QString& settings) : settings_(settings, QSettings::IniFormat) {}
+
+  /// Those where there still is a file.
+  [[nodiscard]] QStringList all() const;
+  void add(const QString& path);
+  void clear();
+
+ private:
+  QSettings settings_;
+};
