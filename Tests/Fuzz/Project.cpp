@@ -1,18 +1,11 @@
-#include <cstdio>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "DataModel/ProjectFile.h"
 #include "Platform/JsonFault.h"
+#include "Tests/Fuzz/Require.h"
 
 namespace {
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "%s\n", what);
-  std::abort();
-}
 
 using nlohmann::json;
 
@@ -56,7 +49,7 @@ void requireSame(const Project& project, const json& spelled) {
 /// Whatever the bytes, reading a project ends with a reason or with a project that holds what they say and survives
 /// writing and reading.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text(textOf(data, size));
   const auto project = decodeProject(text);
   if (!project) {
     const std::string& reason = project.failure().reason;

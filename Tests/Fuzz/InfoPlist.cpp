@@ -1,0 +1,12 @@
+#include "Platform/BundleInfo.h"
+#include "Tests/Fuzz/Require.h"
+
+/// Texts are read only from what looks like XML, and without what XML cannot hold.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  const std::string_view text = textOf(data, size);
+  const auto texts = BundleInfo::textsOf(text);
+  require(texts.empty() || (text.find("dict") != text.npos && text.find("key") != text.npos), "texts from nowhere");
+  for (const auto& [key, value] : texts)
+    require(key.find('\0') == key.npos && value.size() <= size, "a text that is not in the list");
+  return 0;
+}
