@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <utility>
 
 #include "DataModel/ArrayLengths.h"
 #include "Exchange/Draft.h"
@@ -29,10 +30,15 @@ bool isFinite(const Element& element) {
   return all;
 }
 
-Result<ImportOutcome> addTo(Project& project, const Draft& draft) {
-  ImportOutcome outcome{.nodes = std::ssize(draft.nodes), .remarks = draft.remarks};
-  std::vector<TrussElement> trusses = *project.trussElements;
-  std::vector<BeamElement> beams = *project.beamElements;
+struct Elements {
+  std::vector<TrussElement> trusses;
+  std::vector<BeamElement> beams;
+};
+
+/// The project's elements and the draft's behind them.
+Result<Elements> elementsWith(const Project& project, const Draft& draft) {
+  Elements elements{*project.trussElements, *project.beamElements};
+  auto& [trusses, beams] = elements;
   const auto newBeams = static_cast<std::size_t>(std::ranges::count(draft.members, true, &Draft::Member::isBeam));
   beams.reserve(beams.size() + newBeams);
   trusses.reserve(trusses.size() + draft.members.size() - newBeams);
@@ -49,15 +55,21 @@ Result<ImportOutcome> addTo(Project& project, const Draft& draft) {
       return Failure{"the member from node " + std::to_string(member.start) + " to node " + std::to_string(member.end) +
                      ", by the project's numbers, has a length or a stiffness that is too large for a number"};
   }
-  outcome.trusses = std::ssize(trusses) - std::ssize(*project.trussElements);
-  outcome.beams = std::ssize(beams) - std::ssize(*project.beamElements);
+  return elements;
+}
+
+ImportOutcome addTo(Project& project, Draft& draft, Elements elements) {
+  ImportOutcome outcome{.nodes = std::ssize(draft.nodes),
+                        .trusses = std::ssize(elements.trusses) - std::ssize(*project.trussElements),
+                        .beams = std::ssize(elements.beams) - std::ssize(*project.beamElements),
+                        .remarks = std::move(draft.remarks)};
   for (const Draft::Node& node : draft.nodes) {
     project.addNode(node.place);
     std::ranges::copy(node.load, project.F_I.edit().end() - dofsPerNode);
     std::copy(node.held.begin(), node.held.end(), project.D_I.edit().end() - dofsPerNode);
   }
-  project.trussElements.edit() = std::move(trusses);
-  project.beamElements.edit() = std::move(beams);
+  project.trussElements.edit() = std::move(elements.trusses);
+  project.beamElements.edit() = std::move(elements.beams);
   return outcome;
 }
 
@@ -89,13 +101,15 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
       current = file;
       addMembers(table, draft);
     }
+    auto elements = elementsWith(project, draft);
+    if (!elements) return elements.failure();
+    auto filled = fitArrays(project);
+    if (!filled) return filled.failure();
+    draft.remarks.insert(draft.remarks.begin(), filled->begin(), filled->end());
+    return addTo(project, draft, std::move(*elements));
   } catch (const ImportError& error) {
     return Failure{shownText(current.filename().string()) + ", " + error.what()};
   } catch (const std::bad_alloc&) {
     return Failure{"not enough memory"};
   }
-  auto filled = fitArrays(project);
-  if (!filled) return filled.failure();
-  draft.remarks.insert(draft.remarks.begin(), filled->begin(), filled->end());
-  return addTo(project, draft);
 }
