@@ -9,7 +9,7 @@
 
 #include "DataModel/BeamElement.h"
 #include "DataModel/CSR.h"
-#include "DataModel/SolveFault.h"
+#include "DataModel/SolveOutcome.h"
 #include "DataModel/TrussElement.h"
 #include "DataModel/Vector3.h"
 #include "Platform/Observable.h"

@@ -43,7 +43,7 @@ std::string times(int count, const std::string& line) {
   return lines;
 }
 
-TEST(ProjectSolver, LoadOnARestraintDriftsAndNoLoadGivesNoNorm) {
+TEST(Solver, LoadOnARestraintDriftsAndNoLoadGivesNoNorm) {
   Row bar(2);
   addBar(bar, 0, 1, stiffness);
   bar.pull(1, 3);
@@ -56,7 +56,7 @@ TEST(ProjectSolver, LoadOnARestraintDriftsAndNoLoadGivesNoNorm) {
   EXPECT_THAT(*bar.U_I, Each(0.0));
 }
 
-TEST(ProjectSolver, AResidualAtTheToleranceIsNotBelowIt) {
+TEST(Solver, AResidualAtTheToleranceIsNotBelowIt) {
   Row bar(2);
   addBar(bar, 0, 1, stiffness);
   bar.pull(1, 1);
@@ -71,7 +71,7 @@ TEST(ProjectSolver, AResidualAtTheToleranceIsNotBelowIt) {
 }
 
 /// In this order two small stiffnesses add up to something that is not lost beside a large one.
-TEST(ProjectSolver, AssemblesBarsBeforeBeams) {
+TEST(Solver, AssemblesBarsBeforeBeams) {
   Row row(2);
   addBeam(row, 1, 0, 0x1p53, false);
   addBar(row, 0, 1, 1);
@@ -82,7 +82,7 @@ TEST(ProjectSolver, AssemblesBarsBeforeBeams) {
 }
 
 /// Of the displacements, too: at their reset the old ones are there, and at a step's end the increment is known.
-TEST(ProjectSolver, AnnouncesDisplacementsBeforeTheyChange) {
+TEST(Solver, AnnouncesDisplacementsBeforeTheyChange) {
   Row bar(2);
   addBar(bar, 0, 1, stiffness);
   bar.pull(1, 3);
@@ -97,7 +97,7 @@ TEST(ProjectSolver, AnnouncesDisplacementsBeforeTheyChange) {
   EXPECT_EQ(seen.back().second, *bar.U_I);
 }
 
-TEST(ProjectSolver, CompressionOnlyBarLeavesARepairedUnknown) {
+TEST(Solver, CompressionOnlyBarLeavesARepairedUnknown) {
   Row row(3);
   addBar(row, 0, 1, stiffness);
   addBar(row, 1, 2, stiffness, {.isCompressionOnly = true});
@@ -108,7 +108,7 @@ TEST(ProjectSolver, CompressionOnlyBarLeavesARepairedUnknown) {
   EXPECT_NEAR(row.moved(2), 51 / stiffness, 1e-12);  // two bars' give in the first step, then one more each step
 }
 
-TEST(ProjectSolver, BeamsTakeTheLoadAnewInEachStep) {
+TEST(Solver, BeamsTakeTheLoadAnewInEachStep) {
   for (const bool isNonLinear : {false, true}) {
     Row cantilever(2);
     clamp(cantilever, 0);
@@ -124,7 +124,7 @@ TEST(ProjectSolver, BeamsTakeTheLoadAnewInEachStep) {
   }
 }
 
-TEST(ProjectSolver, RepairsSmallDiagonalsWithTheFirstValue) {
+TEST(Solver, RepairsSmallDiagonalsWithTheFirstValue) {
   Project project;
   project.nI = 5;
   project.H_II = CSR(Columns{{0, 1}, {1}, {2}, {3}, {4}});
@@ -134,7 +134,7 @@ TEST(ProjectSolver, RepairsSmallDiagonalsWithTheFirstValue) {
   EXPECT_THAT(project.H_II.values, Pointwise(testing::NanSensitiveDoubleEq(), Numbers{7, 0, 7, 1e-9, nan, -1e-9}));
 }
 
-TEST(ProjectSolver, LinearSolveLeavesTheResidual) {
+TEST(Solver, LinearSolveLeavesTheResidual) {
   Project project;
   project.nI = 3;
   project.H_II = CSR(Columns{{0, 1}, {1, 2}, {2}});
@@ -155,7 +155,7 @@ struct Mechanism : Row {
 };
 
 /// The factorization starts threads in some builds of its library, so deaths run in fresh processes.
-TEST(ProjectSolver, MatrixThatCannotBeFactorizedNamesTheNode) {
+TEST(Solver, MatrixThatCannotBeFactorizedNamesTheNode) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   Row nothing(2);
   EXPECT_DEATH(nothing.Solve(), "holds no values: the structure has no elements");
@@ -181,7 +181,7 @@ TEST(ProjectSolver, MatrixThatCannotBeFactorizedNamesTheNode) {
   EXPECT_DEATH(mechanism.Solve(), "unstable at node [01], translation along x: the other unknowns leave it no");
 }
 
-TEST(ProjectSolver, LossOfStiffnessInTheSecondStepNamesTheNode) {
+TEST(Solver, LossOfStiffnessInTheSecondStepNamesTheNode) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto solveAloud = [](Project& project) {
     project.Solve([](int step, double) { std::fprintf(stderr, "step %d\n", step); });
@@ -201,7 +201,7 @@ TEST(ProjectSolver, LossOfStiffnessInTheSecondStepNamesTheNode) {
 }
 
 /// Rounding leaves a free bar a tiny stiffness where there is none, so that the factorization comes to an end.
-TEST(ProjectSolver, WarnsOnceOfAMechanismThatRoundingHides) {
+TEST(Solver, WarnsOnceOfAMechanismThatRoundingHides) {
   const auto weakness = Mechanism(stiffness).trySolve().weakness;
   ASSERT_TRUE(weakness);
   EXPECT_EQ(weakness->step, 1);
