@@ -11,6 +11,7 @@
 #include "Benchmarks/BenchmarkLattice.h"
 #include "Benchmarks/Floor.h"
 #include "Benchmarks/Stopwatch.h"
+#include "Platform/SparseCholesky.h"
 
 namespace {
 

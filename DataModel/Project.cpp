@@ -1,8 +1,13 @@
 #include "DataModel/Project.h"
 
+#include <array>
+#include <new>
 #include <utility>
 
+#include "DataModel/Solver.h"
+#include "Platform/Console.h"
 #include "Platform/Fatal.h"
+#include "Platform/NumberText.h"
 
 namespace {
 
@@ -21,7 +26,30 @@ std::optional<Vector3> threeOf(const std::vector<double>& array, std::int64_t no
   return Vector3{array[*i], array[*i + 1], array[*i + 2]};
 }
 
+void fatalIf(const std::optional<SolveFault>& fault) {
+  if (!fault) return;
+  if (fault->kind == SolveFault::Kind::OutOfMemory) throw std::bad_alloc();
+  fatal(fault->what);
+}
+
+void warnIfUnstable(std::optional<std::int64_t> dof) {
+  if (!dof) return;
+  printWarning("the structure may be unstable at " + describeDof(*dof) +
+               ": what holds it there is lost in rounding, and the displacements mean nothing");
+}
+
 }  // namespace
+
+std::string directionOf(std::int64_t dof) {
+  constexpr std::array<const char*, dofsPerNode> directions{"translation along x", "translation along y",
+                                                            "translation along z", "rotation about x",
+                                                            "rotation about y",    "rotation about z"};
+  return at(directions, dof % dofsPerNode, "the directions");
+}
+
+std::string describeDof(std::int64_t dof) {
+  return "node " + std::to_string(dof / dofsPerNode) + ", " + directionOf(dof);
+}
 
 Project::Project(std::string name_, std::vector<TrussElement> trussElements_, std::vector<BeamElement> beamElements_,
                  double magnify_)
@@ -88,4 +116,51 @@ std::optional<Project::Restraints> Project::getNodeRestraints(std::int64_t nodeI
   const auto i = firstOfThree(nodeID, D_I->size());
   if (!i) return std::nullopt;
   return Restraints{(*D_I)[*i], (*D_I)[*i + 1], (*D_I)[*i + 2]};
+}
+
+void Project::Solve(const StepObserver& afterStep) {
+  Solver solver(*this);
+  solver.Prepare();
+  printLine("");
+  solver.Assemble();
+  bool warned = false;
+  const auto outcome = solver.Iterate([&](int step, double normRoF0F1F) {
+    if (!warned) warnIfUnstable(solver.weakestDof());
+    warned = warned || solver.weakestDof();
+    printLine(numberText(normRoF0F1F));
+    if (afterStep) afterStep(step, normRoF0F1F);
+  });
+  fatalIf(outcome.fault);
+}
+
+void Project::SolveOneStep(double& normRoF0F1F, double normF) {
+  Solver solver(*this);
+  fatalIf(solver.SolveOneStep(normRoF0F1F, normF));
+  warnIfUnstable(solver.weakestDof());
+}
+
+void Project::FillHessianDiagonal() {
+  fatalIf(Solver(*this).FillHessianDiagonal());
+}
+
+void Project::LinearSolve() {
+  Solver solver(*this);
+  fatalIf(solver.LinearSolve());
+  warnIfUnstable(solver.weakestDof());
+}
+
+void Project::takeSolution(Project&& solved) {
+  trussElements.edit() = std::move(solved.trussElements.edit());
+  beamElements.edit() = std::move(solved.beamElements.edit());
+  U_I.edit() = std::move(solved.U_I.edit());
+  dU_I = std::move(solved.dU_I);
+  R_I = std::move(solved.R_I);
+  H_II = std::move(solved.H_II);
+}
+
+std::vector<std::int64_t> Project::positionsOut() const {
+  std::vector<std::int64_t> out;
+  for (std::size_t i = 0; i < trussElements->size(); ++i)
+    if ((*trussElements)[i].isOut()) out.push_back(static_cast<std::int64_t>(i));
+  return out;
 }

@@ -9,13 +9,11 @@
 
 #include "DataModel/BeamElement.h"
 #include "DataModel/CSR.h"
-#include "DataModel/SolveOutcome.h"
 #include "DataModel/TrussElement.h"
 #include "DataModel/Vector3.h"
 #include "Platform/Observable.h"
-#include "Platform/SparseCholesky.h"
 
-/// The structural model in memory, with its solver.
+/// The structural model in memory. Solver solves it.
 ///
 /// A node is known by its position n in creation order. `X_I` holds three coordinates per node, all other arrays six
 /// entries: translations along and rotations about x, y, z, numbered 6n to 6n + 5. Loads, coordinates and displacements
@@ -85,21 +83,11 @@ class Project : public Observable {
   /// of on standard error. Throws std::bad_alloc where memory ends.
   void Solve(const StepObserver& afterStep = {});
 
-  /// Solve without its lines and its ending: a structure that cannot be factorized is told of. Does at most `limit`
-  /// steps. Elements that name unknown nodes, and arrays with less than `nI` entries, are fatal here, too.
-  [[nodiscard]] SolveOutcome trySolve(const StepObserver& afterStep = {}, int limit = iterationLimit);
-
   /// Takes over displacements, residual, matrix and elements from a copy that was solved.
   void takeSolution(Project&& solved);
 
   /// Positions of the compression-only bars that were out at the last assembly.
   [[nodiscard]] std::vector<std::int64_t> positionsOut() const;
-
-  /// How a solve begins: zero displacement and an empty matrix with the structure's pattern.
-  void PrepareSolve();
-
-  /// Residual and matrix at U_I.
-  void Assemble();
 
   /// One Newton step: assembles at U_I, stores the relative residual norm in `normRoF0F1F` and, unless that is below
   /// the tolerance, solves for dU_I and adds it to U_I. `normF`: the norm of the loads. Ends the process like Solve.
@@ -112,17 +100,6 @@ class Project : public Observable {
   /// Solves H_II · dU_I = R_I. A matrix that is not positive definite is fatal; one that is singular but for rounding
   /// errors is warned of on standard error.
   void LinearSolve();
-
- private:
-  using MaybeFault = std::optional<SolveFault>;
-
-  SolveOutcome iterate(const StepObserver& afterStep, int limit);
-  MaybeFault trySolveOneStep(double& normRoF0F1F, double normF);
-  MaybeFault tryFillHessianDiagonal();
-  MaybeFault tryLinearSolve();
-
-  std::optional<SparseCholesky> cholesky_;  // during a solve only: keeps the analysis from step to step
-  std::optional<std::int64_t> weakestDof_;  // where the last factorization lost the structure's stiffness
 };
 
 /// "translation along z" for the number of a degree of freedom.

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "DataModel/Solver.h"
 #include "Diagnosis/StructureCheck.h"
 
 namespace {
@@ -42,7 +43,7 @@ std::optional<Finding> inspectMovement(const Project& project, const SolveOutcom
     const bool free = dof % dofsPerNode < 3 && i < copy->D_I->size() && !(*copy->D_I)[i];
     F[i] = free ? scattered(dof) : 0;
   }
-  if (copy->trySolve({}, 1).fault) return std::nullopt;
+  if (Solver(*copy).Solve({}, 1).fault) return std::nullopt;
   const auto& U = *copy->U_I;
   const auto farthest = std::ranges::max_element(U, {}, [](double u) { return std::abs(u); }) - U.begin();
   const double limit = stretching * std::abs(U[static_cast<std::size_t>(farthest)]);

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <utility>
 
+#include "DataModel/Solver.h"
 #include "Diagnosis/StructureCheck.h"
 
 namespace {
@@ -63,7 +64,7 @@ bool isMendedByRighting(const Project& project, int step, Predicate&& concerns) 
     for (double* factor : {&beam.EA, &beam.EIz, &beam.EIy, &beam.GJ, &beam.dXx}) *factor = std::abs(*factor);
     if (beam.startNodeId > beam.endNodeId) std::swap(beam.startNodeId, beam.endNodeId);
   }
-  const auto outcome = righted->trySolve({}, step);
+  const auto outcome = Solver(*righted).Solve({}, step);
   return !(outcome.fault && outcome.fault->dof && concerns(*outcome.fault->dof)) &&
          !(outcome.weakness && concerns(outcome.weakness->dof));
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "DataModel/Solver.h"
+
 namespace {
 
 using enum Finding::Consequence;
@@ -10,17 +12,18 @@ void append(std::vector<Finding>& to, std::vector<Finding> more) {
   to.insert(to.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
 }
 
-void trySolve(StructureCheck& check, const Project& project, const Connectivity& connectivity,
-              const Project::StepObserver& afterStep) {
+void solveCopy(StructureCheck& check, const Project& project, const Connectivity& connectivity,
+               const Project::StepObserver& afterStep) {
   const auto copy = project.copy();
-  copy->PrepareSolve();
-  copy->Assemble();
+  Solver solver(*copy);
+  solver.Prepare();
+  solver.Assemble();
   const auto freedom = Freedom::of(*copy, connectivity);
 
   // Without a load all steps are the same, and the first one tells of everything.
   const bool unloaded = std::ranges::count(*project.F_I, 0.0) == std::ssize(*project.F_I);
-  auto outcome = copy->trySolve(afterStep, unloaded ? 1 : Project::iterationLimit);
-  if (outcome.fault) copy->Assemble();  // without what the solver lent
+  auto outcome = solver.Iterate(afterStep, unloaded ? 1 : Project::iterationLimit);
+  if (outcome.fault) solver.Assemble();  // without what the solver lent
   check.lacksMemory = outcome.fault && outcome.fault->kind == SolveFault::Kind::OutOfMemory;
   auto& findings = check.findings;
   append(findings, inspectLoads(*copy, outcome));
@@ -47,7 +50,7 @@ StructureCheck StructureCheck::of(const Project& project, const Project::StepObs
   StructureCheck check;
   const auto connectivity = Connectivity::of(project);
   check.findings = inspectModel(project, connectivity);
-  if (!check.endsProgram()) trySolve(check, project, connectivity, afterStep);
+  if (!check.endsProgram()) solveCopy(check, project, connectivity, afterStep);
   std::ranges::stable_sort(check.findings, {}, &Finding::consequence);
   return check;
 }

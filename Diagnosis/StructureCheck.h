@@ -6,6 +6,7 @@
 
 #include "DataModel/Connectivity.h"
 #include "DataModel/Project.h"
+#include "DataModel/SolveOutcome.h"
 #include "Diagnosis/Finding.h"
 
 /// A look at a structure before it is solved, and the solve itself on a copy, which ends nothing.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "DataModel/Solver.h"
 #include "Tests/Structures.h"
 
 namespace {
@@ -71,7 +72,7 @@ std::shared_ptr<Project> solvedCantilever() {
   clamp(*project, 0);
   project->setLoadAndRestraint(1, {1, 2, 0}, false, false, true);
   std::vector<double> norms;
-  EXPECT_EQ(project->trySolve([&norms](int, double norm) { norms.push_back(norm); }, 4).norms, norms);
+  EXPECT_EQ(Solver(*project).Solve([&norms](int, double norm) { norms.push_back(norm); }, 4).norms, norms);
   EXPECT_EQ(norms.size(), 4U);
   return project;
 }
@@ -156,8 +157,8 @@ TEST(Project, AnnouncesEachPropertyBeforeItChanges) {
       {"setLoadAndRestraint past the end", [](Project& p) { p.setLoadAndRestraint(2, {}, 1, 1, 1); }, 0, 0},
       {"edit", [](Project& p) { p.name.edit() = "other"; }, 1, 1},
       {"magnify", [](Project& p) { p.magnify = 3; }, 0, 0},
-      {"PrepareSolve", [](Project& p) { p.PrepareSolve(); }, 1, 1},
-      {"Assemble", [](Project& p) { p.PrepareSolve(), p.Assemble(); }, 3, 3},
+      {"Solver::Prepare", [](Project& p) { Solver(p).Prepare(); }, 1, 1},
+      {"Solver::Assemble", [](Project& p) { Solver(p).Prepare(), Solver(p).Assemble(); }, 3, 3},
       // U_I at first; both lists and U_I in each of 17 steps, as the beam halves the residual; both lists at the end.
       {"Solve", [](Project& p) { p.Solve(); }, 1 + 17 * 3 + 2, 3},
       {"takeSolution", [](Project& p) { p.takeSolution(std::move(*p.copy())); }, 3, 0},

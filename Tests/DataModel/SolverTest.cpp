@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "DataModel/Project.h"
+#include "DataModel/Solver.h"
 #include "Tests/Structures.h"
 
 namespace {
@@ -76,8 +76,9 @@ TEST(Solver, AssemblesBarsBeforeBeams) {
   addBeam(row, 1, 0, 0x1p53, false);
   addBar(row, 0, 1, 1);
   addBar(row, 0, 1, 1);
-  row.PrepareSolve();
-  row.Assemble();
+  Solver solver(row);
+  solver.Prepare();
+  solver.Assemble();
   EXPECT_EQ(row.H_II.values.front(), 0x1p53 + 2);
 }
 
@@ -86,12 +87,12 @@ TEST(Solver, AnnouncesDisplacementsBeforeTheyChange) {
   Row bar(2);
   addBar(bar, 0, 1, stiffness);
   bar.pull(1, 3);
-  static_cast<void>(bar.trySolve());
+  static_cast<void>(Solver(bar).Solve());
   const Numbers before = *bar.U_I;
   bar.dU_I.assign(12, 0);
   std::vector<std::pair<Numbers, Numbers>> seen;
   bar.observe([&] { seen.emplace_back(*bar.U_I, bar.dU_I); });
-  static_cast<void>(bar.trySolve({}, 1));
+  static_cast<void>(Solver(bar).Solve({}, 1));
   EXPECT_EQ(seen.front().first, before);
   EXPECT_THAT(seen.back().first, Each(0.0));
   EXPECT_EQ(seen.back().second, *bar.U_I);
@@ -154,6 +155,25 @@ struct Mechanism : Row {
   }
 };
 
+/// The first step of a solve takes what was assembled, a step by itself assembles.
+TEST(Solver, StepsOneByOneGiveWhatASolveGives) {
+  Mechanism stretched(stiffness);
+  clamp(stretched, 0);
+  stretched.trussElements.edit()[0].isNonLinear = true;
+  stretched.F_I.edit()[6] = stiffness;
+  stretched.D_I.edit()[7] = stretched.D_I.edit()[8] = true;
+  const auto whole = stretched.copy();
+  const auto norms = Solver(*whole).Solve().norms;
+  EXPECT_GT(norms.size(), 3U);
+  Solver(stretched).Prepare();
+  for (const double expected : norms) {
+    double norm = -1;
+    stretched.SolveOneStep(norm, stiffness);
+    EXPECT_EQ(norm, expected);
+  }
+  EXPECT_EQ(*stretched.U_I, *whole->U_I);
+}
+
 /// The factorization starts threads in some builds of its library, so deaths run in fresh processes.
 TEST(Solver, MatrixThatCannotBeFactorizedNamesTheNode) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -202,7 +222,8 @@ TEST(Solver, LossOfStiffnessInTheSecondStepNamesTheNode) {
 
 /// Rounding leaves a free bar a tiny stiffness where there is none, so that the factorization comes to an end.
 TEST(Solver, WarnsOnceOfAMechanismThatRoundingHides) {
-  const auto weakness = Mechanism(stiffness).trySolve().weakness;
+  Mechanism free(stiffness);
+  const auto weakness = Solver(free).Solve().weakness;
   ASSERT_TRUE(weakness);
   EXPECT_EQ(weakness->step, 1);
   EXPECT_TRUE(weakness->lasts);
