@@ -14,7 +14,7 @@ void check(benchmark::State& state) {
   const auto project = benchmarkLattice(static_cast<int>(state.range(0))).build();
   for ([[maybe_unused]] auto _ : state) {
     Stopwatch watch;
-    const auto found = StructureCheck::of(*project);
+    const auto found = StructureCheck::inspectAndSolve(*project);
     const double checked = watch.lap();
     const auto outcome = Solver(*project).Solve();
     const double solved = watch.lap();

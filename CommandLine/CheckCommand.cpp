@@ -55,7 +55,7 @@ int check(const CheckOptions& options) {
     std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
     return exitStatus::failure;
   }
-  const auto found = StructureCheck::of(**loaded);
+  const auto found = StructureCheck::inspectAndSolve(**loaded);
   if (found.lacksMemory) throw std::bad_alloc();
   const auto& findings = found.findings;
   std::fputs((options.json ? toJson(findings) : toText(findings)).c_str(), stdout);

@@ -46,7 +46,7 @@ bool StructureCheck::endsProgram() const {
   return std::ranges::count(findings, EndsProgram, &Finding::consequence) > 0;
 }
 
-StructureCheck StructureCheck::of(const Project& project, const Project::StepObserver& afterStep) {
+StructureCheck StructureCheck::inspectAndSolve(const Project& project, const Project::StepObserver& afterStep) {
   StructureCheck check;
   const auto connectivity = Connectivity::of(project);
   check.findings = inspectModel(project, connectivity);

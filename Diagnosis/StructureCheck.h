@@ -22,7 +22,8 @@ struct StructureCheck {
 
   /// Inspects the structure and, unless that shows that a solve is fatal or vain, solves a copy. `afterStep` hears of
   /// its steps. Prints nothing.
-  [[nodiscard]] static StructureCheck of(const Project& project, const Project::StepObserver& afterStep = {});
+  [[nodiscard]] static StructureCheck inspectAndSolve(const Project& project,
+                                                      const Project::StepObserver& afterStep = {});
 };
 
 /// What can be seen without a solve. If a solve would index what is not there, one of the findings ends the program.

@@ -86,7 +86,7 @@ void Calculation::calculate(bool heedsFindings, bool checksAgain) {
   if (running_) return;
   begin();
   if (checksAgain) {
-    trial_ = StructureCheck::of(**viewModel_->project, [this](int, double residual) { show(residual); });
+    trial_ = StructureCheck::inspectAndSolve(**viewModel_->project, [this](int, double residual) { show(residual); });
     checked_ = true;
     checkOutdated_ = false;
   }

@@ -31,7 +31,7 @@ TEST_P(OneFault, IsNamedAndForetold) {
   Triangle project;
   testing::internal::CaptureStdout();
   fault.plant(project);
-  const auto check = StructureCheck::of(project);
+  const auto check = StructureCheck::inspectAndSolve(project);
   testing::internal::GetCapturedStdout();
   ASSERT_EQ(check.findings.size(), 1u);
   const Finding& finding = check.findings.front();

@@ -199,7 +199,7 @@ TEST(RandomStructures, BehaveAsForetold) {
     const auto project = Draw(seed).structure();
     testing::internal::GetCapturedStdout();
     const auto happens = consequenceOfSolving(*project);
-    const auto check = StructureCheck::of(*project);
+    const auto check = StructureCheck::inspectAndSolve(*project);
     const auto& findings = check.findings;
     std::string texts;
     for (const Finding& finding : findings) {
@@ -219,7 +219,7 @@ TEST(RandomStructures, BehaveAsForetold) {
     for (const Finding& finding : findings) {
       const auto mended = project->copy();
       if (!mend(*mended, finding)) continue;
-      const auto after = StructureCheck::of(*mended).findings;
+      const auto after = StructureCheck::inspectAndSolve(*mended).findings;
       if (std::ranges::count(after, finding.text, &Finding::text) > 0) fail("not mended: " + finding.title);
     }
   }
@@ -240,7 +240,7 @@ TEST(ArraysOfAnyLength, BehaveAsForetold) {
           project.X_I.edit().resize(coordinates);
           project.F_I.edit().resize(static_cast<std::size_t>(loads), surplus);
           project.D_I.edit().resize(restraints, true);
-          const auto findings = StructureCheck::of(project).findings;
+          const auto findings = StructureCheck::inspectAndSolve(project).findings;
           const bool fits = coordinates == 9 && loads == 18 && restraints == 18;
           EXPECT_EQ(findings.empty(), fits);
           if (fits) continue;

@@ -19,7 +19,7 @@ TEST(StructureCheck, SolvesOnceWithTheNumbersAndLinesOfASolve) {
     project.setLoadAndRestraint(1, {}, true, true, true);
     project.setLoadAndRestraint(2, {0.01, kind.isCompressionOnly ? -0.02 : 0.02, 0}, false, false, true);
     testing::internal::CaptureStdout();
-    auto check = StructureCheck::of(project);
+    auto check = StructureCheck::inspectAndSolve(project);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_THAT(check.findings, IsEmpty());
     ASSERT_NE(check.solved, nullptr);
@@ -54,12 +54,12 @@ TEST(StructureCheck, SeesSupportsFromAnyDirection) {
     frame.setLoadAndRestraint(0, {}, true, true, true);
     frame.setLoadAndRestraint(1, {}, false, false, true);
     frame.setLoadAndRestraint(2, {1, 1, 0}, false, false, true);
-    const auto loose = StructureCheck::of(frame);
+    const auto loose = StructureCheck::inspectAndSolve(frame);
     ASSERT_EQ(loose.findings.size(), 1u) << angle;
     EXPECT_EQ(loose.findings[0].title, "Too few supports");
     EXPECT_THAT(loose.findings[0].text, HasSubstr("the structure is free to move or turn in 1 way,"));
     frame.setLoadAndRestraint(1, {}, std::abs(std::sin(angle)) > 0.5, std::abs(std::sin(angle)) < 0.6, true);
-    EXPECT_THAT(StructureCheck::of(frame).findings, IsEmpty()) << angle;
+    EXPECT_THAT(StructureCheck::inspectAndSolve(frame).findings, IsEmpty()) << angle;
   }
   Project row;
   row.addNode({0, 0, 0});
@@ -67,7 +67,7 @@ TEST(StructureCheck, SeesSupportsFromAnyDirection) {
   addBar(row, 0, 1, 100);
   row.setLoadAndRestraint(0, {}, true, true, true);
   row.setLoadAndRestraint(1, {1, 0, 0}, false, true, true);
-  EXPECT_THAT(StructureCheck::of(row).findings, IsEmpty());
+  EXPECT_THAT(StructureCheck::inspectAndSolve(row).findings, IsEmpty());
 }
 
 TEST(StructureCheck, BlamesABeamThatIsTheWrongWayRound) {
@@ -75,7 +75,7 @@ TEST(StructureCheck, BlamesABeamThatIsTheWrongWayRound) {
     Triangle project;
     project.addNode({x, 0, 0});
     addBeam(project, start, end, 1000, false);
-    const auto findings = StructureCheck::of(project).findings;
+    const auto findings = StructureCheck::inspectAndSolve(project).findings;
     ASSERT_EQ(findings.size(), 2u);
     EXPECT_EQ(findings[0].consequence, EndsProgram);
     EXPECT_THAT(findings[0].text, HasSubstr("since beam 0 is the wrong way round"));
@@ -93,13 +93,13 @@ TEST(StructureCheck, TellsOfLoosePartsOneByOne) {
   }
   project.setLoadAndRestraint(5, {}, true, true, true);
   project.setLoadAndRestraint(6, {}, false, true, true);
-  const auto findings = StructureCheck::of(project).findings;
+  const auto findings = StructureCheck::inspectAndSolve(project).findings;
   ASSERT_EQ(findings.size(), 1u);
   EXPECT_THAT(findings[0].text, HasSubstr("2 parts are free to move or turn as rigid bodies, the first, with nodes 3 "
                                           "and 4, in 3 independent ways"));
   EXPECT_THAT(findings[0].nodes, ElementsAre(3, 4, 7, 8));
   for (const int node : {3, 4}) project.setLoadAndRestraint(node, {}, true, true, true);
-  EXPECT_THAT(StructureCheck::of(project).findings.at(0).text,
+  EXPECT_THAT(StructureCheck::inspectAndSolve(project).findings.at(0).text,
               HasSubstr("the part with nodes 7 and 8 is free to move"));
 }
 
@@ -113,7 +113,7 @@ TEST(StructureCheck, BlamesTheBarThatLeavesAMechanismInALaterStep) {
     square.setLoadAndRestraint(0, {}, true, true, true);
     square.setLoadAndRestraint(1, {}, false, true, true);
     for (const int top : {2, 3}) square.setLoadAndRestraint(top, {1, 0, 0}, false, false, true);
-    const auto findings = StructureCheck::of(square).findings;
+    const auto findings = StructureCheck::inspectAndSolve(square).findings;
     ASSERT_EQ(findings.size(), 1u) << modulus;
     EXPECT_EQ(findings[0].title, "Compression-only bars have dropped out");
     EXPECT_THAT(findings[0].text, HasSubstr("In step 2 nothing holds node "));
@@ -129,7 +129,7 @@ TEST(StructureCheck, BlamesNoBeamForAMechanismOfBars) {
   clamp(square, 0);
   clamp(square, 1);
   for (const int top : {2, 3}) square.setLoadAndRestraint(top, {1, 0, 0}, false, false, true);
-  EXPECT_EQ(StructureCheck::of(square).findings.front().title, "Mechanism");
+  EXPECT_EQ(StructureCheck::inspectAndSolve(square).findings.front().title, "Mechanism");
 }
 
 TEST(StructureCheck, FindsNothingInWhatNoSolveStumblesOver) {
@@ -141,7 +141,7 @@ TEST(StructureCheck, FindsNothingInWhatNoSolveStumblesOver) {
   softFirstValue.setLoadAndRestraint(0, {}, true, true, true);
   softFirstValue.setLoadAndRestraint(1, {}, true, true, true);
   softFirstValue.setLoadAndRestraint(2, {1, 1, 0}, false, false, true);
-  const auto check = StructureCheck::of(softFirstValue);
+  const auto check = StructureCheck::inspectAndSolve(softFirstValue);
   EXPECT_THAT(check.findings, IsEmpty());
   ASSERT_NE(check.solved, nullptr);
   EXPECT_LT(check.norms.back(), Project::convergenceTolerance);
@@ -152,7 +152,7 @@ TEST(StructureCheck, TellsOfEveryFaultThatItCanSee) {
   addBar(project, 0, 1, 5);
   project.F_I.edit()[1] = 3;
   project.setLoadAndRestraint(1, {}, false, false, true);
-  const auto findings = StructureCheck::of(project).findings;
+  const auto findings = StructureCheck::inspectAndSolve(project).findings;
   std::vector<std::string> titles;
   for (const Finding& finding : findings) titles.push_back(finding.title);
   EXPECT_THAT(titles, testing::UnorderedElementsAre("Too few supports", "Loads on supports", "Repeated bars"));
