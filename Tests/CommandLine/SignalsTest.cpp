@@ -56,6 +56,7 @@ int run(const TemporaryFolder& folder, const std::string& command, const Blow& b
   return status;
 }
 
+/// A few signals for each command that writes, at random moments, or as many as GAVREL_SIGNALS asks for.
 class Signals : public testing::TestWithParam<const char*> {};
 
 TEST_P(Signals, LeaveTheOldFileOrTheNewOneAndNothingElse) {

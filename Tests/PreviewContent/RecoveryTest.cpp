@@ -183,12 +183,15 @@ TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
 TEST_F(RecoveryTest, DamagedFilesAreLeftAlone) {
   fs::create_directory(folder);
   files.put("recovery/a.recovery", "{\"sha256\":\"\"}\n{}");
+  const auto killed = files.put("recovery/.gavrel-99999999-0", "half a f");
+  fs::last_write_time(killed, fs::file_time_type::clock::now() - std::chrono::hours(1));
   RunningCopy copy(folder);
   testing::internal::CaptureStderr();
   copy.recovery.lookForOffer();
   EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("a.recovery is left alone"));
   EXPECT_FALSE(copy.recovery.hasOffer());
   EXPECT_EQ(recoveryFiles(folder).size(), 1);
+  EXPECT_FALSE(fs::exists(killed)) << "what a killed process has left of its writing";
 }
 
 TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
