@@ -140,7 +140,8 @@ std::optional<Failure> whyNotReplaceable(const path& requested) {
   }
   struct stat old {};
   const bool exists = ::stat(requested.c_str(), &old) == 0;
-  if (!exists && (errno != ENOENT || isDescriptor(followLinks(requested)))) return refuse(errno);
+  const int missing = exists ? 0 : errno;
+  if (!exists && (missing != ENOENT || isDescriptor(followLinks(requested)))) return refuse(missing);
   if (exists && S_ISDIR(old.st_mode)) return refuse(EISDIR);
   if (exists && ::access(requested.c_str(), W_OK) != 0) return refuse(errno);
   if (!exists && ::access(folderOf(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
