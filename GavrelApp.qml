@@ -37,15 +37,7 @@ ApplicationWindow {
         recovery.lookForOffer();
     }
 
-    onClosing: close => {
-        if (!asksBeforeClosing || !projectViewModel.hasUnsavedChanges)
-            return;
-        close.accepted = false;
-        content.whenSaved(() => {
-            projectViewModel.discardChanges();
-            Qt.quit();
-        });
-    }
+    onClosing: close => close.accepted = !asksBeforeClosing || content.files.mayQuit()
 
     DesktopAppearance {
         id: appearance
@@ -76,6 +68,14 @@ ApplicationWindow {
         covered: offer.presented || stayNotice.presented || updateSheet.presented || about.visible || controls.visible
     }
 
+    Connections {
+        target: content.files
+
+        function onQuitConfirmed() {
+            Qt.quit();
+        }
+    }
+
     AboutDialog {
         id: about
     }
@@ -95,7 +95,7 @@ ApplicationWindow {
             action: qsTr("Save")
             onActed: {
                 dismiss();
-                content.save();
+                content.files.save();
             }
         }
     }
@@ -103,7 +103,7 @@ ApplicationWindow {
     Sheet {
         id: offer
 
-        presented: window.recovery.hasOffer && !content.fileSheets.presented
+        presented: window.recovery.hasOffer && !content.files.interrupted
         onDismissed: window.recovery.postponeOffer()
 
         QuestionView {
@@ -117,8 +117,7 @@ ApplicationWindow {
             nothing: qsTr("Later")
             usual: qsTr("Restore")
             onLost: window.recovery.discardOffer()
-            onChosen: content.whenSaved(() => content.whenShowable(window.recovery.offeredName, window.recovery.offeredDanger,
-                () => window.recovery.restoreOffer()))
+            onChosen: content.files.restore(window.recovery)
         }
     }
 

@@ -78,16 +78,16 @@ GridLayout {
     Command {
         objectName: "save"
         text: qsTr("Save")
-        onClicked: root.commands.save()
+        onClicked: root.commands.files.save()
     }
     Command {
         objectName: "saveAs"
         text: qsTr("Save As...")
-        onClicked: root.commands.showSavePanel()
+        onClicked: root.commands.files.showSavePanel()
     }
     Command {
         objectName: "open"
         text: qsTr("Open...")
-        onClicked: root.commands.showOpenPanel()
+        onClicked: root.commands.files.showOpenPanel()
     }
 }

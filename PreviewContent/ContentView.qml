@@ -12,24 +12,19 @@ Item {
     property bool showingTrussConfigSheet: false
     property bool showingBeamConfigSheet: false
     property real displacementMagnification: 1.0
-    property var waitingAction: null
     property bool showingConvergence: false
-    property var filesToImport: []
-    property string notice: ""
     /// Set by the window while something of its own lies over this.
     property bool covered: false
 
     readonly property alias calculation: solver
     readonly property alias visualization: view
     readonly property alias dock: dataDock
-    readonly property alias fileSheets: files
-    readonly property alias filePanels: panels
+    readonly property alias files: flow
     readonly property bool compact: width < 1000
     readonly property bool narrow: width < 790
-    readonly property string plainName: projectViewModel.projectName.replace(/\//g, "-")
     /// Whether a sheet or panel is open, so that what lies behind it has to wait.
-    readonly property bool blocked: covered || view.showingSheet
-        || [forms, files, panels, convergence, importForm, noticeSheet, saveQuestion, endQuestion].some(sheet => sheet.presented)
+    readonly property bool blocked: covered || view.showingSheet || flow.busy
+        || [forms, convergence, endQuestion].some(sheet => sheet.presented)
 
     Keys.onEscapePressed: event => {
         event.accepted = projectViewModel.hasMarks;
@@ -48,88 +43,6 @@ Item {
 
     function toggleStrain() {
         projectViewModel.isStrainVisualizationActive = !projectViewModel.isStrainVisualizationActive;
-    }
-
-    function save() {
-        files.changeOnDisk = projectViewModel.changeOnDisk();
-        if (files.changeOnDisk === "")
-            write();
-    }
-
-    function write() {
-        if (projectViewModel.saveProject())
-            goOn();
-        else if (files.failedSave !== "")
-            files.asksForPlace = true;
-        else
-            showSavePanel();
-    }
-
-    function showSavePanel() {
-        panels.chooseForSaving(plainName + ".json");
-    }
-
-    function saveTo(file) {
-        if (projectViewModel.saveProject(file))
-            goOn();
-        else
-            waitingAction = null;
-    }
-
-    /// Does this at once, or when the user has answered what is to become of unsaved changes. Not if the answer is to stay.
-    function whenSaved(action) {
-        if (projectViewModel.hasUnsavedChanges)
-            waitingAction = action;
-        else
-            action();
-    }
-
-    function goOn() {
-        const action = waitingAction;
-        waitingAction = null;
-        if (action)
-            action();
-    }
-
-    /// Does this at once unless it shows a structure that ends the program, for which there is a reason then: asks first.
-    function whenShowable(name, danger, action) {
-        if (danger === "")
-            action();
-        else
-            files.askToShow(name, danger, action);
-    }
-
-    function newProject() {
-        whenSaved(() => projectViewModel.newProject());
-    }
-
-    function showOpenPanel() {
-        whenSaved(() => panels.chooseForOpening());
-    }
-
-    function open(url) {
-        whenSaved(() => projectViewModel.openProject(url));
-    }
-
-    function showImportPanel() {
-        panels.chooseForImport();
-    }
-
-    function exportNodes() {
-        panels.exportWith(file => notice = exchange.exportNodes(file), "nodes", "csv");
-    }
-
-    function exportElements() {
-        panels.exportWith(file => notice = exchange.exportElements(file), "elements", "csv");
-    }
-
-    function exportVtu() {
-        panels.exportWith(file => notice = exchange.exportVtu(file), plainName, "vtu");
-    }
-
-    function exportPicture() {
-        panels.exportWith(file => view.grabToImage(grabbed => notice = exchange.exportPicture(grabbed.image, file)),
-            plainName, "png");
     }
 
     function selectionMessage(nodes, mode) {
@@ -159,25 +72,19 @@ Item {
         }
     }
 
-    FileExchange {
-        id: exchange
+    FileFlow {
+        id: flow
 
         projectViewModel: root.projectViewModel
+        onPictureWanted: file => view.grabToImage(grabbed => writePicture(grabbed.image, file))
+        onEmptyStructureFilled: view.showWhole()
     }
 
     DropArea {
         anchors.fill: parent
         enabled: !root.blocked
         keys: ["text/uri-list"]
-        onDropped: drop => {
-            const urls = drop.urls.map(url => url);  // the event's own list goes with it
-            if (urls.every(url => /\.(csv|dxf)$/i.test(url)))
-                root.filesToImport = urls;
-            else if (urls.length === 1)
-                root.open(urls[0]);
-            else
-                StandardOutput.print("Drop one project file at a time.");
-        }
+        onDropped: drop => flow.drop(drop.urls)
     }
 
     Calculation {
@@ -286,61 +193,6 @@ Item {
     }
 
     Sheet {
-        id: importForm
-
-        presented: root.filesToImport.length > 0
-        onDismissed: root.filesToImport = []
-
-        ImportView {
-            files: root.filesToImport
-            onConfirmed: (area, youngModulus, isNonLinear) => {
-                const wasEmpty = root.projectViewModel.numberOfNodes === 0;
-                root.notice = exchange.importFiles(root.filesToImport, area, youngModulus, isNonLinear);
-                if (wasEmpty)
-                    view.showWhole();
-                dismiss();
-            }
-        }
-    }
-
-    Sheet {
-        id: noticeSheet
-
-        presented: root.notice !== ""
-        onDismissed: root.notice = ""
-
-        NoticeView {
-            text: root.notice
-        }
-    }
-
-    FileSheets {
-        id: files
-
-        projectViewModel: root.projectViewModel
-        onOverwriteChosen: root.write()
-        onPlaceRequested: root.showSavePanel()
-        onCancelled: root.waitingAction = null
-    }
-
-    Sheet {
-        id: saveQuestion
-
-        presented: root.waitingAction !== null && !panels.savingFile && !files.presented
-        onDismissed: root.waitingAction = null
-
-        QuestionView {
-            question: qsTr("Save the changes to “%1”?").arg(root.projectViewModel.currentFileName || root.projectViewModel.projectName)
-            explanation: qsTr("They are lost otherwise.")
-            losing: qsTr("Discard")
-            nothing: qsTr("Cancel")
-            usual: qsTr("Save")
-            onLost: root.goOn()
-            onChosen: root.save()
-        }
-    }
-
-    Sheet {
         id: endQuestion
 
         presented: solver.reasonToEnd !== ""
@@ -357,13 +209,7 @@ Item {
         }
     }
 
-    FilePanels {
-        id: panels
-
-        projectViewModel: root.projectViewModel
-        onSaveChosen: file => root.saveTo(file)
-        onCancelled: root.waitingAction = null
-        onOpenChosen: file => root.projectViewModel.openProject(file)
-        onImportChosen: files => root.filesToImport = files
+    FileSheets {
+        flow: flow
     }
 }

@@ -26,7 +26,7 @@ QString FileExchange::importFiles(const QList<QUrl>& files, double area, double 
   std::vector<std::filesystem::path> paths;
   for (const QUrl& file : files) paths.push_back(pathOf(file).value_or(file.toString().toStdString()));
   const auto outcome =
-      viewModel_->importFiles(paths, {.area = area, .youngModulus = youngModulus, .isNonLinear = isNonLinear});
+      viewModel_.importFiles(paths, {.area = area, .youngModulus = youngModulus, .isNonLinear = isNonLinear});
   if (!outcome) return tr("Nothing was imported.\n\n%1").arg(QString::fromStdString(outcome.failure().reason));
   QString remarks;
   for (const std::string& remark : outcome->remarks) remarks += "\n" + QString::fromStdString(remark);
@@ -59,6 +59,5 @@ QString FileExchange::exportPicture(const QImage& picture, const QUrl& file) {
 
 QString FileExchange::write(Write write, const QUrl& file) {
   const auto path = *pathOf(file);
-  return report(write(**viewModel_->project, path, viewModel_->hasResults() ? Results::written : Results::leftOut),
-                path);
+  return report(write(**viewModel_.project, path, viewModel_.hasResults() ? Results::written : Results::leftOut), path);
 }

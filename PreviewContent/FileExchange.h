@@ -1,9 +1,8 @@
 #pragma once
 
-#include <qqml.h>
+#include <QCoreApplication>
 #include <QImage>
 #include <QList>
-#include <QObject>
 #include <QString>
 #include <QUrl>
 
@@ -11,26 +10,25 @@
 #include "PreviewContent/ProjectViewModel.h"
 
 /// Files from and for other programs. Each operation returns what its user should read; empty if all went well.
-class FileExchange : public QObject {
-  Q_OBJECT
-  QML_ELEMENT
-  Q_PROPERTY(ProjectViewModel* projectViewModel MEMBER viewModel_ REQUIRED)
+class FileExchange {
+  Q_DECLARE_TR_FUNCTIONS(FileExchange)
 
  public:
-  using QObject::QObject;
+  /// Into and from the view model's project. The view model outlives this.
+  explicit FileExchange(ProjectViewModel& viewModel) : viewModel_(viewModel) {}
 
   /// Members of which a file tells neither get this cross-section and Young's modulus.
-  Q_INVOKABLE QString importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear);
+  [[nodiscard]] QString importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear);
 
-  Q_INVOKABLE QString exportNodes(const QUrl& file);
-  Q_INVOKABLE QString exportElements(const QUrl& file);
-  Q_INVOKABLE QString exportVtu(const QUrl& file);
+  [[nodiscard]] QString exportNodes(const QUrl& file);
+  [[nodiscard]] QString exportElements(const QUrl& file);
+  [[nodiscard]] QString exportVtu(const QUrl& file);
   /// As PNG.
-  Q_INVOKABLE QString exportPicture(const QImage& picture, const QUrl& file);
+  [[nodiscard]] QString exportPicture(const QImage& picture, const QUrl& file);
 
  private:
   using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&, Results);
   QString write(Write write, const QUrl& file);
 
-  ProjectViewModel* viewModel_ = nullptr;
+  ProjectViewModel& viewModel_;
 };

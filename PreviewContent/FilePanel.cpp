@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QMetaEnum>
 #include <QPalette>
 #include <QQuickItem>
@@ -29,13 +28,13 @@ QPalette colorsOf(const QObject& quickPalette) {
   return palette;
 }
 
-QFileDialog::FileMode modeFor(FilePanel::Purpose purpose) {
+QFileDialog::FileMode modeFor(FileRequest::Purpose purpose) {
   switch (purpose) {
-    case FilePanel::OpenOne:
+    case FileRequest::OpenOne:
       return QFileDialog::ExistingFile;
-    case FilePanel::OpenMany:
+    case FileRequest::OpenMany:
       return QFileDialog::ExistingFiles;
-    case FilePanel::Save:
+    case FileRequest::Save:
       break;
   }
   return QFileDialog::AnyFile;
@@ -47,22 +46,19 @@ FilePanel::~FilePanel() {
   delete dialog_;
 }
 
-bool FilePanel::exists(const QUrl& file) {
-  return QFileInfo::exists(file.toLocalFile());
-}
-
-void FilePanel::open(const QUrl& folder, const QString& name) {
+void FilePanel::open(const FileRequest& request) {
   if (visible()) return;
-  dialog_ = new QFileDialog(nullptr, title_);
+  dialog_ = new QFileDialog(nullptr, request.title);
   dialog_->setOption(QFileDialog::DontConfirmOverwrite);
   dialog_->setSupportedSchemes({QStringLiteral("file")});
-  dialog_->setAcceptMode(purpose_ == Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-  dialog_->setFileMode(modeFor(purpose_));
-  dialog_->setNameFilters(nameFilters_);
-  dialog_->setDefaultSuffix(defaultSuffix_);
-  dialog_->setDirectoryUrl(QDir(folder.toLocalFile()).exists() ? folder : QUrl::fromLocalFile(QDir::homePath()));
-  if (!name.isEmpty()) dialog_->selectFile(name);
-  if (!acceptLabel_.isEmpty()) dialog_->setLabelText(QFileDialog::Accept, acceptLabel_);
+  dialog_->setAcceptMode(request.purpose == FileRequest::Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog_->setFileMode(modeFor(request.purpose));
+  dialog_->setNameFilters(request.nameFilters);
+  dialog_->setDefaultSuffix(request.suffix);
+  const bool isThere = QDir(request.folder.toLocalFile()).exists();
+  dialog_->setDirectoryUrl(isThere ? request.folder : QUrl::fromLocalFile(QDir::homePath()));
+  if (!request.name.isEmpty()) dialog_->selectFile(request.name);
+  if (!request.acceptLabel.isEmpty()) dialog_->setLabelText(QFileDialog::Accept, request.acceptLabel);
   if (palette_ != nullptr) dialog_->setPalette(colorsOf(*palette_));
   connect(dialog_, &QFileDialog::finished, this, &FilePanel::finish);
 
@@ -71,7 +67,6 @@ void FilePanel::open(const QUrl& folder, const QString& name) {
   dialog_->windowHandle()->setTransientParent(owner());
   dialog_->show();
   dialog_->activateWindow();
-  emit visibleChanged();
 }
 
 QWindow* FilePanel::owner() const {
@@ -89,5 +84,4 @@ void FilePanel::finish(int result) {
   } else {
     emit rejected();
   }
-  emit visibleChanged();
 }

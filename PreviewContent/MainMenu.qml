@@ -55,12 +55,12 @@ MenuBar {
         Command {
             text: qsTr("&New")
             shortcut: StandardKey.New
-            onTriggered: root.content.newProject()
+            onTriggered: root.content.files.newProject()
         }
         Command {
             text: qsTr("&Open…")
             shortcut: StandardKey.Open
-            onTriggered: root.content.showOpenPanel()
+            onTriggered: root.content.files.showOpenPanel()
         }
         CommandMenu {
             id: recent
@@ -83,7 +83,7 @@ MenuBar {
                     ToolTip.visible: hovered
                     ToolTip.delay: 600
                     // Later: opening makes the list anew, and the menu must have closed before.
-                    onTriggered: Qt.callLater(root.content.open, root.recentFiles.url(modelData))
+                    onTriggered: Qt.callLater(root.content.files.open, root.recentFiles.url(modelData))
                 }
             }
 
@@ -96,43 +96,43 @@ MenuBar {
         Command {
             text: qsTr("&Restore Previous Structure")
             enabled: !root.content.blocked && root.content.projectViewModel.hasPrevious
-            onTriggered: root.content.whenSaved(() => root.content.projectViewModel.restorePrevious())
+            onTriggered: root.content.files.restorePrevious()
         }
         MenuSeparator {}
         Command {
             text: qsTr("&Save")
             shortcut: StandardKey.Save
-            onTriggered: root.content.save()
+            onTriggered: root.content.files.save()
         }
         Command {
             text: qsTr("Save &As…")
             shortcut: "Ctrl+Shift+S"
-            onTriggered: root.content.showSavePanel()
+            onTriggered: root.content.files.showSavePanel()
         }
         MenuSeparator {}
         Command {
             text: qsTr("&Import…")
             shortcut: "Ctrl+I"
-            onTriggered: root.content.showImportPanel()
+            onTriggered: root.content.files.showImportPanel()
         }
         CommandMenu {
             title: qsTr("&Export")
 
             Command {
                 text: qsTr("&Node Table (CSV)…")
-                onTriggered: root.content.exportNodes()
+                onTriggered: root.content.files.exportNodes()
             }
             Command {
                 text: qsTr("&Element Table (CSV)…")
-                onTriggered: root.content.exportElements()
+                onTriggered: root.content.files.exportElements()
             }
             Command {
                 text: qsTr("&ParaView Grid (VTU)…")
-                onTriggered: root.content.exportVtu()
+                onTriggered: root.content.files.exportVtu()
             }
             Command {
                 text: qsTr("P&icture (PNG)…")
-                onTriggered: root.content.exportPicture()
+                onTriggered: root.content.files.exportPicture()
             }
         }
     }

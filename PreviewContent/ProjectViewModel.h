@@ -38,7 +38,6 @@ class ProjectViewModel : public QObject {
                  isStrainVisualizationActiveChanged)
   Q_PROPERTY(QString currentFileName READ currentFileName NOTIFY currentFileChanged)
   Q_PROPERTY(bool currentFileHoldsIt READ currentFileHoldsIt NOTIFY currentFileHoldsItChanged)
-  Q_PROPERTY(QUrl currentFolder READ currentFolder NOTIFY currentFileChanged)
   Q_PROPERTY(bool hasUnsavedChanges READ hasUnsavedChanges NOTIFY unsavedChangesChanged)
   Q_PROPERTY(bool hasPrevious READ hasPrevious NOTIFY projectChanged)
   Q_PROPERTY(bool hasMarks READ hasMarks NOTIFY marksChanged)
@@ -104,7 +103,7 @@ class ProjectViewModel : public QObject {
   /// `openAnyway` is called.
   bool openProject(const std::optional<std::filesystem::path>& source);
   Q_INVOKABLE bool openProject(const QUrl& source);
-  Q_INVOKABLE void openAnyway() { loadProject(heldBack_); }
+  void openAnyway() { loadProject(heldBack_); }
 
   /// Starts again with an empty project without a file, in normal mode with nothing selected.
   Q_INVOKABLE void newProject();
@@ -113,13 +112,18 @@ class ProjectViewModel : public QObject {
   void restore(std::shared_ptr<Project> structure, const Origin& origin);
 
   /// Brings back what a file that could not be read has replaced.
-  Q_INVOKABLE void restorePrevious();
+  void restorePrevious();
   [[nodiscard]] bool hasPrevious() const { return previous_.has_value(); }
 
   /// What others have done to the current file since it was read or written here: "changed", "removed" or nothing.
-  [[nodiscard]] Q_INVOKABLE QString changeOnDisk() const;
+  [[nodiscard]] QString changeOnDisk() const;
   /// The current file and its state when it was last read or written.
   [[nodiscard]] Origin origin() const { return {currentFileUrl, currentFileStamp_}; }
+  [[nodiscard]] QString projectName() const;
+  /// Without its folder; empty if there is none.
+  [[nodiscard]] QString currentFileName() const;
+  /// Where the user's files are likely to be: beside the current one, or among the documents.
+  [[nodiscard]] QUrl currentFolder() const;
   /// Whether the current file, if there is one, has ever held this structure: not if it could not be written.
   [[nodiscard]] bool currentFileHoldsIt() const { return currentFileUrl == fileThatHoldsIt_; }
 
@@ -239,8 +243,4 @@ class ProjectViewModel : public QObject {
   [[nodiscard]] bool strainActive() const { return *isStrainVisualizationActive; }
   [[nodiscard]] qint64 nodeCounter() const { return *numberOfNodes; }
   [[nodiscard]] qint64 numberOfElements() const;
-  [[nodiscard]] QString projectName() const;
-  [[nodiscard]] QString currentFileName() const;
-  /// Where the user's files are likely to be: beside the current one, or among the documents.
-  [[nodiscard]] QUrl currentFolder() const;
 };

@@ -31,7 +31,6 @@ class Recovery : public QObject {
   Q_PROPERTY(qint64 offeredNodes READ offeredNodes NOTIFY offerChanged)
   Q_PROPERTY(qint64 offeredElements READ offeredElements NOTIFY offerChanged)
   Q_PROPERTY(QString offeredReason READ offeredReason NOTIFY offerChanged)
-  Q_PROPERTY(QString offeredDanger READ offeredDanger NOTIFY offerChanged)
   Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
 
  public:
@@ -44,7 +43,7 @@ class Recovery : public QObject {
 
   /// Looks for what a process that is gone has left, the newest first, and offers it.
   Q_INVOKABLE void lookForOffer();
-  Q_INVOKABLE void restoreOffer();
+  void restoreOffer();
   Q_INVOKABLE void discardOffer();
   /// Leaves it for another time.
   Q_INVOKABLE void postponeOffer();

@@ -20,13 +20,14 @@ class FilePanelTest : public testing::Test {
  protected:
   FilePanelTest() {
     for (const auto* name : {"a.csv", "b.csv", "c.json"}) folder_.put(name, "old");
-    panel_.setProperty("nameFilters", QStringList{"CSV (*.csv)"});
-    panel_.setProperty("defaultSuffix", "csv");
   }
 
-  QFileDialog& open(FilePanel::Purpose purpose, const QString& name = {}) {
-    panel_.setProperty("purpose", purpose);
-    panel_.open(QUrl::fromLocalFile(QString::fromStdString(folder_.path().string())), name);
+  QFileDialog& open(FileRequest::Purpose purpose, const QString& name = {}) {
+    panel_.open({.purpose = purpose,
+                 .nameFilters = {"CSV (*.csv)"},
+                 .suffix = "csv",
+                 .name = name,
+                 .folder = QUrl::fromLocalFile(QString::fromStdString(folder_.path().string()))});
     auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr) throw std::runtime_error("no panel has opened");
     return *dialog;
@@ -52,7 +53,7 @@ class FilePanelTest : public testing::Test {
 };
 
 TEST_F(FilePanelTest, ReturnInTheNameTakesItWithItsSuffixAndReplacesNothing) {
-  QFileDialog& dialog = open(FilePanel::Save, "proposed.csv");
+  QFileDialog& dialog = open(FileRequest::Save, "proposed.csv");
   EXPECT_TRUE(panel_.visible());
   EXPECT_EQ(dialog.findChild<QLineEdit*>()->selectedText(), "proposed.csv");
   typeName(dialog, "a");
@@ -63,13 +64,13 @@ TEST_F(FilePanelTest, ReturnInTheNameTakesItWithItsSuffixAndReplacesNothing) {
 }
 
 TEST_F(FilePanelTest, SeveralFilesCanBeOpenedWhereThatMakesSense) {
-  QFileDialog& many = open(FilePanel::OpenMany);
+  QFileDialog& many = open(FileRequest::OpenMany);
   auto* const view = many.findChild<QAbstractItemView*>("listView");
   ASSERT_TRUE(QTest::qWaitFor([&] { return view->model()->rowCount(view->rootIndex()) == 2; }));
   view->selectAll();
   QTest::keyClick(many.findChild<QLineEdit*>(), Qt::Key_Return);
   EXPECT_EQ(chosen(), (QStringList{"a.csv", "b.csv"}));
-  QFileDialog& one = open(FilePanel::OpenOne);
+  QFileDialog& one = open(FileRequest::OpenOne);
   EXPECT_EQ(one.fileMode(), QFileDialog::ExistingFile);
   QTest::keyClick(&one, Qt::Key_Escape);
   EXPECT_EQ(rejected_.size(), 1);
@@ -77,7 +78,7 @@ TEST_F(FilePanelTest, SeveralFilesCanBeOpenedWhereThatMakesSense) {
 }
 
 TEST_F(FilePanelTest, ShowsFilesOfItsKindOnlyAndOffersToMakeAFolder) {
-  QFileDialog& dialog = open(FilePanel::Save);
+  QFileDialog& dialog = open(FileRequest::Save);
   const auto* const view = dialog.findChild<QAbstractItemView*>("listView");
   const auto names = [view] {
     QStringList all;
@@ -93,8 +94,8 @@ TEST_F(FilePanelTest, ShowsFilesOfItsKindOnlyAndOffersToMakeAFolder) {
 }
 
 TEST_F(FilePanelTest, ASecondOneIsNotOpenedBesideIt) {
-  QFileDialog& first = open(FilePanel::Save);
-  EXPECT_EQ(&open(FilePanel::Save), &first);
+  QFileDialog& first = open(FileRequest::Save);
+  EXPECT_EQ(&open(FileRequest::Save), &first);
   QTest::keyClick(&first, Qt::Key_Escape);
   EXPECT_EQ(rejected_.size(), 1);
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);

@@ -4,6 +4,7 @@
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
+#include <QFile>
 #include <QMimeData>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -30,6 +31,7 @@ class Drops : public QObject {
   Q_INVOKABLE [[nodiscard]] QUrl temporaryFile(const QString& name) const {
     return QUrl::fromLocalFile(folder_.filePath(name));
   }
+  Q_INVOKABLE void remove(const QString& name) const { QFile::remove(folder_.filePath(name)); }
 
  private:
   QTemporaryDir folder_;

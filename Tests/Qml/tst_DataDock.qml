@@ -247,17 +247,17 @@ ProjectCase {
     }
 
     function test_importTellsWhatItPassedOver() {
-        content.filesToImport = [Qt.resolvedUrl("members.csv"), Qt.resolvedUrl("nodes.csv")];
+        content.files.drop([Qt.resolvedUrl("members.csv"), Qt.resolvedUrl("nodes.csv")]);
         keyClick(Qt.Key_Return);
-        compare(content.filesToImport, []);
+        compare(content.files.filesToImport, []);
         compare([model.numberOfNodes, model.numberOfElements], [2, 1]);
         verify(model.hasUnsavedChanges);
-        verify(content.notice.includes("The column \"colour\" is passed over."), content.notice);
+        verify(content.files.prompt.text.includes("The column \"colour\" is passed over."), content.files.prompt.text);
         keyClick(Qt.Key_Escape);
-        compare(content.notice, "");
-        content.filesToImport = [Qt.resolvedUrl("members.csv")];
+        verify(!content.blocked);
+        content.files.drop([Qt.resolvedUrl("members.csv")]);
         keyClick(Qt.Key_Return);
-        verify(content.notice.includes("members.csv, line 2, column end: there is no node 2"), content.notice);
+        verify(content.files.prompt.text.includes("members.csv, line 2, column end: there is no node 2"), content.files.prompt.text);
         compare(model.numberOfElements, 1);
     }
 }

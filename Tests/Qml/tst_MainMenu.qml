@@ -123,10 +123,8 @@ ProjectCase {
             { tag: "truss form", open: () => content.showingTrussConfigSheet = true },
             { tag: "beam form", open: () => content.showingBeamConfigSheet = true },
             { tag: "convergence", open: () => content.showingConvergence = true },
-            { tag: "import", open: () => content.filesToImport = [Qt.resolvedUrl("nodes.csv")] },
-            { tag: "notice", open: () => content.notice = "Something" },
-            { tag: "unsaved changes", open: () => content.whenSaved(() => {}) },
-            { tag: "existing file", open: () => content.filePanels.writeTo(Qt.resolvedUrl("nodes.csv"), null, null) },
+            { tag: "import", open: () => content.files.drop([Qt.resolvedUrl("nodes.csv")]) },
+            { tag: "unsaved changes", open: () => content.files.newProject() },
             { tag: "node", open: () => content.visualization.selectedNode = 0 },
             { tag: "element", open: () => content.visualization.selectedElement = 0 },
         ];
@@ -174,63 +172,33 @@ ProjectCase {
         model.discardChanges();
     }
 
-    function test_anExistingFileIsReplacedOnlyIfItsUserSaysSo() {
-        const written = [];
-        const asked = [];
-        const panel = { open: (folder, name) => asked.push(name) };
-        const write = file => written.push(file);
-        content.filePanels.writeTo(Qt.resolvedUrl("not-there.csv"), write, panel);
-        compare(written, [Qt.resolvedUrl("not-there.csv")]);
-        const there = Qt.resolvedUrl("nodes.csv");
-        const answers = [[() => keyClick(Qt.Key_Escape), 1, 0], [() => keyClick(Qt.Key_Return), 1, 1],
-                         [() => mouseClick(findChild(content.Overlay.overlay, "losing")), 2, 1]];
-        for (const [answer, writes, asks] of answers) {
-            content.filePanels.writeTo(there, write, panel);
-            compare(written.length, writes === 2 ? 1 : writes);
-            verify(content.blocked);
-            answer();
-            compare(written.length, writes);
-            compare(asked.length, asks);
-            verify(!content.blocked);
-        }
-        compare(asked, ["nodes.csv"]);
-    }
-
     function test_newAsksBeforeItEmptiesTheStructure() {
         model.newProject();
         model.addNode(1, 2, 3, false);
         model.appMode = AppMode.addingBeam;
         action(1, "New").trigger();
-        compare(model.numberOfNodes, 1);
+        verify(content.blocked);
         keyClick(Qt.Key_Escape);
-        tryCompare(content, "waitingAction", null);
         compare(model.numberOfNodes, 1);
-        verify(model.hasUnsavedChanges);
-
+        verify(model.hasUnsavedChanges && !content.blocked);
         action(1, "New").trigger();
-        content.goOn();
+        mouseClick(findChild(content.Overlay.overlay, "losing"));
         compare(model.numberOfNodes, 0);
         compare(model.appMode, AppMode.normal);
         verify(!model.hasUnsavedChanges);
-        model.addNode(1, 2, 3, false);
-        model.discardChanges();
-        action(1, "New").trigger();
-        compare(model.numberOfNodes, 0);
     }
 
-    function test_aFailedOpenCanBeTakenBack() {
+    function test_whatAFailedOpenHasReplacedCanBeRestored() {
         model.newProject();
         verify(!action(1, "Restore Previous Structure").enabled);
         model.addNode(1, 2, 3, false);
-        standardOutput.start();
-        model.loadProject("file:///does/not/exist.json");
-        standardOutput.stop();
-        compare(model.numberOfNodes, 0);
-        verify(content.fileSheets.presented);
+        printed(() => model.loadProject("file:///does/not/exist.json"));
+        verify(content.blocked);
         keyClick(Qt.Key_Escape);
-        verify(!content.fileSheets.presented);
+        verify(!content.blocked);
         action(1, "Restore Previous Structure").trigger();
         compare(model.numberOfNodes, 1);
         verify(!action(1, "Restore Previous Structure").enabled);
+        model.discardChanges();
     }
 }
