@@ -238,7 +238,7 @@ TEST(ProjectViewModel, SavesAndLoads) {
   }
   model.loadProject(folder / "a b.json");
   EXPECT_EQ(model.currentFileUrl, folder / "a b.json");
-  EXPECT_EQ(model.property("currentFolder").toUrl().toLocalFile().toStdString(), folder.path());
+  EXPECT_EQ(model.currentFolder().toLocalFile().toStdString(), folder.path());
   EXPECT_EQ(*model.numberOfNodes, 2);
   EXPECT_EQ(stateOf(model), state);
 
