@@ -17,6 +17,15 @@ ApplicationWindow {
     /// Why the program has not ended for an update that is installed.
     property string staysBecause
 
+    // Of the window, not of an item in it: the shortcuts of those that may be chosen then work below a sheet, too.
+    readonly property Actions actions: Actions {
+        content: content
+        updateManager: window.updateManager
+        onAboutRequested: about.open()
+        onHelpRequested: controls.open()
+        onUpdateCheckRequested: window.updateManager.checkForUpdates(true)
+    }
+
     readonly property bool shouldShowUpdateSheet: ["checking", "updateAvailable", "downloading", "downloaded", "installing",
         "error"].includes(updateManager.state.name)
 
@@ -52,12 +61,8 @@ ApplicationWindow {
     }
 
     menuBar: MainMenu {
-        content: content
+        actions: window.actions
         recentFiles: window.recentFiles
-        updateManager: window.updateManager
-        onAboutRequested: about.open()
-        onHelpRequested: controls.open()
-        onCheckForUpdates: window.updateManager.checkForUpdates(true)
     }
 
     ContentView {
@@ -65,6 +70,7 @@ ApplicationWindow {
 
         anchors.fill: parent
         projectViewModel: window.projectViewModel
+        actions: window.actions
         covered: offer.presented || stayNotice.presented || updateSheet.presented || about.visible || controls.visible
     }
 

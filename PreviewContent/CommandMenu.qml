@@ -5,7 +5,22 @@ import QtQuick.Controls
 Menu {
     id: root
 
+    /// Actions and menus; null is a line between them.
+    property var entries: []
+    readonly property Component separator: MenuSeparator {}
+
     width: 260
+
+    Component.onCompleted: {
+        for (const entry of entries) {
+            if (entry === null)
+                addItem(separator.createObject(contentItem));
+            else if (entry instanceof Menu)
+                addMenu(entry);
+            else
+                addAction(entry);
+        }
+    }
 
     delegate: MenuItem {
         id: item

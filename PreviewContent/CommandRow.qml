@@ -8,11 +8,9 @@ import Gavrel.Views
 GridLayout {
     id: root
 
-    required property Item commands
+    required property Actions actions
     property bool compact: false
     property bool narrow: false
-    readonly property ProjectViewModel model: commands.projectViewModel
-    readonly property bool enoughNodes: model.selectedNodesForTruss.length >= 2
 
     readonly property int buttonPadding: compact ? 5 : 12
     readonly property int buttonFont: compact ? 12 : 13
@@ -22,72 +20,64 @@ GridLayout {
     rowSpacing: columnSpacing
 
     component Command: Button {
+        required property Actions.Command command
+
         Layout.fillWidth: root.narrow
         implicitWidth: implicitContentWidth + leftPadding + rightPadding
         horizontalPadding: root.buttonPadding
         verticalPadding: 6
         font.pixelSize: root.buttonFont
         focusPolicy: Qt.TabFocus
+        text: command.label
+        enabled: command.available
+        onClicked: command.trigger()
     }
 
     Command {
         objectName: "addNode"
-        text: qsTr("Add Node")
-        onClicked: root.commands.addNode()
+        command: root.actions.addNode
     }
     Command {
         objectName: "selectForTruss"
-        text: root.model.appMode === AppMode.addingTruss ? qsTr("Done Selecting") : qsTr("Select for Truss")
-        enabled: root.model.appMode !== AppMode.addingBeam
-        onClicked: root.commands.toggleMode(AppMode.addingTruss)
+        command: root.actions.selectForTruss
     }
     Command {
         objectName: "selectForBeam"
-        text: root.model.appMode === AppMode.addingBeam ? qsTr("Done Selecting") : qsTr("Select for Beam")
-        enabled: root.model.appMode !== AppMode.addingTruss
-        onClicked: root.commands.toggleMode(AppMode.addingBeam)
+        command: root.actions.selectForBeam
     }
     Command {
         objectName: "addTruss"
-        text: qsTr("Add Truss")
-        enabled: root.enoughNodes && root.model.appMode === AppMode.addingTruss
-        onClicked: root.commands.showingTrussConfigSheet = true
+        command: root.actions.addTruss
     }
     Command {
         objectName: "addBeam"
-        text: qsTr("Add Beam")
-        enabled: root.enoughNodes && root.model.appMode === AppMode.addingBeam
-        onClicked: root.commands.showingBeamConfigSheet = true
+        command: root.actions.addBeam
     }
     Command {
         objectName: "calculate"
-        text: qsTr("Calculate")
-        onClicked: root.commands.calculation.run()
+        command: root.actions.calculate
     }
     ProminentButton {
         objectName: "showStrain"
         Layout.fillWidth: root.narrow
-        text: qsTr("Show Strain")
         implicitWidth: implicitContentWidth + leftPadding + rightPadding
         horizontalPadding: root.buttonPadding
         verticalPadding: 6
         font.pixelSize: root.buttonFont
         focusPolicy: Qt.TabFocus
-        onClicked: root.commands.toggleStrain()
+        text: root.actions.showStrain.label
+        onClicked: root.actions.showStrain.trigger()
     }
     Command {
         objectName: "save"
-        text: qsTr("Save")
-        onClicked: root.commands.files.save()
+        command: root.actions.save
     }
     Command {
         objectName: "saveAs"
-        text: qsTr("Save As...")
-        onClicked: root.commands.files.showSavePanel()
+        command: root.actions.saveAs
     }
     Command {
         objectName: "open"
-        text: qsTr("Open...")
-        onClicked: root.commands.files.showOpenPanel()
+        command: root.actions.open
     }
 }

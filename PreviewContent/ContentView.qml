@@ -8,6 +8,7 @@ Item {
     id: root
 
     required property ProjectViewModel projectViewModel
+    required property Actions actions
     property bool showingAddNodeSheet: false
     property bool showingTrussConfigSheet: false
     property bool showingBeamConfigSheet: false
@@ -29,20 +30,6 @@ Item {
     Keys.onEscapePressed: event => {
         event.accepted = projectViewModel.hasMarks;
         projectViewModel.clearMarks();
-    }
-
-    function toggleMode(target) {
-        projectViewModel.appMode = projectViewModel.appMode === AppMode.normal ? target : AppMode.normal;
-        projectViewModel.selectedNodesForTruss = [];
-    }
-
-    function addNode() {
-        projectViewModel.appMode = AppMode.normal;
-        showingAddNodeSheet = true;
-    }
-
-    function toggleStrain() {
-        projectViewModel.isStrainVisualizationActive = !projectViewModel.isStrainVisualizationActive;
     }
 
     function selectionMessage(nodes, mode) {
@@ -167,7 +154,7 @@ Item {
 
         CommandRow {
             Layout.alignment: Qt.AlignHCenter
-            commands: root
+            actions: root.actions
             compact: root.compact
             narrow: root.narrow
         }

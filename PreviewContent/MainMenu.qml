@@ -1,73 +1,33 @@
 import QtQuick
 import QtQuick.Controls
 import Gavrel.PreviewContent
-import Gavrel.Views
 
 /// The menu bar of the main window. While a sheet or panel is open, nothing but Quit, which asks, can be chosen.
 MenuBar {
     id: root
 
-    required property ContentView content
+    required property Actions actions
     property RecentFiles recentFiles: null
-    property UpdateManager updateManager: null
-    readonly property VisualizationView visualization: content.visualization
 
-    enabled: !content.blocked
-
-    component Command: Action {
-        enabled: !root.content.blocked
-    }
-
-    signal checkForUpdates()
-    signal aboutRequested()
-    signal helpRequested()
+    enabled: !actions.content.blocked
 
     CommandMenu {
         title: qsTr("&Gavrel")
-
-        Command {
-            text: qsTr("&About Gavrel")
-            onTriggered: root.aboutRequested()
-        }
-        Command {
-            text: qsTr("Check for &Updates...")
-            shortcut: "Ctrl+U"
-            onTriggered: root.checkForUpdates()
-        }
-        Command {
-            text: qsTr("Check for Updates at &Start")
-            enabled: !root.content.blocked && root.updateManager !== null
-            checkable: true
-            checked: root.updateManager !== null && root.updateManager.checksAtStart
-            onToggled: root.updateManager.checksAtStart = checked
-        }
-        MenuSeparator {}
-        Action {
-            text: qsTr("&Quit")
-            shortcut: StandardKey.Quit
-            onTriggered: Qt.quit()
-        }
+        entries: [root.actions.about, root.actions.checkForUpdates, root.actions.checkAtStart, null, root.actions.quit]
     }
 
     CommandMenu {
         title: qsTr("&File")
+        entries: [root.actions.newProject, root.actions.open, recent, root.actions.restorePrevious, null, root.actions.save,
+            root.actions.saveAs, null, root.actions.importFiles, exports]
 
-        Command {
-            text: qsTr("&New")
-            shortcut: StandardKey.New
-            onTriggered: root.content.files.newProject()
-        }
-        Command {
-            text: qsTr("&Open…")
-            shortcut: StandardKey.Open
-            onTriggered: root.content.files.showOpenPanel()
-        }
-        CommandMenu {
+        readonly property CommandMenu recent: CommandMenu {
             id: recent
 
             title: qsTr("Open Re&cent")
             enabled: root.recentFiles !== null && root.recentFiles.paths.length > 0
             width: 360
+            entries: [null, clear]
 
             Instantiator {
                 model: root.recentFiles ? root.recentFiles.paths : []
@@ -83,195 +43,39 @@ MenuBar {
                     ToolTip.visible: hovered
                     ToolTip.delay: 600
                     // Later: opening makes the list anew, and the menu must have closed before.
-                    onTriggered: Qt.callLater(root.content.files.open, root.recentFiles.url(modelData))
+                    onTriggered: Qt.callLater(root.actions.files.open, root.recentFiles.url(modelData))
                 }
             }
 
-            MenuSeparator {}
-            Command {
+            readonly property Action clear: Action {
                 text: qsTr("C&lear This List")
+                enabled: !root.actions.content.blocked
                 onTriggered: root.recentFiles.clear()
             }
         }
-        Command {
-            text: qsTr("&Restore Previous Structure")
-            enabled: !root.content.blocked && root.content.projectViewModel.hasPrevious
-            onTriggered: root.content.files.restorePrevious()
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("&Save")
-            shortcut: StandardKey.Save
-            onTriggered: root.content.files.save()
-        }
-        Command {
-            text: qsTr("Save &As…")
-            shortcut: "Ctrl+Shift+S"
-            onTriggered: root.content.files.showSavePanel()
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("&Import…")
-            shortcut: "Ctrl+I"
-            onTriggered: root.content.files.showImportPanel()
-        }
-        CommandMenu {
+        readonly property CommandMenu exports: CommandMenu {
             title: qsTr("&Export")
-
-            Command {
-                text: qsTr("&Node Table (CSV)…")
-                onTriggered: root.content.files.exportNodes()
-            }
-            Command {
-                text: qsTr("&Element Table (CSV)…")
-                onTriggered: root.content.files.exportElements()
-            }
-            Command {
-                text: qsTr("&ParaView Grid (VTU)…")
-                onTriggered: root.content.files.exportVtu()
-            }
-            Command {
-                text: qsTr("P&icture (PNG)…")
-                onTriggered: root.content.files.exportPicture()
-            }
+            entries: [root.actions.exportNodes, root.actions.exportElements, root.actions.exportVtu, root.actions.exportPicture]
         }
     }
 
     CommandMenu {
         title: qsTr("&View")
-
-        Command {
-            text: qsTr("&Fit to Structure")
-            shortcut: "Ctrl+0"
-            onTriggered: root.visualization.camera.fit()
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("Fr&ont")
-            shortcut: "Ctrl+1"
-            onTriggered: root.visualization.camera.show(ViewCamera.Front)
-        }
-        Command {
-            text: qsTr("&Top")
-            shortcut: "Ctrl+2"
-            onTriggered: root.visualization.camera.show(ViewCamera.Top)
-        }
-        Command {
-            text: qsTr("&Right")
-            shortcut: "Ctrl+3"
-            onTriggered: root.visualization.camera.show(ViewCamera.Right)
-        }
-        Command {
-            text: qsTr("&Isometric")
-            shortcut: "Ctrl+4"
-            onTriggered: root.visualization.camera.show(ViewCamera.Isometric)
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("&z Axis Upright")
-            checkable: true
-            checked: root.visualization.camera.zUp
-            onTriggered: root.visualization.camera.zUp = checked
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("&Show Strain")
-            checkable: true
-            checked: root.content.projectViewModel.isStrainVisualizationActive
-            onTriggered: root.content.toggleStrain()
-        }
-        Command {
-            text: qsTr("&Node Numbers")
-            checkable: true
-            checked: root.visualization.showsNodeNumbers
-            onToggled: root.visualization.showsNodeNumbers = checked
-        }
-        Command {
-            text: qsTr("&Element Numbers")
-            checkable: true
-            checked: root.visualization.showsElementNumbers
-            onToggled: root.visualization.showsElementNumbers = checked
-        }
-        Command {
-            text: qsTr("Rendering S&tatistics")
-            checkable: true
-            onToggled: root.visualization.options = checked ? 3 : 2
-        }
+        entries: [root.actions.fit, null, root.actions.front, root.actions.top, root.actions.right, root.actions.isometric, null,
+            root.actions.zUpright, null, root.actions.showStrain, root.actions.showNodeNumbers, root.actions.showElementNumbers,
+            root.actions.showStatistics]
     }
 
     CommandMenu {
-        id: structure
-
-        readonly property ProjectViewModel model: root.content.projectViewModel
-        readonly property bool enoughNodes: model.selectedNodesForTruss.length >= 2
-
         title: qsTr("&Structure")
-
-        Command {
-            text: qsTr("Add N&ode…")
-            shortcut: "Ctrl+Shift+N"
-            onTriggered: root.content.addNode()
-        }
-        Command {
-            text: structure.model.appMode === AppMode.addingTruss ? qsTr("Done &Selecting") : qsTr("&Select for Truss")
-            enabled: !root.content.blocked && structure.model.appMode !== AppMode.addingBeam
-            onTriggered: root.content.toggleMode(AppMode.addingTruss)
-        }
-        Command {
-            text: structure.model.appMode === AppMode.addingBeam ? qsTr("Done Se&lecting") : qsTr("Se&lect for Beam")
-            enabled: !root.content.blocked && structure.model.appMode !== AppMode.addingTruss
-            onTriggered: root.content.toggleMode(AppMode.addingBeam)
-        }
-        Command {
-            text: qsTr("Add &Truss…")
-            enabled: !root.content.blocked && structure.enoughNodes && structure.model.appMode === AppMode.addingTruss
-            onTriggered: root.content.showingTrussConfigSheet = true
-        }
-        Command {
-            text: qsTr("Add B&eam…")
-            enabled: !root.content.blocked && structure.enoughNodes && structure.model.appMode === AppMode.addingBeam
-            onTriggered: root.content.showingBeamConfigSheet = true
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("&Calculate")
-            shortcut: "Ctrl+R"
-            onTriggered: root.content.calculation.run()
-        }
-        Command {
-            text: qsTr("Check &Before Calculating")
-            checkable: true
-            checked: root.content.calculation.checks
-            onToggled: root.content.calculation.checks = checked
-        }
-        Command {
-            text: qsTr("&Convergence…")
-            enabled: !root.content.blocked && root.content.calculation.residuals.length > 0
-            onTriggered: root.content.showingConvergence = true
-        }
-        MenuSeparator {}
-        Command {
-            text: qsTr("&Findings")
-            onTriggered: root.content.dock.show(0)
-        }
-        Command {
-            text: qsTr("&Node Table")
-            shortcut: "Ctrl+T"
-            onTriggered: root.content.dock.show(1)
-        }
-        Command {
-            text: qsTr("&Element Table")
-            shortcut: "Ctrl+Shift+T"
-            onTriggered: root.content.dock.show(2)
-        }
+        entries: [root.actions.addNode, root.actions.selectForTruss, root.actions.selectForBeam, root.actions.addTruss,
+            root.actions.addBeam, null, root.actions.calculate, root.actions.checkBeforeCalculating,
+            root.actions.showConvergence, null, root.actions.showFindings, root.actions.showNodeTable,
+            root.actions.showElementTable]
     }
 
     CommandMenu {
         title: qsTr("&Help")
-
-        Command {
-            text: qsTr("&Mouse and Keys")
-            onTriggered: root.helpRequested()
-        }
+        entries: [root.actions.help]
     }
 }

@@ -8,7 +8,14 @@ TestCase {
 
     property ProjectViewModel model
     property Component models: Component { ProjectViewModel {} }
-    property Component contents: Component { ContentView { anchors.fill: parent } }
+    property Component contents: Component {
+        ContentView {
+            id: made
+
+            anchors.fill: parent
+            actions: Actions { content: made }
+        }
+    }
     property ContentView content
 
     when: windowShown

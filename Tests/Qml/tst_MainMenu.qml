@@ -17,16 +17,19 @@ ProjectCase {
 
         anchors.fill: parent
         projectViewModel: model
+        actions: Actions {
+            content: surface
+            updateManager: updates.manager
+        }
     }
 
     MainMenu {
         id: menus
 
-        updateManager: updates.manager
-        content: surface
+        actions: surface.actions
     }
 
-    SignalSpy { id: checks; target: menus; signalName: "checkForUpdates" }
+    SignalSpy { id: checks; target: content.actions; signalName: "updateCheckRequested" }
 
     function action(menu, text) {
         const index = texts(menu).indexOf(text);
@@ -119,7 +122,7 @@ ProjectCase {
 
     function test_whatLiesBehindASheetRests_data() {
         return [
-            { tag: "node form", open: () => content.addNode() },
+            { tag: "node form", open: () => content.actions.addNode.trigger() },
             { tag: "truss form", open: () => content.showingTrussConfigSheet = true },
             { tag: "beam form", open: () => content.showingBeamConfigSheet = true },
             { tag: "convergence", open: () => content.showingConvergence = true },
