@@ -64,7 +64,7 @@ Item {
 
         projectViewModel: root.projectViewModel
         onPictureWanted: file => view.grabToImage(grabbed => writePicture(grabbed.image, file))
-        onEmptyStructureFilled: view.showWhole()
+        onImportedIntoEmpty: view.showWhole()
     }
 
     DropArea {

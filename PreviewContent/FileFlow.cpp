@@ -146,7 +146,7 @@ void FileFlow::importFiles(double area, double youngModulus, bool isNonLinear) {
   const bool wasEmpty = *viewModel_->numberOfNodes == 0;
   const QList<QUrl> files = std::exchange(filesToImport_, {});
   const QString remarks = FileExchange(*viewModel_).importFiles(files, area, youngModulus, isNonLinear);
-  if (wasEmpty) emit emptyStructureFilled();
+  if (wasEmpty) emit importedIntoEmpty();
   tell(remarks);
 }
 

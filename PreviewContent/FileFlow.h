@@ -85,7 +85,7 @@ class FileFlow : public QObject {
   void filesWanted(const FileRequest& request);
   void pictureWanted(const QUrl& file);
   void quitConfirmed();
-  void emptyStructureFilled();  ///< by an import
+  void importedIntoEmpty();  ///< an import into an empty structure has ended, whatever it brought
 
  private:
   using Action = std::function<void()>;

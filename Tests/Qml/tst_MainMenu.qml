@@ -127,7 +127,7 @@ ProjectCase {
             { tag: "beam form", open: () => content.showingBeamConfigSheet = true },
             { tag: "convergence", open: () => content.showingConvergence = true },
             { tag: "import", open: () => content.files.drop([Qt.resolvedUrl("nodes.csv")]) },
-            { tag: "unsaved changes", open: () => content.files.newProject() },
+            { tag: "unsaved changes", open: () => action(1, "New").trigger() },
             { tag: "node", open: () => content.visualization.selectedNode = 0 },
             { tag: "element", open: () => content.visualization.selectedElement = 0 },
         ];
@@ -175,30 +175,12 @@ ProjectCase {
         model.discardChanges();
     }
 
-    function test_newAsksBeforeItEmptiesTheStructure() {
-        model.newProject();
-        model.addNode(1, 2, 3, false);
-        model.appMode = AppMode.addingBeam;
-        action(1, "New").trigger();
-        verify(content.blocked);
-        keyClick(Qt.Key_Escape);
-        compare(model.numberOfNodes, 1);
-        verify(model.hasUnsavedChanges && !content.blocked);
-        action(1, "New").trigger();
-        mouseClick(findChild(content.Overlay.overlay, "losing"));
-        compare(model.numberOfNodes, 0);
-        compare(model.appMode, AppMode.normal);
-        verify(!model.hasUnsavedChanges);
-    }
-
     function test_whatAFailedOpenHasReplacedCanBeRestored() {
         model.newProject();
         verify(!action(1, "Restore Previous Structure").enabled);
         model.addNode(1, 2, 3, false);
         printed(() => model.loadProject("file:///does/not/exist.json"));
-        verify(content.blocked);
         keyClick(Qt.Key_Escape);
-        verify(!content.blocked);
         action(1, "Restore Previous Structure").trigger();
         compare(model.numberOfNodes, 1);
         verify(!action(1, "Restore Previous Structure").enabled);
