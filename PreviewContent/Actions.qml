@@ -27,7 +27,7 @@ QtObject {
     component Command: Action {
         /// What a button says.
         property string label: text.replace("&", "")
-        /// Whether it makes sense; while a sheet or panel is open it waits all the same.
+        /// Whether it may be chosen while no sheet or panel is open.
         property bool available: true
 
         enabled: available && !root.content.blocked
@@ -54,7 +54,7 @@ QtObject {
     readonly property Command quit: Command {
         text: qsTr("&Quit")
         shortcut: StandardKey.Quit
-        enabled: true  // it asks
+        enabled: true  // below a sheet, too: it asks before anything is lost
         onTriggered: Qt.quit()
     }
 

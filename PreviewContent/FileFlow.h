@@ -43,7 +43,7 @@ class FileFlow : public QObject {
   [[nodiscard]] const Prompt& prompt() const { return shown_; }
   /// Whether there is something to read or to answer but the question about unsaved changes.
   [[nodiscard]] bool interrupted() const { return !prompts_.empty(); }
-  /// To be imported once their user has told with what.
+  /// The files for which the form of the import is to be shown; none if there are none.
   [[nodiscard]] const QList<QUrl>& filesToImport() const { return filesToImport_; }
   /// Whether something waits for the user.
   [[nodiscard]] bool busy() const;
