@@ -8,12 +8,12 @@
 /// Why a solve cannot go on.
 struct SolveFault {
   enum class Kind {
-    NoElements,     ///< the matrix holds no values
-    NoStiffness,    ///< no element joins a node
-    NotFinite,      ///< a stiffness is not finite, or becomes so in the factorization
-    NotPositive,    ///< a direction's own stiffness is not positive
-    Unstable,       ///< the other directions leave one no positive stiffness
-    TooLarge,       ///< more unknowns than 32 bits number
+    NoElements,   ///< the matrix holds no values
+    NoStiffness,  ///< no element joins a node
+    NotFinite,    ///< a stiffness is not finite, or becomes so in the factorization
+    NotPositive,  ///< a direction's own stiffness is not positive
+    Unstable,     ///< the other directions leave one no positive stiffness
+    TooLarge,     ///< more unknowns than 32 bits number
     OutOfMemory
   };
 

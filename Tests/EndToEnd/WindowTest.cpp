@@ -213,8 +213,8 @@ TEST(Window, ASaveThatFailsIsToldAndAnotherPlaceGoesOnWithQuitting) {
   desktop.expectLine("Added Node: id 1");
   std::filesystem::remove_all(files / "gone");
   desktop.keys("ctrl+shift+n ctrl+q");  // below a form, too
-  desktop.keys("Return");     // Save
-  desktop.keys("Tab space");  // Write Anew
+  desktop.keys("Return");               // Save
+  desktop.keys("Tab space");            // Write Anew
   desktop.expectLine("Failed to save project: ");
   desktop.expectTitle("^\\*model.json");
   desktop.keys("Return");  // the notice leads to the panel
