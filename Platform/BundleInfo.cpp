@@ -26,7 +26,8 @@ std::string bytesOf(const std::filesystem::path& file) {
 BundleInfo::Dictionary BundleInfo::textsOf(std::string_view xml) {
   Dictionary texts;
   plist_t parsed = nullptr;
-  // Not plist_from_memory: it takes binary lists as well, and ends the process where a key in one holds a zero byte.
+  // Not plist_from_memory: it takes binary lists as well, and ends the process where a key of UTF-16 in one holds a
+  // zero.
   plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &parsed);
   const std::unique_ptr<void, decltype(&plist_free)> root(parsed, &plist_free);
   plist_dict_iter position = nullptr;

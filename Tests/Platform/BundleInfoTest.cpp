@@ -34,7 +34,7 @@ TEST(BundleInfo, PropertyListsThatAreNoneOrTooLargeAreNotRead) {
   const auto readsAsNone = [](const std::string& list) { return BundleInfo::textsOf(list).empty(); };
   EXPECT_FALSE(readsAsNone(propertyList("a")));
   const char binary[] =
-      "bplist00\xd1\x01\x02Rk\0Qx\x08\x0b\x0e\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x10";
+      "bplist00\xd1\1\2b\0\xe9\0\0Qx\x08\x0b\x10\0\0\0\0\0\0\1\1\0\0\0\0\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x12";
   EXPECT_TRUE(readsAsNone({binary, sizeof binary - 1}));  // a key with a zero byte
   std::string nested = "<plist>";
   for (int level = 0; level < 9000; ++level) nested += "<array>";
