@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "Managers/Installation.h"
 #include "Managers/InstallerScript.h"
 #include "Tests/Managers/ManagerCase.h"
+#include "Tests/Managers/SigningKeys.h"
 
 namespace {
 
@@ -53,17 +53,21 @@ class Installer : public ManagerCase {
 
   /// Zips what stands in the update's folder, and installs it.
   void install(const QStringList& zipOptions = {}) {
+    zip(zipOptions);
+    installArchive();
+  }
+
+  void zip(const QStringList& options = {}) const {
     const QString folder = QString::fromStdString(update.string());
     fs::remove(files / "update.zip");
-    runTool("zip", QStringList{"-qry"} + zipOptions + QStringList{"../update.zip", "."}, folder);
-    installArchive();
+    runTool("zip", QStringList{"-qry"} + options + QStringList{"../update.zip", "."}, folder);
   }
 
   /// Serves, downloads and installs the archive.
   void installArchive() {
     server.answers["/update.zip"] = {QByteArray::fromStdString(files.get("update.zip"))};
     start();
-    manager->downloadUpdate({"2.0", 1, server.address() + "/update.zip", "", false, {}});
+    manager->downloadUpdate(offer);
     ASSERT_TRUE(becomes("downloaded"));
     history.clear();
     manager->installUpdate(manager->state->info, manager->state->archive);
@@ -88,6 +92,7 @@ class Installer : public ManagerCase {
 
   const fs::path home = files / "a \"b\" 'c' $HOME `d`\n\\e";
   const fs::path update = files / "update";
+  VersionInfo offer{"2.0", 1, server.address() + "/update.zip", "", false, {}};
   const fs::path work = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate";
 };
 
@@ -245,37 +250,39 @@ TEST_F(Installer, WhatCannotBeReplacedIsLeftAlone) {
 }
 
 TEST_F(Installer, ASignedUpdateIsWhatWasOfferedAndNewer) {
-  const auto path = [&](const char* name) { return QString::fromStdString((files / name).string()); };
-  runTool("openssl", {"genpkey", "-algorithm", "ed25519", "-out", path("key")});
-  runTool("openssl", {"pkey", "-in", path("key"), "-pubout", "-outform", "DER", "-out", path("public")});
+  const SigningKeys keys;
+  setup.publicKeys = {keys.publicKey("ours")};
   setup.bundle.dictionary["CFBundleIdentifier"] = "org.gavrel.gavrel";
-  Installation installation;
-  installation.archive = path("update.zip");
-  installation.bundle = setup.bundle;
-  installation.publicKeys = {QByteArray::fromStdString(files.get("public")).last(32)};
-  const auto refusal = [&](const std::string& identifier, const char* version, int build, const char* offered,
-                           int offeredBuild) {
-    files.put("update/Gavrel.app/Info.plist",
-              "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>" + identifier +
-                  "</string><key>CFBundleShortVersionString</key><string>" + version +
-                  "</string><key>CFBundleVersion</key><string>" + std::to_string(build) + "</string></dict></plist>");
-    fs::remove(files / "update.zip");
-    runTool("zip", {"-qr", "../update.zip", "."}, path("update"));
-    runTool("openssl", {"pkeyutl", "-sign", "-rawin", "-inkey", path("key"), "-in", path("update.zip"), "-out",
-                        path("signature")});
-    installation.signature = QByteArray::fromStdString(files.get("signature"));
-    installation.offered.version = offered;
-    installation.offered.build = offeredBuild;
-    return startInstaller(installation).value_or(UpdateError{UpdateError::Case::downloadFailed}).reason.toStdString();
+  struct Case {
+    const char* identifier;
+    const char* version;
+    const char* build;
+    const char* offered;
+    qint64 offeredBuild;
+    const char* reason;
   };
   const char* const ours = "org.gavrel.gavrel";
-  EXPECT_EQ(refusal("org.other", "2.0", 1, "2.0", 1),
-            "The update is another program: its identifier is \"org.other\", not \"org.gavrel.gavrel\".");
-  EXPECT_EQ(refusal(ours, "1.1", 9, "2.0", 9), "The update is version 1.1 (build 9), and 2.0 (build 9) was offered.");
-  EXPECT_EQ(refusal(ours, "2.0", 1, "2.0", 2), "The update is version 2.0 (build 1), and 2.0 (build 2) was offered.");
-  for (const int build : {6, 7})
-    EXPECT_THAT(refusal(ours, "1.2", build, "1.2", build), testing::EndsWith("which is not newer than 1.2 (build 7)."));
-  EXPECT_EQ(refusal(ours, "1.2", 8, "1.2", 8), "");
+  for (const Case& test : std::initializer_list<Case>{
+           {ours, "1.1", "9", "2.0", 9, "The update is version 1.1 (build 9), and 2.0 (build 9) was offered."},
+           {ours, "2.0", "1", "2.0", 2, "The update is version 2.0 (build 1), and 2.0 (build 2) was offered."},
+           {ours, "1.1", "9", "1.1", 9, "The update is version 1.1 (build 9), which is not newer than 1.2 (build 7)."},
+           {ours, "1.2", "7", "1.2", 7, "The update is version 1.2 (build 7), which is not newer than 1.2 (build 7)."},
+           {"org.other", "2.0", "1", "2.0", 1,
+            "The update is another program: its identifier is \"org.other\", not "
+            "\"org.gavrel.gavrel\"."},
+           {ours, "1.2", "8", "1.2", 8, nullptr}}) {
+    files.put("update/Gavrel.app/Info.plist",
+              std::string("<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>") + test.identifier +
+                  "</string><key>CFBundleShortVersionString</key><string>" + test.version +
+                  "</string><key>CFBundleVersion</key><string>" + test.build + "</string></dict></plist>");
+    offer.version = test.offered;
+    offer.build = test.offeredBuild;
+    zip();
+    server.answers["/update.zip.sig"] = {keys.signature(QByteArray::fromStdString(files.get("update.zip")), "ours")};
+    installArchive();
+    if (test.reason != nullptr) expectFailure(test.reason);
+  }
+  ASSERT_TRUE(happens([&] { return terminated; }));
   EXPECT_EQ(started(), "new:");
 }
 
