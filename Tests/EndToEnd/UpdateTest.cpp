@@ -165,6 +165,18 @@ TEST_F(Update, AnInterruptedOneIsPutRightAtTheStart) {
   for (const char* ending : {".old", ".new"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
 }
 
+TEST_F(Update, IsNotLookedForAtStartsOnceThatIsSwitchedOff) {
+  desktop.emplace(std::vector<std::string>{}, program);
+  Desktop::expect("the silent check", [&] { return thread.requests("/versions.json") == 1; });
+  Desktop::keys("alt+g");
+  Desktop::keys("Down Down Down Return");
+  desktop->killAndRestart();
+  Desktop::keys("ctrl+u");
+  Desktop::expect("the explicit check", [&] { return thread.requests("/versions.json") >= 2; });
+  Desktop::settle();
+  EXPECT_EQ(thread.requests("/versions.json"), 2);
+}
+
 TEST_F(Update, IsRefusedWhileChangesCannotBeKept) {
   installTheUpdate(Changes::notKept);
   Desktop::settle();
