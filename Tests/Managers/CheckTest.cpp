@@ -143,20 +143,6 @@ TEST_F(UpdateCheck, MayOutliveItsManager) {
   EXPECT_EQ(history, QStringList("checking"));
 }
 
-TEST_F(UpdateCheck, CanBeCancelledAndDoneAgain) {
-  server.answers["/versions.json"] = {.drip = 1};
-  start();
-  manager->checkForUpdates(false);
-  manager->checkForUpdates(true);
-  ASSERT_TRUE(happens([&] { return server.requests.size() == 2; }));
-  manager->cancel();
-  server.answers["/versions.json"] = {manifest(newer)};
-  manager->checkForUpdates(true);
-  ASSERT_TRUE(becomes("updateAvailable"));
-  ASSERT_TRUE(happens([&] { return !server.isDripping(); }));
-  EXPECT_EQ(history, (QStringList{"checking", "idle", "checking", "updateAvailable"}));
-}
-
 TEST_F(UpdateCheck, AtEachStartIsTheUsersChoice) {
   start();
   EXPECT_TRUE(manager->checksAtStart());
