@@ -124,9 +124,12 @@ class Update : public testing::Test {
 
   /// The arguments of the process that has followed.
   std::string follower() {
-    std::vector<std::string> processes;
-    Desktop::expect("the restart", [&] { return (processes = processesOf(program)).size() == 1; });
-    return textOf("/proc/" + processes.front() + "/cmdline").substr(program.string().size() + 1);
+    std::string line;  // empty for a moment after the process has begun
+    Desktop::expect("the restart", [&] {
+      const auto processes = processesOf(program);
+      return processes.size() == 1 && !(line = textOf("/proc/" + processes.front() + "/cmdline")).empty();
+    });
+    return line.substr(program.string().size() + 1);
   }
 
   std::string version() {
