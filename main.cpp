@@ -15,6 +15,7 @@
 #include "Screenshot.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
+Q_IMPORT_QML_PLUGIN(Gavrel_ViewportPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 
 namespace {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import Gavrel.PreviewContent
+import Gavrel.Viewport
 import Gavrel.Views
 
 /// Everything that the window can be told to do. Menus and buttons show these, and bring none of their own.

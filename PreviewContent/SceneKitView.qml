@@ -1,6 +1,6 @@
 import QtQuick
-import QtQuick3D
 import Gavrel.PreviewContent
+import Gavrel.Viewport
 
 /// The 3D area: draws the project's scene, and lets the user turn it and click on it.
 Item {
@@ -11,17 +11,10 @@ Item {
     property real displacementMagnification: 1
     property bool isStrainVisualizationActive: false
     property bool paused: false
-    property bool showsNodeNumbers: false
-    property bool showsElementNumbers: false
-    readonly property alias camera: viewCamera
+    property alias showsNodeNumbers: sceneView.showsNodeNumbers
+    property alias showsElementNumbers: sceneView.showsElementNumbers
+    readonly property alias camera: sceneView.camera
     readonly property alias contents: sceneContents
-    // Corners of a tube's section, by the number of tubes and by who draws them.
-    readonly property int shapeSides: {
-        const tubes = sceneContents.tubes.size;
-        const fine = tubes <= 2000 ? 20 : tubes <= 20000 ? 12 : 8;
-        return hardware.accelerated ? fine : tubes <= 2000 ? fine : tubes <= 20000 ? 8 : 4;
-    }
-    readonly property bool antialiased: hardware.accelerated || sceneContents.tubes.size <= 5000
 
     signal nodeSelected(var node)
     signal elementSelected(var element)
@@ -41,117 +34,14 @@ Item {
         onElementClicked: (isBeam, element) => root.elementClicked(isBeam, element)
     }
 
-    ViewCamera {
-        id: viewCamera
+    SceneView {
+        id: sceneView
 
+        anchors.fill: parent
         contents: sceneContents
-        width: root.width
-        height: root.height
-    }
-
-    GraphicsHardware {
-        id: hardware
-    }
-
-    component Shapes: Model {
-        id: shapes
-
-        required property int shape
-        readonly property int triangles: instancing.size * geometry.triangles
-
-        pickable: false
-        geometry: ShapeGeometry {
-            shape: shapes.shape
-            sides: root.shapeSides
-        }
-        materials: ShapeMaterial {
-            thickening: viewCamera.thickening
-            lightDirection: viewCamera.lightDirection
-            isBall: shapes.shape === ShapeGeometry.Ball
-        }
-    }
-
-    View3D {
-        anchors.fill: parent
-        camera: camera
-        environment: SceneEnvironment {
-            backgroundMode: SceneEnvironment.Color
-            clearColor: sceneContents.background
-            antialiasingMode: root.antialiased ? SceneEnvironment.MSAA : SceneEnvironment.NoAA
-            antialiasingQuality: SceneEnvironment.Medium
-            tonemapMode: SceneEnvironment.TonemapModeNone
-        }
-
-        PerspectiveCamera {
-            id: camera
-
-            position: viewCamera.position
-            rotation: viewCamera.rotation
-            fieldOfView: viewCamera.fieldOfView
-            clipNear: viewCamera.clipNear
-            clipFar: viewCamera.clipFar
-        }
-        Shapes {
-            id: balls
-
-            shape: ShapeGeometry.Ball
-            instancing: sceneContents.balls
-        }
-        Shapes {
-            id: tubes
-
-            shape: ShapeGeometry.Tube
-            instancing: sceneContents.tubes
-        }
-        Shapes {
-            id: cones
-
-            shape: ShapeGeometry.Cone
-            instancing: sceneContents.cones
-        }
-        Shapes {
-            shape: ShapeGeometry.Ball
-            instancing: sceneContents.markedBalls
-        }
-        Shapes {
-            shape: ShapeGeometry.Tube
-            instancing: sceneContents.markedTubes
-        }
-        Shapes {
-            shape: ShapeGeometry.Ball
-            instancing: sceneContents.highlightedBall
-        }
-        Shapes {
-            shape: ShapeGeometry.Tube
-            instancing: sceneContents.highlightedTube
-        }
-    }
-
-    SceneLabels {
-        anchors.fill: parent
-        camera: viewCamera
-        nodeNumbers: root.showsNodeNumbers
-        elementNumbers: root.showsElementNumbers
-        visible: nodeNumbers || elementNumbers
-    }
-
-    Navigation {
-        anchors.fill: parent
-        camera: viewCamera
-        enabled: (root.options & 2) !== 0
+        navigable: (root.options & 2) !== 0
         selecting: root.projectViewModel.appMode !== AppMode.normal
-        onHoverEnded: sceneContents.clearHighlight()
-    }
-
-    AxisTriad {
-        anchors {
-            left: parent.left
-            bottom: parent.bottom
-            margins: 8
-        }
-        width: 90
-        height: 90
-        camera: viewCamera
+        showsStatistics: (root.options & 1) !== 0
     }
 
     StrainLegend {
@@ -188,16 +78,5 @@ Item {
             font.pixelSize: 12
             text: qsTr("Results are outdated: the structure was changed since they were calculated")
         }
-    }
-
-    RenderingStatistics {
-        anchors {
-            left: parent.left
-            top: parent.top
-            margins: 12
-        }
-        visible: (root.options & 1) !== 0
-        shapes: sceneContents.balls.size + sceneContents.tubes.size + sceneContents.cones.size
-        triangles: balls.triangles + tubes.triangles + cones.triangles
     }
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import Gavrel.PreviewContent
+import Gavrel.Viewport
 
 /// The 3D area with the sheets that a click on a node or an element opens.
 ///

@@ -1,22 +1,12 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QStringList>
 #include <cmath>
 
-#include "PreviewContent/ViewCamera.h"
+#include "PreviewContent/SceneContents.h"
+#include "Tests/Near.h"
 #include "Tests/Structures.h"
-
-inline void expectNear(const Vector3& actual, const Vector3& expected, double tolerance = 1e-5) {
-  EXPECT_NEAR(actual.x, expected.x, tolerance);
-  EXPECT_NEAR(actual.y, expected.y, tolerance);
-  EXPECT_NEAR(actual.z, expected.z, tolerance);
-}
-
-inline Vector3 vectorOf(const QVector3D& v) {
-  return {v.x(), v.y(), v.z()};
-}
+#include "Viewport/ViewCamera.h"
 
 /// A 3D area of 900 x 600 pixels without a window. Node 0 is in the middle of the picture, 10 before the camera, node 1
 /// 4 to its right and node 2 4 above it; bar 0 joins the first two, beam 0 the last two.

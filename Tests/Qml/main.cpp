@@ -8,6 +8,7 @@
 #include "UpdateStates.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
+Q_IMPORT_QML_PLUGIN(Gavrel_ViewportPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 
 /// Lets the tests import the program's QML modules and read what it prints ("standardOutput"),

@@ -1,4 +1,4 @@
-#include "PreviewContent/AxisTriad.h"
+#include "Viewport/AxisTriad.h"
 
 #include <QPainter>
 #include <algorithm>

@@ -1,16 +1,21 @@
-#include "PreviewContent/ViewCamera.h"
+#include "Viewport/ViewCamera.h"
 
 #include <gtest/gtest.h>
 
 #include <QThread>
 #include <numbers>
 
-#include "PreviewContent/FrameTimer.h"
-#include "Tests/PreviewContent/SceneArea.h"
+#include "Tests/Near.h"
+#include "Tests/Viewport/ViewedScene.h"
+#include "Viewport/FrameTimer.h"
 
 namespace {
 
 constexpr double pi = std::numbers::pi;
+
+Vector3 vectorOf(const QVector3D& v) {
+  return {v.x(), v.y(), v.z()};
+}
 
 /// A direction of the scene on the user's axes: to the right, up and towards him.
 Vector3 seen(const ViewCamera& camera, const Vector3& v) {
@@ -30,7 +35,7 @@ TEST(ViewCamera, StandardDirectionsShowEverythingInTheSameLightWhicheverAxisIsUp
                {ViewCamera::Overview, {across * std::sin(pi / 7), std::sin(pi / 9), across * std::cos(pi / 7)}}};
   for (const auto& [view, from] : cases) {
     SCOPED_TRACE(view);
-    SceneArea area;
+    ViewedScene area;
     area.camera.show(view);
     expectNear(area.camera.camera().axes().back, from);
     const Vector3 light = seen(area.camera, vectorOf(area.camera.lightDirection()));
@@ -49,7 +54,7 @@ TEST(ViewCamera, StandardDirectionsShowEverythingInTheSameLightWhicheverAxisIsUp
 }
 
 TEST(ViewCamera, TellsTheRendererWhereItIs) {
-  SceneArea area;
+  ViewedScene area;
   EXPECT_EQ(vectorOf(area.camera.position()), (Vector3{-2, -2, 10})) << "from the middle of the nodes";
   EXPECT_EQ(area.camera.fieldOfView(), 60);
   EXPECT_NEAR(area.camera.thickening(), 25 * 2 * std::tan(pi / 6) / 600, 1e-12);
@@ -71,7 +76,7 @@ TEST(ViewCamera, TellsTheRendererWhereItIs) {
 }
 
 TEST(ViewCamera, TurnsMovesAndZoomsAboutWhatIsUnderThePointer) {
-  SceneArea area;
+  ViewedScene area;
   int changes = 0;
   QObject::connect(&area.camera, &ViewCamera::changed, [&changes] { ++changes; });
   const auto at = [&area](const Vector3& point) { return *area.camera.camera().project(point); };
@@ -99,7 +104,7 @@ TEST(ViewCamera, TurnsMovesAndZoomsAboutWhatIsUnderThePointer) {
   area.camera.zoom(2, 5, 5);
   EXPECT_NEAR(at(middle).depth, depth / 2, 1e-6);
 
-  SceneArea fresh;
+  ViewedScene fresh;
   fresh.camera.zoom(4, fresh.middleX, fresh.middleY);
   EXPECT_NEAR(fresh.camera.camera().position.z, 0.1 + 9.9 / 4, 1e-6);
   fresh.camera.zoom(1e9, fresh.middleX, fresh.middleY);
@@ -107,7 +112,7 @@ TEST(ViewCamera, TurnsMovesAndZoomsAboutWhatIsUnderThePointer) {
 }
 
 TEST(ViewCamera, KeepsTheWholeStructureInThePictureUntilItIsMoved) {
-  SceneArea area;
+  ViewedScene area;
   const auto place = [&area] { return area.camera.camera().position; };
   const Vector3 start = place();
   area.camera.setWidth(400);
@@ -140,7 +145,7 @@ TEST(ViewCamera, KeepsTheWholeStructureInThePictureUntilItIsMoved) {
 }
 
 TEST(ViewCamera, WhatIsFarAwayIsHitAsThickAsItIsDrawn) {
-  SceneArea area;
+  ViewedScene area;
   area.camera.zoom(1e-3, area.middleX, area.middleY);
   EXPECT_TRUE(area.camera.hover(area.middleX - 2.3, area.middleY));
   EXPECT_FALSE(area.camera.hover(area.middleX - 2.7, area.middleY));

@@ -1,5 +1,5 @@
 import QtQuick
-import Gavrel.PreviewContent
+import Gavrel.Viewport
 
 /// How fast the window draws, and how much of it is in the 3D area.
 Rectangle {

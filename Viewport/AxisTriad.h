@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PreviewContent/CameraOverlay.h"
+#include "Viewport/CameraOverlay.h"
 
 /// Shows where the scene's axes point.
 class AxisTriad : public CameraOverlay {

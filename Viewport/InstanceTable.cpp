@@ -1,4 +1,4 @@
-#include "PreviewContent/InstanceTable.h"
+#include "Viewport/InstanceTable.h"
 
 #include <QVector4D>
 #include <cmath>

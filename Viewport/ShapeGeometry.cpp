@@ -1,4 +1,4 @@
-#include "PreviewContent/ShapeGeometry.h"
+#include "Viewport/ShapeGeometry.h"
 
 #include <QByteArray>
 #include <QVector3D>

@@ -1,4 +1,4 @@
-#include "PreviewContent/SceneLabels.h"
+#include "Viewport/SceneLabels.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

@@ -7,14 +7,14 @@
 #include <QVector3D>
 #include <optional>
 
-#include "PreviewContent/SceneContents.h"
 #include "Scene/OrbitCamera.h"
+#include "Viewport/DrawnScene.h"
 
 /// The user's camera: what mouse, trackpad, keys and menu do to it, and what the renderer needs to know of it.
 class ViewCamera : public QObject {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(SceneContents* contents READ contents WRITE setContents REQUIRED)
+  Q_PROPERTY(DrawnScene* contents READ contents WRITE setContents REQUIRED)
   Q_PROPERTY(double width READ width WRITE setWidth NOTIFY changed)
   Q_PROPERTY(double height READ height WRITE setHeight NOTIFY changed)
   Q_PROPERTY(bool zUp READ zUp WRITE setZUp NOTIFY changed)
@@ -32,8 +32,8 @@ class ViewCamera : public QObject {
 
   using QObject::QObject;
 
-  [[nodiscard]] SceneContents* contents() const { return contents_; }
-  void setContents(SceneContents* value);
+  [[nodiscard]] DrawnScene* contents() const { return contents_; }
+  void setContents(DrawnScene* value);
   [[nodiscard]] const OrbitCamera& camera() const { return camera_; }
 
   [[nodiscard]] double width() const { return camera_.width; }
@@ -81,7 +81,7 @@ class ViewCamera : public QObject {
   [[nodiscard]] Ray rayAt(double x, double y) const;
   [[nodiscard]] std::optional<Vector3> hitAt(double x, double y) const;
 
-  QPointer<SceneContents> contents_;
+  QPointer<DrawnScene> contents_;
   OrbitCamera camera_;
   Vector3 reference_;  // what the present drag is about
   bool fitted_ = false;

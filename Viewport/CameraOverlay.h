@@ -4,7 +4,7 @@
 #include <QPointer>
 #include <QQuickPaintedItem>
 
-#include "PreviewContent/ViewCamera.h"
+#include "Viewport/ViewCamera.h"
 
 /// Something flat that is painted over the 3D area anew whenever the camera or the scene changes.
 class CameraOverlay : public QQuickPaintedItem {

@@ -1,5 +1,5 @@
 import QtQuick
-import Gavrel.PreviewContent
+import Gavrel.Viewport
 
 /// Mouse, trackpad and keys over the 3D area. A click picks; a left drag or the arrow keys turn; a right, middle or
 /// Shift drag, two fingers, or Shift with arrow keys pan; the wheel, a pinch, + and - zoom; F fits.

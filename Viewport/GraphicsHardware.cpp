@@ -1,4 +1,4 @@
-#include "PreviewContent/GraphicsHardware.h"
+#include "Viewport/GraphicsHardware.h"
 
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>

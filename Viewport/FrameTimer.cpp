@@ -1,4 +1,4 @@
-#include "PreviewContent/FrameTimer.h"
+#include "Viewport/FrameTimer.h"
 
 #include <cmath>
 #include <utility>

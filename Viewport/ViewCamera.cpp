@@ -1,4 +1,4 @@
-#include "PreviewContent/ViewCamera.h"
+#include "Viewport/ViewCamera.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,9 +17,9 @@ QVector3D single(const Vector3& v) {
 
 }  // namespace
 
-void ViewCamera::setContents(SceneContents* value) {
+void ViewCamera::setContents(DrawnScene* value) {
   contents_ = value;
-  connect(value, &SceneContents::updated, this, &ViewCamera::changed);
+  connect(value, &DrawnScene::updated, this, &ViewCamera::changed);
   emit changed();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PreviewContent/CameraOverlay.h"
+#include "Viewport/CameraOverlay.h"
 
 /// The numbers of nodes and elements beside them. Where there is no room for all, those nearest to the viewer are
 /// shown.
