@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Gavrel.PreviewContent
-import "Form.js" as Form
+import Gavrel.Views
 
 /// The form for a chain of beams over the collected nodes. Both rows of second moments of area bear the same label; the
 /// upper one is about the local y axis, the lower one about z.

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.PreviewContent
-import "Form.js" as Form
+import Gavrel.Views
 
 /// The form for a new node.
 Item {

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.PreviewContent
-import "Form.js" as Form
+import Gavrel.Views
 
 /// The form for a chain of trusses over the collected nodes, at least two.
 Item {

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// The main window's working surface: magnification, the 3D area, and the command row.
 Item {

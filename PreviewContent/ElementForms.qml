@@ -1,5 +1,6 @@
 import QtQuick
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// The forms for a new node, truss and beam.
 Item {

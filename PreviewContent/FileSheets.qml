@@ -1,5 +1,6 @@
 import QtQuick
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// What the flow of files asks, tells and has chosen.
 Item {

@@ -1,5 +1,6 @@
 import QtQuick
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// What the colours of bars say: the extreme strains in numbers, with the colours between them.
 Rectangle {

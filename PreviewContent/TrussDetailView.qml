@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// Shows a truss and switches it between linear and non-linear behaviour. Beams have no sheet: the number of one finds
 /// no truss, or the one that shares it.

@@ -1,6 +1,7 @@
 import QtQuick
 import Gavrel.PreviewContent
 import Gavrel.Viewport
+import Gavrel.Views
 
 /// The 3D area with the sheets that a click on a node or an element opens.
 ///

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtTest
 import Gavrel.PreviewContent
+import Gavrel.Views
 
 Item {
     ApplicationWindow {

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
-import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// A label and the number that it names.
 RowLayout {

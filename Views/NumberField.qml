@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Controls
-import Gavrel.PreviewContent
+import Gavrel.Views
 
 /// A text that is to be a number. It is marked from a failed check() until it is edited.
 TextField {

@@ -1,4 +1,4 @@
-#include "PreviewContent/QmlTypes.h"
+#include "Views/QmlFunctions.h"
 
 #include "Platform/Console.h"
 #include "Platform/Fatal.h"

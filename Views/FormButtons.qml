@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
-import Gavrel.PreviewContent
 import Gavrel.Views
 
 /// "Cancel" and the button that does what the form is for, at the right.
