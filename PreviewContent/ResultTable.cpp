@@ -78,8 +78,14 @@ void ResultTable::sortBy(int column) {
   arrange();
 }
 
-int ResultTable::rowOfElement(bool isBeam, qint64 element) const {
-  return rowOf(isBeam ? std::ssize(*project().trussElements) + element : element);
+int ResultTable::rowOfElement(bool isBeam, qint64 identifier) const {
+  const auto rowOfFirst = [&](const auto& elements, qint64 before) {
+    using Element = typename std::decay_t<decltype(elements)>::value_type;
+    const auto found = std::ranges::find(elements, identifier, &Element::id);
+    return found == elements.end() ? -1 : rowOf(before + (found - elements.begin()));
+  };
+  const auto& trusses = *project().trussElements;
+  return isBeam ? rowOfFirst(*project().beamElements, std::ssize(trusses)) : rowOfFirst(trusses, 0);
 }
 
 void ResultTable::mark(int row) const {

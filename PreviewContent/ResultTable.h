@@ -54,7 +54,8 @@ class ResultTable : public QAbstractTableModel {
   [[nodiscard]] Q_INVOKABLE qint64 positionOf(int row) const { return positions_[static_cast<std::size_t>(row)]; }
   /// -1 if it is not shown.
   [[nodiscard]] Q_INVOKABLE int rowOf(qint64 position) const;
-  [[nodiscard]] Q_INVOKABLE int rowOfElement(bool isBeam, qint64 element) const;
+  /// The row of the first bar or beam with this identifier, which need not be its position; -1 if it is not shown.
+  [[nodiscard]] Q_INVOKABLE int rowOfElement(bool isBeam, qint64 identifier) const;
   /// Points the row's node or element out in the 3D area.
   Q_INVOKABLE void mark(int row) const;
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <limits>
 
 #include "Tests/Structures.h"
@@ -48,8 +49,6 @@ TEST_F(Tables, SortByAnyColumnAndPutWhatIsEmptyLast) {
   EXPECT_THAT(order(elements), ElementsAre(1, 2, 0, 3));
   EXPECT_FALSE(elements.descending());
   EXPECT_EQ(elements.rowOf(0), 2);
-  EXPECT_EQ(elements.rowOfElement(false, 2), 1);
-  EXPECT_EQ(elements.rowOfElement(true, 0), 3);
   elements.sortBy(column(elements, "length"));
   EXPECT_THAT(order(elements), ElementsAre(3, 0, 2, 1));
   EXPECT_TRUE(elements.descending());
@@ -68,6 +67,21 @@ TEST_F(Tables, SortByAnyColumnAndPutWhatIsEmptyLast) {
   EXPECT_THAT(order(elements), ElementsAre(2, 1, 0, 3));
   elements.sortBy(column(elements, "shearModulus"));
   EXPECT_THAT(order(elements), ElementsAre(3, 0, 1, 2));
+}
+
+TEST_F(Tables, FindElementsByIdentifiersThatAreNotPositions) {
+  auto& trusses = (*model.project)->trussElements.edit();
+  for (auto& truss : trusses) truss.id = std::array{2, 10, 0}[static_cast<std::size_t>(truss.id)];
+  (*model.project)->beamElements.edit()[0].id = 1;
+  elements.sortBy(column(elements, "length"));
+  ASSERT_THAT(order(elements), ElementsAre(1, 2, 0, 3));
+  const auto rows = [this](bool isBeam) {
+    std::vector<int> found;
+    for (const int identifier : {0, 1, 2, 10}) found.push_back(elements.rowOfElement(isBeam, identifier));
+    return found;
+  };
+  EXPECT_THAT(rows(false), ElementsAre(1, -1, 2, 0));
+  EXPECT_THAT(rows(true), ElementsAre(-1, 3, -1, -1));
 }
 
 TEST_F(Tables, SearchWhatIsShownWhateverItsCase) {
