@@ -16,7 +16,8 @@ std::optional<Failure> writeTable(const Project& project, std::span<const TableC
     text += '\n';
     for (std::int64_t row = 0; row < rows; ++row) {
       for (const TableColumn& column : columns) {
-        if (!column.isResult || results == Results::written) text += textOf(column.cell(project, row));
+        if (column.origin != TableColumn::Origin::result || results == Results::written)
+          text += textOf(column.cell(project, row));
         text += ',';
       }
       text.back() = '\n';

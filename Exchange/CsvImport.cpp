@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <set>
 #include <span>
 #include <sstream>
 
 #include "Exchange/Draft.h"
+#include "Exchange/TableColumn.h"
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
@@ -64,9 +64,9 @@ bool mayGroupThousands(std::string_view field) {
          before.front() != '0';
 }
 
-/// Where commas do not separate, a number may have one instead of a point. Throws ImportError if numbers of these
-/// columns have both, or if nothing tells a decimal comma from one that groups thousands.
-void requireOneDecimalMark(const CsvTable& table, std::span<const std::string_view> columns) {
+/// Where commas do not separate, a number may have one instead of a point. Throws ImportError if numbers of the
+/// columns that it reads have both, or if nothing tells a decimal comma from one that groups thousands.
+void requireOneDecimalMark(const CsvTable& table, std::span<const TableColumn> columns) {
   if (table.separator() == ',') return;
   std::string pointAt;
   std::string commaAt;
@@ -74,7 +74,8 @@ void requireOneDecimalMark(const CsvTable& table, std::span<const std::string_vi
   bool isDecimal = table.separator() == ';';  // it separates where the comma is the decimal mark
   table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
-    for (const std::string_view name : columns) {
+    for (const auto& [name, content, origin, width, cell] : columns) {
+      if (content != TableColumn::Content::numbers || origin != TableColumn::Origin::input) continue;
       const std::string_view field = reader.text(name);
       const bool hasComma = field.find(',') != field.npos;
       if (hasComma && commaAt.empty()) commaAt = reader.place(name);
@@ -93,13 +94,12 @@ void requireOneDecimalMark(const CsvTable& table, std::span<const std::string_vi
 }
 
 std::array<bool, dofsPerNode> heldIn(const Reader& reader) {
-  constexpr std::array<std::string_view, dofsPerNode> names{"x", "y", "z", "rx", "ry", "rz"};
   std::array<bool, dofsPerNode> held{};
   std::istringstream words(lower(reader.text("held")));
   for (std::string word; words >> word;) {
-    const auto found = std::ranges::find(names, word);
-    if (found == names.end()) reader.fail("held", shownQuoted(word) + " is none of x, y, z, rx, ry, rz");
-    held[static_cast<std::size_t>(found - names.begin())] = true;
+    const auto found = std::ranges::find(heldWords, word);
+    if (found == heldWords.end()) reader.fail("held", shownQuoted(word) + " is none of x, y, z, rx, ry, rz");
+    held[static_cast<std::size_t>(found - heldWords.begin())] = true;
   }
   return held;
 }
@@ -135,16 +135,16 @@ void readKind(const Reader& reader, Draft::Member& member) {
 }
 
 /// Names what is passed over, unless a table that was exported has it.
-void remarkOnUnknown(const CsvTable& table, const std::set<std::string, std::less<>>& known, Draft& draft) {
+void remarkOnUnknown(const CsvTable& table, std::span<const TableColumn> known, Draft& draft) {
   for (const std::string& name : table.names())
-    if (!name.empty() && !known.contains(name))
+    if (!name.empty() && std::ranges::none_of(known, [&](const auto& column) { return lower(column.name) == name; }))
       draft.remarks.push_back("The column " + shownQuoted(name) + " is passed over.");
 }
 
 }  // namespace
 
 void addNodes(const CsvTable& table, Draft& draft) {
-  requireOneDecimalMark(table, std::array<std::string_view, 9>{"x", "y", "z", "Fx", "Fy", "Fz", "Mx", "My", "Mz"});
+  requireOneDecimalMark(table, nodeColumns());
   const bool numbered = table.column("node").has_value();
   if (!draft.numbers) draft.numbers.emplace();
   table.forEachRow([&](const CsvTable::Row& row) {
@@ -157,14 +157,11 @@ void addNodes(const CsvTable& table, Draft& draft) {
                             reader.number("Mx", 0), reader.number("My", 0), reader.number("Mz", 0)},
                            heldIn(reader)});
   });
-  remarkOnUnknown(
-      table, {"node", "x", "y", "z", "fx", "fy", "fz", "mx", "my", "mz", "held", "ux", "uy", "uz", "θx", "θy", "θz"},
-      draft);
+  remarkOnUnknown(table, nodeColumns(), draft);
 }
 
 void addMembers(const CsvTable& table, Draft& draft) {
-  requireOneDecimalMark(
-      table, std::array<std::string_view, 5>{"area", "youngModulus", "shearModulus", "inertiaY", "inertiaZ"});
+  requireOneDecimalMark(table, elementColumns());
   table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
     Draft::Member member{.start = nodeIn(draft, reader, "start"), .end = nodeIn(draft, reader, "end")};
@@ -179,8 +176,5 @@ void addMembers(const CsvTable& table, Draft& draft) {
     }
     draft.members.push_back(member);
   });
-  remarkOnUnknown(table,
-                  {"kind", "number", "start", "end", "length", "strain", "force", "state", "area", "youngmodulus",
-                   "shearmodulus", "inertiay", "inertiaz"},
-                  draft);
+  remarkOnUnknown(table, elementColumns(), draft);
 }

@@ -34,12 +34,11 @@ Cell number(const Project&, std::int64_t row) {
 }
 
 Cell held(const Project& project, std::int64_t node) {
-  constexpr std::array names{"x", "y", "z", "rx", "ry", "rz"};
   std::string text;
-  for (std::size_t k = 0; k < names.size(); ++k) {
+  for (std::size_t k = 0; k < heldWords.size(); ++k) {
     if (!entryOf(*project.D_I, dofsPerNode * node + static_cast<std::int64_t>(k))) continue;
     if (!text.empty()) text += ' ';
-    text += names[k];
+    text += heldWords[k];
   }
   return text;
 }
@@ -143,40 +142,45 @@ Cell youngModulus(const Project& project, std::int64_t row) {
 }  // namespace
 
 std::span<const TableColumn> nodeColumns() {
-  static constexpr std::array columns{TableColumn{"node", number},
-                                      TableColumn{"x", coordinate<0>},
-                                      TableColumn{"y", coordinate<1>},
-                                      TableColumn{"z", coordinate<2>},
-                                      TableColumn{"Fx", load<0>},
-                                      TableColumn{"Fy", load<1>},
-                                      TableColumn{"Fz", load<2>},
-                                      TableColumn{"Mx", load<3>},
-                                      TableColumn{"My", load<4>},
-                                      TableColumn{"Mz", load<5>},
-                                      TableColumn{"held", held},
-                                      TableColumn{"ux", displacement<0>, true},
-                                      TableColumn{"uy", displacement<1>, true},
-                                      TableColumn{"uz", displacement<2>, true},
-                                      TableColumn{"θx", displacement<3>, true},
-                                      TableColumn{"θy", displacement<4>, true},
-                                      TableColumn{"θz", displacement<5>, true}};
+  using enum TableColumn::Content;
+  using enum TableColumn::Origin;
+  static constexpr std::array columns{TableColumn{"node", wholeNumbers, input, 60, number},
+                                      TableColumn{"x", numbers, input, 90, coordinate<0>},
+                                      TableColumn{"y", numbers, input, 90, coordinate<1>},
+                                      TableColumn{"z", numbers, input, 90, coordinate<2>},
+                                      TableColumn{"Fx", numbers, input, 80, load<0>},
+                                      TableColumn{"Fy", numbers, input, 80, load<1>},
+                                      TableColumn{"Fz", numbers, input, 80, load<2>},
+                                      TableColumn{"Mx", numbers, input, 80, load<3>},
+                                      TableColumn{"My", numbers, input, 80, load<4>},
+                                      TableColumn{"Mz", numbers, input, 80, load<5>},
+                                      TableColumn{"held", text, input, 110, held},
+                                      TableColumn{"ux", numbers, result, 105, displacement<0>},
+                                      TableColumn{"uy", numbers, result, 105, displacement<1>},
+                                      TableColumn{"uz", numbers, result, 105, displacement<2>},
+                                      TableColumn{"θx", numbers, result, 105, displacement<3>},
+                                      TableColumn{"θy", numbers, result, 105, displacement<4>},
+                                      TableColumn{"θz", numbers, result, 105, displacement<5>}};
   return columns;
 }
 
 std::span<const TableColumn> elementColumns() {
-  static constexpr std::array columns{TableColumn{"kind", kind},
-                                      TableColumn{"number", position},
-                                      TableColumn{"start", startNode},
-                                      TableColumn{"end", endNode},
-                                      TableColumn{"length", lengthOf},
-                                      TableColumn{"strain", trussOnly<strainOf>, true},
-                                      TableColumn{"force", trussOnly<forceOf>, true},
-                                      TableColumn{"state", trussOnly<stateOf>, true},
-                                      TableColumn{"area", areaOf},
-                                      TableColumn{"youngModulus", youngModulus},
-                                      TableColumn{"shearModulus", beamOnly<&BeamElement::shearModulus>},
-                                      TableColumn{"inertiaY", beamOnly<&BeamElement::inertiaY>},
-                                      TableColumn{"inertiaZ", beamOnly<&BeamElement::inertiaZ>}};
+  using enum TableColumn::Content;
+  using enum TableColumn::Origin;
+  static constexpr std::array columns{
+      TableColumn{"kind", text, input, 200, kind},
+      TableColumn{"number", wholeNumbers, derived, 70, position},
+      TableColumn{"start", wholeNumbers, input, 60, startNode},
+      TableColumn{"end", wholeNumbers, input, 60, endNode},
+      TableColumn{"length", numbers, derived, 90, lengthOf},
+      TableColumn{"strain", numbers, result, 100, trussOnly<strainOf>},
+      TableColumn{"force", numbers, result, 100, trussOnly<forceOf>},
+      TableColumn{"state", text, result, 55, trussOnly<stateOf>},
+      TableColumn{"area", numbers, input, 90, areaOf},
+      TableColumn{"youngModulus", numbers, input, 110, youngModulus},
+      TableColumn{"shearModulus", numbers, input, 110, beamOnly<&BeamElement::shearModulus>},
+      TableColumn{"inertiaY", numbers, input, 90, beamOnly<&BeamElement::inertiaY>},
+      TableColumn{"inertiaZ", numbers, input, 90, beamOnly<&BeamElement::inertiaZ>}};
   return columns;
 }
 

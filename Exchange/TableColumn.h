@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -11,16 +12,28 @@
 /// One entry of a table: nothing, a whole number, a number or a text.
 using Cell = std::variant<std::monostate, std::int64_t, double, std::string>;
 
-/// A column of a table of a project's nodes or elements.
+/// A column of a table of a project's nodes or elements: in the window, in exported files and in imported ones.
 struct TableColumn {
-  std::string_view name;  ///< also its heading in a file
+  enum class Content { text, wholeNumbers, numbers };
+  enum class Origin {
+    input,    ///< an import reads it
+    derived,  ///< follows from inputs
+    result    ///< a solve gives it
+  };
+
+  std::string_view name;  ///< its heading; an import takes it in whatever case
+  Content content;
+  Origin origin;
+  int width;  ///< on a screen, in pixels
   Cell (*cell)(const Project&, std::int64_t row);
-  bool isResult = false;  ///< whether a solve gives it
 };
 
 /// A table has a row for each node, in their order. Loads, restraints and displacements are those that the project
 /// keeps for the node, six a node.
 [[nodiscard]] std::span<const TableColumn> nodeColumns();
+
+/// The words for the restrained directions of a node in its column "held", in the order of its degrees of freedom.
+inline constexpr std::array<std::string_view, dofsPerNode> heldWords{"x", "y", "z", "rx", "ry", "rz"};
 
 /// A table has a row for each bar and then for each beam. Length is the undeformed one; strain and force are those of
 /// the last assembly, positive in tension; what an element does not have is empty.

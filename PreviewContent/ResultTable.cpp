@@ -60,16 +60,15 @@ QVariant ResultTable::data(const QModelIndex& index, int role) const {
 
 QVariant ResultTable::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  return QString::fromUtf8(columns()[static_cast<std::size_t>(section)].name);
+  return QString::fromUtf8(columnAt(section).name);
 }
 
 QHash<int, QByteArray> ResultTable::roleNames() const {
   return {{Qt::DisplayRole, "display"}};
 }
 
-bool ResultTable::isOfNumbers(int column) const {
-  const std::string_view name = columns()[static_cast<std::size_t>(column)].name;
-  return name != "kind" && name != "state" && name != "held";
+bool ResultTable::holdsNumbers(int column) const {
+  return columnAt(column).content != TableColumn::Content::text;
 }
 
 void ResultTable::sortBy(int column) {
@@ -100,11 +99,12 @@ void ResultTable::mark(int row) const {
 }
 
 QString ResultTable::textAt(std::int64_t position, int column) const {
-  return QString::fromStdString(shownText(cellAt(position, columns()[static_cast<std::size_t>(column)])));
+  return QString::fromStdString(shownText(cellAt(position, columnAt(column))));
 }
 
 Cell ResultTable::cellAt(std::int64_t position, const TableColumn& column) const {
-  return column.isResult && !viewModel_->hasResults() ? Cell{} : column.cell(project(), position);
+  return column.origin == TableColumn::Origin::result && !viewModel_->hasResults() ? Cell{}
+                                                                                   : column.cell(project(), position);
 }
 
 int ResultTable::rowOf(qint64 position) const {
@@ -140,8 +140,7 @@ void ResultTable::sortPositions() {
   };
   std::vector<Key> keys;
   keys.reserve(positions_.size());
-  for (const std::int64_t position : positions_)
-    keys.push_back({cellAt(position, columns()[static_cast<std::size_t>(sortColumn_)]), position});
+  for (const std::int64_t position : positions_) keys.push_back({cellAt(position, columnAt(sortColumn_)), position});
   std::ranges::stable_sort(keys, [this](const Key& a, const Key& b) {
     if (a.isLast() || b.isLast()) return !a.isLast() && b.isLast();
     return descending_ ? b.cell < a.cell : a.cell < b.cell;

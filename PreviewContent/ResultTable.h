@@ -47,7 +47,8 @@ class ResultTable : public QAbstractTableModel {
                                     int role = Qt::DisplayRole) const override;
   [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
   /// Whether the column is to be set flush right.
-  [[nodiscard]] Q_INVOKABLE bool isOfNumbers(int column) const;
+  [[nodiscard]] Q_INVOKABLE bool holdsNumbers(int column) const;
+  [[nodiscard]] Q_INVOKABLE int columnWidth(int column) const { return columnAt(column).width; }  ///< in pixels
 
   /// Sorts by a column, or the other way round if it is sorted by it. What is empty or not a number comes last.
   Q_INVOKABLE void sortBy(int column);
@@ -65,6 +66,7 @@ class ResultTable : public QAbstractTableModel {
  private:
   [[nodiscard]] const Project& project() const { return **viewModel_->project; }
   [[nodiscard]] std::span<const TableColumn> columns() const { return ofElements_ ? elementColumns() : nodeColumns(); }
+  [[nodiscard]] const TableColumn& columnAt(int column) const { return columns()[static_cast<std::size_t>(column)]; }
   [[nodiscard]] QString textAt(std::int64_t position, int column) const;
   /// What the project has there, but no results before it was solved.
   [[nodiscard]] Cell cellAt(std::int64_t position, const TableColumn& column) const;

@@ -13,8 +13,6 @@ Item {
     readonly property int selectedRow: table.rows > 0 && selectedPosition >= 0 ? table.rowOf(selectedPosition) : -1
 
     readonly property int rowHeight: 22
-    readonly property var widths: table.ofElements ? [200, 70, 60, 60, 90, 100, 100, 55, 90, 110, 110, 90, 90]
-        : [60, 90, 90, 90, 80, 80, 80, 80, 80, 80, 110, 105, 105, 105, 105, 105, 105]
 
     function select(row) {
         if (row < 0 || row >= table.rows)
@@ -64,17 +62,16 @@ Item {
             x: -view.contentX
 
             Repeater {
-                model: root.widths
+                model: root.table.columnCount()
 
                 Rectangle {
                     id: heading
 
                     required property int index
-                    required property int modelData
                     readonly property bool sorted: root.table.sortColumn === index
 
                     objectName: "heading" + index
-                    width: modelData
+                    width: root.table.columnWidth(index)
                     height: headings.height
                     color: pointer.hovered ? root.palette.midlight : root.palette.button
 
@@ -86,7 +83,7 @@ Item {
                         }
                         text: root.table.headerData(heading.index, Qt.Horizontal)
                             + (heading.sorted ? (root.table.descending ? " ▼" : " ▲") : "")
-                        horizontalAlignment: root.table.isOfNumbers(heading.index) ? Text.AlignRight : Text.AlignLeft
+                        horizontalAlignment: root.table.holdsNumbers(heading.index) ? Text.AlignRight : Text.AlignLeft
                         verticalAlignment: Text.AlignVCenter
                         elide: Text.ElideRight
                         font.pixelSize: 12
@@ -125,7 +122,7 @@ Item {
         model: root.table
         boundsBehavior: Flickable.StopAtBounds
         rowHeightProvider: () => root.rowHeight
-        columnWidthProvider: column => root.widths[column]
+        columnWidthProvider: column => root.table.columnWidth(column)
         ScrollBar.vertical: ScrollBar {}
         ScrollBar.horizontal: ScrollBar {}
         Keys.onPressed: event => {
@@ -157,7 +154,7 @@ Item {
                 }
                 text: cell.display
                 textFormat: Text.PlainText
-                horizontalAlignment: root.table.isOfNumbers(cell.column) ? Text.AlignRight : Text.AlignLeft
+                horizontalAlignment: root.table.holdsNumbers(cell.column) ? Text.AlignRight : Text.AlignLeft
                 verticalAlignment: Text.AlignVCenter
                 elide: Text.ElideRight
                 font.pixelSize: 12

@@ -114,7 +114,7 @@ TEST_F(Tables, ShowSixDigitsAndTextsAsTheyAre) {
   EXPECT_FALSE(nodes.headerData(0, Qt::Vertical).isValid() || nodes.headerData(0, Qt::Horizontal, 99).isValid());
   for (const auto& [table, texts] : {std::pair(&nodes, QStringList{"held"}), {&elements, {"kind", "state"}}}) {
     for (int i = 0; i < table->columnCount(); ++i)
-      EXPECT_EQ(table->isOfNumbers(i), !texts.contains(table->headerData(i, Qt::Horizontal).toString())) << i;
+      EXPECT_EQ(table->holdsNumbers(i), !texts.contains(table->headerData(i, Qt::Horizontal).toString())) << i;
   }
 }
 
