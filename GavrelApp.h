@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "Managers/BundleInfo.h"
 #include "Managers/UpdateManager.h"
-#include "Platform/BundleInfo.h"
 #include "PreviewContent/ProjectViewModel.h"
 #include "PreviewContent/RecentFiles.h"
 #include "PreviewContent/Recovery.h"

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "GavrelApp.h"
+#include "Managers/BundleInfo.h"
 #include "Managers/LeftOvers.h"
 #include "Options.h"
-#include "Platform/BundleInfo.h"
 #include "Platform/Signals.h"
 #include "Screenshot.h"
 

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "Managers/BundleInfo.h"
 #include "Managers/VersionInfo.h"
-#include "Platform/BundleInfo.h"
 
 /// Why the running bundle `current`, which has a folder, cannot be replaced by the one in the folder `replacement`.
 [[nodiscard]] std::optional<QString> whyNotReplaceable(const BundleInfo& current,

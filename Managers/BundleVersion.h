@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "Platform/BundleInfo.h"
+#include "Managers/BundleInfo.h"
 
 /// Which version of the program a bundle is.
 struct BundleVersion {

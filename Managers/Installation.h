@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "Managers/BundleInfo.h"
 #include "Managers/UpdateState.h"
-#include "Platform/BundleInfo.h"
 
 /// What is to be installed, and in place of what.
 struct Installation {

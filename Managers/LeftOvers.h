@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "Platform/BundleInfo.h"
+#include "Managers/BundleInfo.h"
 #include "Platform/Result.h"
 
 /// Removes what an interrupted installation has left beside the bundle, which has a folder: its copy in "NAME.app.new"

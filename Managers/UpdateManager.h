@@ -16,10 +16,10 @@
 #include <optional>
 #include <vector>
 
+#include "Managers/BundleInfo.h"
 #include "Managers/HttpTransfer.h"
 #include "Managers/SignatureTransfer.h"
 #include "Managers/UpdateState.h"
-#include "Platform/BundleInfo.h"
 #include "Platform/Observable.h"
 
 /// Finds newer versions on the update server, downloads and installs them. How far this is stands in `state`, which

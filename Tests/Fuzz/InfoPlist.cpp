@@ -1,4 +1,4 @@
-#include "Platform/BundleInfo.h"
+#include "Managers/BundleInfo.h"
 #include "Tests/Fuzz/Require.h"
 
 /// Texts are read only from what looks like XML, and without what XML cannot hold.

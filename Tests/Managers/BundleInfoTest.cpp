@@ -1,4 +1,4 @@
-#include "Platform/BundleInfo.h"
+#include "Managers/BundleInfo.h"
 
 #include <gtest/gtest.h>
 
@@ -64,7 +64,7 @@ TEST(BundleInfo, ProgramsElsewhereStandInNone) {
     EXPECT_EQ(info.text("CFBundleName"), "built in");
   }
   EXPECT_EQ(BundleInfo::around("").url, std::nullopt);
-  EXPECT_EQ(runningProgram().filename(), "platform_tests");
+  EXPECT_EQ(runningProgram().filename(), "managers_tests");
   EXPECT_EQ(BundleInfo::around(runningProgram()).url, std::nullopt);
 }
 

@@ -1,4 +1,4 @@
-#include "Platform/BundleInfo.h"
+#include "Managers/BundleInfo.h"
 
 #include <plist/plist.h>
 
