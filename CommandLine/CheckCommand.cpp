@@ -2,7 +2,7 @@
 #include <new>
 
 #include "CommandLine/Commands.h"
-#include "DataModel/ProjectFile.h"
+#include "CommandLine/Failures.h"
 #include "Diagnosis/StructureCheck.h"
 #include "Platform/JsonWriter.h"
 
@@ -50,12 +50,9 @@ std::string toJson(const std::vector<Finding>& findings) {
 }
 
 int check(const CheckOptions& options) {
-  const auto loaded = readProject(options.model);
-  if (!loaded) {
-    std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
-    return exitStatus::failure;
-  }
-  const auto found = StructureCheck::inspectAndSolve(**loaded);
+  const auto project = readOrPrintFailure(options.model);
+  if (!project) return exitStatus::failure;
+  const auto found = StructureCheck::inspectAndSolve(*project);
   if (found.lacksMemory) throw std::bad_alloc();
   const auto& findings = found.findings;
   std::fputs((options.json ? toJson(findings) : toText(findings)).c_str(), stdout);

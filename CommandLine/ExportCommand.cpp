@@ -7,8 +7,8 @@
 #include <filesystem>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/Failures.h"
 #include "DataModel/ArrayLengths.h"
-#include "DataModel/ProjectFile.h"
 #include "Exchange/Export.h"
 #include "Platform/Console.h"
 #include "Platform/Destination.h"
@@ -26,11 +26,6 @@ struct ExportOptions {
   bool strain = false;
   bool unsolved = false;
 };
-
-int fail(const std::string& what, const std::string& reason) {
-  std::fprintf(stderr, "%s: %s\n", what.c_str(), reason.c_str());
-  return exitStatus::failure;
-}
 
 /// A path under which a program that this one starts writes to the picture: it has another standard output.
 std::string pathForAnother(const std::string& picture) {
@@ -63,16 +58,17 @@ int drawPicture(const ExportOptions& options) {
     ::_exit(exitStatus::failure);
   }
   int status = 0;
-  if (child < 0 || ::waitpid(child, &status, 0) < 0) return fail("No picture", "a program could not be started");
+  if (child < 0 || ::waitpid(child, &status, 0) < 0)
+    return printFailure("No picture", {"a program could not be started"});
   return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? exitStatus::success : exitStatus::failure;
 }
 
 int exportModel(const ExportOptions& options) {
   if (const auto refused = whyNotWritable({options.nodes, options.elements, options.vtu, options.png}, {options.model}))
-    return fail("Failed to export", refused->reason);
-  const auto loaded = readProject(options.model);
-  if (!loaded) return fail("Failed to load project", loaded.failure().reason);
-  Project& project = **loaded;
+    return printFailure("Failed to export", *refused);
+  const auto loaded = readOrPrintFailure(options.model);
+  if (!loaded) return exitStatus::failure;
+  Project& project = *loaded;
   for (const auto& misfit : ArrayLengths::of(project).misfits)
     printWarning(misfit.text() + "; the files have what belongs to nodes");
   if (!options.unsolved) project.Solve();
@@ -83,7 +79,7 @@ int exportModel(const ExportOptions& options) {
       {options.nodes, exportNodes}, {options.elements, exportElements}, {options.vtu, exportVtu}};
   for (const auto& [path, write] : files) {
     if (path.empty()) continue;
-    if (const auto failure = write(project, path, results)) return fail("Failed to export", failure->reason);
+    if (const auto failure = write(project, path, results)) return printFailure("Failed to export", *failure);
   }
   return options.png.empty() ? exitStatus::success : drawPicture(options);
 }

@@ -2,6 +2,7 @@
 #include <functional>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/Failures.h"
 #include "CommandLine/NumberOption.h"
 #include "CommandLine/Structures/Bridge.h"
 #include "CommandLine/Structures/CableNet.h"
@@ -61,8 +62,7 @@ class Kind {
       if (!objection.empty()) throw CLI::ValidationError(objection);
       auto failed = whyNotWritable({*output}, {});
       if (!failed) failed = writeProject(*structure->build(), *output);
-      if (failed) std::fprintf(stderr, "Failed to save project: %s\n", failed->reason.c_str());
-      status = failed ? exitStatus::failure : exitStatus::success;
+      status = failed ? printFailure("Failed to save project", *failed) : exitStatus::success;
     });
   }
 

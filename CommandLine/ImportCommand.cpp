@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/Failures.h"
 #include "CommandLine/NumberOption.h"
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Import.h"
@@ -20,29 +21,21 @@ struct ImportOptions {
   ImportSettings settings;
 };
 
-int fail(const char* what, const Failure& failure) {
-  std::fprintf(stderr, "%s: %s\n", what, failure.reason.c_str());
-  return exitStatus::failure;
-}
-
 int import(const ImportOptions& options) {
   // The project that is added to may be the one that is written.
   if (const auto refused = whyNotWritable({options.output}, {options.files.begin(), options.files.end()}))
-    return fail("Failed to save project", *refused);
-  auto project = std::make_shared<Project>();
-  if (!options.into.empty()) {
-    auto loaded = readProject(options.into);
-    if (!loaded) return fail("Failed to load project", loaded.failure());
-    project = *loaded;
-  }
+    return printFailure("Failed to save project", *refused);
+  const auto project = options.into.empty() ? std::make_shared<Project>() : readOrPrintFailure(options.into);
+  if (!project) return exitStatus::failure;
   if (options.into.empty())
     project->name.edit() = shownText(std::filesystem::path(options.files.front()).stem().string(), std::string::npos);
   if (!options.name.empty()) project->name.edit() = options.name;
   ImportSettings settings = options.settings;
   if (options.tolerance > 0) settings.tolerance = options.tolerance;
   const auto outcome = importFiles(*project, {options.files.begin(), options.files.end()}, settings);
-  if (!outcome) return fail("Failed to import", outcome.failure());
-  if (const auto failure = writeProject(*project, options.output)) return fail("Failed to save project", *failure);
+  if (!outcome) return printFailure("Failed to import", outcome.failure());
+  if (const auto failure = writeProject(*project, options.output))
+    return printFailure("Failed to save project", *failure);
   for (const std::string& remark : outcome->remarks) std::printf("%s\n", remark.c_str());
   std::printf("Imported %lld nodes, %lld bars, %lld beams\n", static_cast<long long>(outcome->nodes),
               static_cast<long long>(outcome->trusses), static_cast<long long>(outcome->beams));

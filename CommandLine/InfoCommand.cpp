@@ -1,8 +1,8 @@
 #include <cstdio>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/Failures.h"
 #include "CommandLine/ModelFacts.h"
-#include "DataModel/ProjectFile.h"
 
 namespace {
 
@@ -12,12 +12,9 @@ struct InfoOptions {
 };
 
 int info(const InfoOptions& options) {
-  const auto loaded = readProject(options.model);
-  if (!loaded) {
-    std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
-    return exitStatus::failure;
-  }
-  const ModelFacts facts = ModelFacts::of(**loaded);
+  const auto project = readOrPrintFailure(options.model);
+  if (!project) return exitStatus::failure;
+  const ModelFacts facts = ModelFacts::of(*project);
   std::fputs((options.json ? facts.toJson() : facts.toText()).c_str(), stdout);
   return exitStatus::success;
 }

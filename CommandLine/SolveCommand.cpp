@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/Failures.h"
 #include "CommandLine/SolveResult.h"
-#include "DataModel/ProjectFile.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
 #include "Platform/NumberText.h"
@@ -46,19 +46,12 @@ void printSummary(const Project& project, const SolveResult& result, double seco
   show("Largest compression", result.largestCompression(), "bar");
 }
 
-int reportUnsaved(const Failure& failure) {
-  std::fprintf(stderr, "Failed to save result: %s\n", failure.reason.c_str());
-  return exitStatus::failure;
-}
-
 int solve(const SolveOptions& options) {
-  if (const auto refused = whyNotWritable({options.output}, {options.model})) return reportUnsaved(*refused);
-  const auto loaded = readProject(options.model);
-  if (!loaded) {
-    std::fprintf(stderr, "Failed to load project: %s\n", loaded.failure().reason.c_str());
-    return exitStatus::failure;
-  }
-  Project& project = **loaded;
+  constexpr const char* notSaved = "Failed to save result";
+  if (const auto refused = whyNotWritable({options.output}, {options.model})) return printFailure(notSaved, *refused);
+  const auto loaded = readOrPrintFailure(options.model);
+  if (!loaded) return exitStatus::failure;
+  Project& project = *loaded;
   const bool showProgress = ::isatty(STDERR_FILENO) != 0;
   const auto start = Clock::now();
   SolveResult result{project, {}};
@@ -75,7 +68,7 @@ int solve(const SolveOptions& options) {
       JsonWriter json(sink);
       result.write(json);
     });
-    if (failed) return reportUnsaved(*failed);
+    if (failed) return printFailure(notSaved, *failed);
   }
   if (result.converged()) return exitStatus::success;
   printWarning("the solve did not converge: after " + std::to_string(result.norms.size()) +

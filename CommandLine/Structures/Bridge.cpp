@@ -55,8 +55,7 @@ std::shared_ptr<Project> Bridge::build() const {
   for (const Side& side : sides) {
     builder.hold(side.lower.front());
     builder.roller(side.lower.back());
-    for (std::size_t i = 1; i + 1 < side.lower.size(); ++i)
-      builder.load(side.lower[i], {totalLoad.x * share, totalLoad.y * share, totalLoad.z * share});
+    for (std::size_t i = 1; i + 1 < side.lower.size(); ++i) builder.load(side.lower[i], totalLoad, share);
   }
   return builder.project();
 }

@@ -29,7 +29,7 @@ std::shared_ptr<Project> CableNet::build() const {
       if (onEdge(i) || onEdge(j)) {
         builder.hold(number(i, j));
       } else {
-        builder.load(number(i, j), {totalLoad.x * share, totalLoad.y * share, totalLoad.z * share});
+        builder.load(number(i, j), totalLoad, share);
       }
     }
   return builder.project();

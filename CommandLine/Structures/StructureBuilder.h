@@ -39,7 +39,9 @@ class StructureBuilder {
   /// Holds a node sideways and vertically and leaves it free along x.
   void roller(std::int64_t node) { project_->setLoadAndRestraint(node, {}, false, true, true); }
 
-  void load(std::int64_t node, const Vector3& force) {
+  /// Loads a free node with its part of the total load.
+  void load(std::int64_t node, const Vector3& total, double share) {
+    const Vector3 force{total.x * share, total.y * share, total.z * share};
     project_->setLoadAndRestraint(node, force, false, false, false);
   }
 

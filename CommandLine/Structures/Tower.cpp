@@ -39,7 +39,6 @@ std::shared_ptr<Project> Tower::build() const {
     addSection(builder, level, above, strutDiagonals);
     level = above;
   }
-  for (const std::int64_t node : level)
-    builder.load(node, {totalLoad.x / legs, totalLoad.y / legs, totalLoad.z / legs});
+  for (const std::int64_t node : level) builder.load(node, totalLoad, 1.0 / legs);
   return builder.project();
 }
