@@ -119,7 +119,7 @@ def check_output(command, shown, got, fault):
 
 def check_commands(prose, blocks, folder, fault):
     tried = 0
-    inline = [line for line in re.findall(r"`(gavrel-cli [^`]*)`", prose) if re.search(r"\.\w", line)]
+    inline = [" ".join(line.split()) for line in re.findall(r"`(gavrel-cli [^`]*)`", prose) if re.search(r"\.\w", line)]
     blocks += [("sh", line) for line in inline]
     for language, text in blocks:
         if language == "json":
