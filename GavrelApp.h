@@ -9,8 +9,8 @@
 #include "Managers/BundleInfo.h"
 #include "Managers/UpdateManager.h"
 #include "PreviewContent/ProjectViewModel.h"
-#include "PreviewContent/RecentFiles.h"
-#include "PreviewContent/Recovery.h"
+#include "Workbench/RecentFiles.h"
+#include "Workbench/Recovery.h"
 
 /// The bundle that the program runs from or, where it runs from none, the name and version that it was built with.
 [[nodiscard]] BundleInfo mainBundle();

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import Gavrel.PreviewContent
 import Gavrel.Views
+import Gavrel.Workbench
 
 /// The main window: menus, the working surface and the status line, and the update sheet over them.
 ApplicationWindow {
@@ -65,7 +66,7 @@ ApplicationWindow {
         recentFiles: window.recentFiles
     }
 
-    ContentView {
+    Workbench {
         id: content
 
         anchors.fill: parent

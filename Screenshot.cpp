@@ -8,8 +8,8 @@
 
 #include "Platform/AtomicFile.h"
 #include "Platform/OutputFiles.h"
-#include "PreviewContent/PngFile.h"
 #include "PreviewContent/ProjectViewModel.h"
+#include "Workbench/PngFile.h"
 
 namespace {
 

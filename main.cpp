@@ -17,6 +17,7 @@
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewportPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
+Q_IMPORT_QML_PLUGIN(Gavrel_WorkbenchPlugin)
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "Benchmarks/BenchmarkLattice.h"
 #include "Benchmarks/Stopwatch.h"
-#include "PreviewContent/Recovery.h"
+#include "Workbench/Recovery.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "Benchmarks/BenchmarkLattice.h"
 #include "Benchmarks/Stopwatch.h"
-#include "PreviewContent/ResultTable.h"
+#include "Workbench/ResultTable.h"
 
 namespace {
 

@@ -4,29 +4,29 @@ import QtQuick.Layouts
 import Gavrel.PreviewContent
 import Gavrel.Views
 
-/// The main window's working surface: magnification, the 3D area, and the command row.
+/// The main window's working surface: magnification, the 3D area, and the forms for new elements. The workbench adds the
+/// rest.
 Item {
     id: root
 
     required property ProjectViewModel projectViewModel
-    required property Actions actions
     property bool showingAddNodeSheet: false
     property bool showingTrussConfigSheet: false
     property bool showingBeamConfigSheet: false
     property real displacementMagnification: 1.0
-    property bool showingConvergence: false
-    /// Set by the window while something of its own lies over this.
-    property bool covered: false
+    /// Whether the 3D area leaves what changes undrawn for a while.
+    property alias paused: view.paused
+    /// What stands below the 3D area, with a handle between them.
+    property alias panels: split.contentData
+    /// What stands below that.
+    property alias rows: column.data
 
-    readonly property alias calculation: solver
     readonly property alias visualization: view
-    readonly property alias dock: dataDock
-    readonly property alias files: flow
-    readonly property bool compact: width < 1000
-    readonly property bool narrow: width < 790
-    /// Whether a sheet or panel is open, so that what lies behind it has to wait.
-    readonly property bool blocked: covered || view.showingSheet || flow.busy
-        || [forms, convergence, endQuestion].some(sheet => sheet.presented)
+    readonly property alias heightOfPanels: split.height
+    readonly property bool showingSheet: view.showingSheet || forms.presented
+
+    signal nodeClicked(var node)
+    signal elementClicked(bool isBeam, var element)
 
     Keys.onEscapePressed: event => {
         event.accepted = projectViewModel.hasMarks;
@@ -60,29 +60,9 @@ Item {
         }
     }
 
-    FileFlow {
-        id: flow
-
-        projectViewModel: root.projectViewModel
-        onPictureWanted: file => view.grabToImage(grabbed => writePicture(grabbed.image, file))
-        onImportedIntoEmpty: view.showWhole()
-    }
-
-    DropArea {
-        anchors.fill: parent
-        enabled: !root.blocked
-        keys: ["text/uri-list"]
-        onDropped: drop => flow.drop(drop.urls)
-    }
-
-    Calculation {
-        id: solver
-
-        projectViewModel: root.projectViewModel
-        onFound: dataDock.show(0)
-    }
-
     ColumnLayout {
+        id: column
+
         anchors {
             fill: parent
             margins: 8
@@ -137,27 +117,9 @@ Item {
                 projectViewModel: root.projectViewModel
                 displacementMagnification: root.displacementMagnification
                 isStrainVisualizationActive: root.projectViewModel.isStrainVisualizationActive
-                paused: solver.running
-                onNodeClicked: node => dataDock.showNode(node)
-                onElementClicked: (isBeam, element) => dataDock.showElement(isBeam, element)
+                onNodeClicked: node => root.nodeClicked(node)
+                onElementClicked: (isBeam, element) => root.elementClicked(isBeam, element)
             }
-            DataDock {
-                id: dataDock
-
-                objectName: "dock"
-                SplitView.preferredHeight: Math.min(240, 0.4 * root.height)
-                SplitView.minimumHeight: 110
-                SplitView.maximumHeight: split.height - 110  // what a dock that was drawn up leaves to the 3D area
-                projectViewModel: root.projectViewModel
-                calculation: solver
-            }
-        }
-
-        CommandRow {
-            Layout.alignment: Qt.AlignHCenter
-            actions: root.actions
-            compact: root.compact
-            narrow: root.narrow
         }
     }
 
@@ -165,39 +127,5 @@ Item {
         id: forms
 
         content: root
-    }
-
-    Sheet {
-        id: convergence
-
-        presented: root.showingConvergence
-        onDismissed: root.showingConvergence = false
-
-        ConvergenceView {
-            outcome: solver.outcome
-            residuals: solver.residuals
-            tolerance: solver.tolerance
-        }
-    }
-
-    Sheet {
-        id: endQuestion
-
-        presented: solver.reasonToEnd !== ""
-        onDismissed: solver.answer(false)
-
-        QuestionView {
-            question: qsTr("Calculate, and end Gavrel?")
-            explanation: qsTr("%1\n\nGavrel will end. What is not saved is offered at the next start.").arg(solver.reasonToEnd)
-            losing: qsTr("Calculate Anyway")
-            nothing: ""
-            usual: qsTr("Cancel")
-            onLost: solver.answer(true)
-            onChosen: solver.answer(false)
-        }
-    }
-
-    FileSheets {
-        flow: flow
     }
 }

@@ -4,8 +4,6 @@
 #include <QObject>
 
 #include "PreviewContent/ProjectViewModel.h"
-#include "PreviewContent/RecentFiles.h"
-#include "PreviewContent/Recovery.h"
 
 /// What QML sees of the program's plain C++.
 
@@ -13,20 +11,6 @@ struct ProjectViewModelInQml {
   Q_GADGET
   QML_FOREIGN(ProjectViewModel)
   QML_NAMED_ELEMENT(ProjectViewModel)
-};
-
-struct RecoveryInQml {
-  Q_GADGET
-  QML_FOREIGN(Recovery)
-  QML_NAMED_ELEMENT(Recovery)
-  QML_UNCREATABLE("The application makes the one that there is.")
-};
-
-struct RecentFilesInQml {
-  Q_GADGET
-  QML_FOREIGN(RecentFiles)
-  QML_NAMED_ELEMENT(RecentFiles)
-  QML_UNCREATABLE("The application makes the one that there is.")
 };
 
 /// The interaction modes under their own names, which QML's enumerations cannot have.

@@ -1,7 +1,7 @@
 #include <QCryptographicHash>
 
-#include "PreviewContent/RecoveryFile.h"
 #include "Tests/Fuzz/Require.h"
+#include "Workbench/RecoveryFile.h"
 
 /// A file without its checksum: what reads is written as a file that reads as the same.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {

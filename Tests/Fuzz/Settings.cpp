@@ -1,7 +1,7 @@
 #include <QFileInfo>
 
-#include "PreviewContent/RecentPaths.h"
 #include "Tests/Fuzz/Require.h"
+#include "Workbench/RecentPaths.h"
 
 /// Whatever the settings, what they name are files that are there; a file that is added comes first, and is read back.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {

@@ -1,5 +1,4 @@
 import QtQuick
-import Gavrel.PreviewContent
 
 /// Opens the content of a sheet by itself, presses its buttons, and notes what it asks its owner for.
 ProjectCase {

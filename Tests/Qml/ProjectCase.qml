@@ -1,6 +1,7 @@
 import QtQuick
 import QtTest
 import Gavrel.PreviewContent
+import Gavrel.Workbench
 
 /// A test with a window and a model of its own, and what the program prints.
 TestCase {
@@ -9,14 +10,14 @@ TestCase {
     property ProjectViewModel model
     property Component models: Component { ProjectViewModel {} }
     property Component contents: Component {
-        ContentView {
+        Workbench {
             id: made
 
             anchors.fill: parent
             actions: Actions { content: made }
         }
     }
-    property ContentView content
+    property Workbench content
 
     when: windowShown
     visible: true

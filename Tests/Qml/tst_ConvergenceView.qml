@@ -1,6 +1,6 @@
 import QtQuick
 import QtTest
-import Gavrel.PreviewContent
+import Gavrel.Workbench
 
 Item {
     width: 700

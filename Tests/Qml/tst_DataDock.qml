@@ -1,5 +1,4 @@
 import QtQuick
-import Gavrel.PreviewContent
 
 /// Findings and tables below the 3D area, and files from other programs.
 ProjectCase {

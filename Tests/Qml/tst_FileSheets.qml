@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtTest
-import Gavrel.PreviewContent
+import Gavrel.Workbench
 
 /// The sheets in which the flow of files asks and tells.
 ProjectCase {

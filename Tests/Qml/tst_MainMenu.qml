@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtTest
 import Gavrel.PreviewContent
+import Gavrel.Workbench
 
 /// The menus, opened and pressed by their actions.
 ProjectCase {
@@ -12,7 +13,7 @@ ProjectCase {
     model: ProjectViewModel {}
     content: surface
 
-    ContentView {
+    Workbench {
         id: surface
 
         anchors.fill: parent

@@ -1,5 +1,6 @@
 import QtQuick
 import Gavrel.PreviewContent
+import Gavrel.Workbench
 
 /// Moving the camera by mouse, wheel and keys, and what is laid over the 3D area.
 ProjectCase {

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls
 import QtTest
-import Gavrel.PreviewContent
 import Gavrel.Views
 
 Item {

@@ -1,0 +1,43 @@
+#include "Workbench/DesktopAppearance.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+
+#include "Tests/Workbench/FakePortal.h"
+
+namespace {
+
+constexpr unsigned dark = 1;
+constexpr unsigned light = 2;
+
+void waitFor(bool wanted, const DesktopAppearance& appearance) {
+  QElapsedTimer timer;
+  timer.start();
+  while (appearance.dark() != wanted && !timer.hasExpired(5000)) QCoreApplication::processEvents();
+  EXPECT_EQ(appearance.dark(), wanted);
+}
+
+TEST(DesktopAppearance, FollowsThePortal) {
+  FakePortal portal(dark);
+  DesktopAppearance appearance;
+  EXPECT_FALSE(appearance.dark()) << "the palette of the tests' platform is light";
+  waitFor(true, appearance);
+  portal.change(light);
+  waitFor(false, appearance);
+  portal.change(dark);
+  waitFor(true, appearance);
+  portal.change(light, "contrast");  // another setting, then no preference: the palette decides
+  portal.change(0);
+  waitFor(false, appearance);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QGuiApplication application(argc, argv);
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,309 @@
+#include "Workbench/Recovery.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QProcess>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <random>
+#include <thread>
+#include <utility>
+
+#include "Platform/FileBytes.h"
+#include "Tests/Structures.h"
+#include "Tests/TemporaryFolder.h"
+#include "Tests/Workbench/SmallDisk.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+/// A view model with its recovery, as a process has them.
+struct RunningCopy {
+  explicit RunningCopy(const fs::path& folder) : recovery(viewModel, folder) {}
+
+  void addNodes(int count) {
+    for (int i = 0; i < count; ++i) viewModel.addNode({double(i), 1, 2}, true);
+  }
+
+  ProjectViewModel viewModel;
+  Recovery recovery;
+};
+
+std::vector<fs::path> recoveryFiles(const fs::path& folder) {
+  std::vector<fs::path> files;
+  if (!fs::exists(folder)) return files;
+  for (const auto& entry : fs::directory_iterator(folder))
+    if (entry.path().extension() == ".recovery") files.push_back(entry.path());
+  return files;
+}
+
+class RecoveryTest : public testing::Test {
+ protected:
+  TemporaryFolder files;
+  const fs::path folder = files / "recovery";
+};
+
+TEST_F(RecoveryTest, ATextThatIsNotWholeIsRefused) {
+  auto project = std::make_shared<Project>("Brücke \xFF\n");
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  project->addNode({0.1, 2, -0.0});
+  project->addNode({infinity, -infinity, 5e-324});
+  addBar(*project, 0, 1, nan, {.isNonLinear = true});
+  project->beamElements.edit().emplace_back(7, -1, 1, Vector3{}, Vector3{1, 0, 0}, 1, 2, 3, 4, 5, false);
+  project->setLoadAndRestraint(1, {1, -2, 3}, false, true, false);
+  const RecoveredProject recovered{project, "/home/a b\n1 2.json", FileStamp{1, 2, 3, 4}, QDateTime::currentDateTime()};
+  const fs::path path = files / "kept";
+  ASSERT_EQ(writeRecovery(path, recovered), std::nullopt);
+  const auto back = readRecovery(path);
+  ASSERT_TRUE(back);
+  const auto bits = [](const std::vector<double>& numbers) {
+    return std::string(reinterpret_cast<const char*>(numbers.data()), numbers.size() * sizeof(double));
+  };
+  EXPECT_EQ(bits(*back->project->X_I), bits(*project->X_I));
+  EXPECT_EQ(*back->project->F_I, *project->F_I);
+  EXPECT_EQ(*back->project->D_I, *project->D_I);
+  EXPECT_EQ(back->project->nI, 12);
+  ASSERT_EQ(std::ssize(*back->project->trussElements), 1);
+  TrussElement bar = back->project->trussElements->front();
+  EXPECT_TRUE(std::isnan(std::exchange(bar.EAL3, 0)));
+  TrussElement expected = project->trussElements->front();
+  expected.EAL3 = 0;
+  EXPECT_EQ(bar, expected);
+  EXPECT_EQ(*back->project->beamElements, *project->beamElements);
+  EXPECT_EQ(*back->project->name, *project->name);
+  EXPECT_EQ(back->file, recovered.file);
+  EXPECT_EQ(back->stamp, recovered.stamp);
+  EXPECT_EQ(back->time.toMSecsSinceEpoch(), recovered.time.toMSecsSinceEpoch());
+  const std::string text = *readFile(path);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    EXPECT_FALSE(readRecovery(files.put("short", text.substr(0, i)))) << i;
+    std::string changed = text;
+    changed[i] = static_cast<char>(changed[i] ^ 1);
+    EXPECT_FALSE(readRecovery(files.put("changed", changed))) << i;
+  }
+}
+
+TEST_F(RecoveryTest, ChangesAreKeptWithinASecondUntilTheyAreSaved) {
+  RunningCopy copy(folder);
+  EXPECT_FALSE(fs::exists(folder));
+  /// Whether what is on the disk after a second at most is what is in memory.
+  const auto isKept = [&] {
+    const auto holds = [&] {
+      const auto kept = recoveryFiles(folder);
+      if (kept.size() != 1) return false;
+      const auto content = readRecovery(kept.front());
+      const Project& now = **copy.viewModel.project;
+      return content && *content->project->X_I == *now.X_I && *content->project->trussElements == *now.trussElements &&
+             *content->project->F_I == *now.F_I;
+    };
+    const QDeadlineTimer second(1000);
+    while (!second.hasExpired() && !holds()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    return holds();
+  };
+  copy.addNodes(3);
+  EXPECT_TRUE(isKept());
+  copy.viewModel.setNonLinear(0, false);
+  EXPECT_TRUE(isKept());
+  copy.viewModel.setLoadAndRestraint(0, 1, 2, 3, false, false, false);
+  EXPECT_TRUE(isKept());
+
+  // A save that fails leaves it.
+  EXPECT_FALSE(copy.viewModel.saveProject(files / "missing/saved.json"));
+  EXPECT_TRUE(isKept());
+
+  // Another process leaves it alone.
+  RunningCopy other(folder);
+  other.recovery.lookForOffer();
+  EXPECT_FALSE(other.recovery.hasOffer());
+
+  EXPECT_TRUE(copy.viewModel.saveProject(files / "saved.json"));
+  EXPECT_FALSE(copy.viewModel.hasUnsavedChanges());
+  EXPECT_TRUE(recoveryFiles(folder).empty());
+  copy.addNodes(1);
+  EXPECT_TRUE(isKept());
+  copy.viewModel.newProject();
+  EXPECT_TRUE(recoveryFiles(folder).empty());
+}
+
+TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
+  {
+    RunningCopy gone(folder);
+    gone.viewModel.restore(std::make_shared<Project>("Brücke"), {"/somewhere/bridge.json", FileStamp{1, 2, 3, 4}});
+    gone.addNodes(4);
+    gone.viewModel.setLoadAndRestraint(2, 1, 2, 3, false, true, false);
+    gone.recovery.flush();
+    gone.recovery.keepReason("Fatal error: it could not be solved");
+  }
+  std::optional<RunningCopy> next(std::in_place, folder);
+  next->recovery.lookForOffer();
+  ASSERT_TRUE(next->recovery.hasOffer());
+  EXPECT_EQ(next->recovery.offeredName(), "Brücke");
+  EXPECT_EQ(next->recovery.offeredFile(), "bridge.json");
+  EXPECT_EQ(next->recovery.offeredReason(), "Fatal error: it could not be solved");
+  EXPECT_EQ(next->recovery.offeredDanger(), "");
+  EXPECT_EQ(next->recovery.offeredNodes(), 4);
+  EXPECT_EQ(next->recovery.offeredElements(), 3);
+  next->recovery.postponeOffer();
+  EXPECT_FALSE(next->recovery.hasOffer());
+
+  next.emplace(folder);
+  next->recovery.lookForOffer();
+  RunningCopy meanwhile(folder);
+  meanwhile.recovery.lookForOffer();
+  EXPECT_FALSE(meanwhile.recovery.hasOffer());
+  next->recovery.restoreOffer();
+  EXPECT_EQ(*next->viewModel.numberOfNodes, 4);
+  EXPECT_EQ((*(*next->viewModel.project)->F_I)[14], 3);
+  EXPECT_EQ(next->viewModel.origin().file, "/somewhere/bridge.json");
+  EXPECT_EQ(next->viewModel.origin().stamp, (FileStamp{1, 2, 3, 4}));
+  EXPECT_TRUE(next->viewModel.hasUnsavedChanges());
+  EXPECT_EQ(recoveryFiles(folder).size(), 1);  // it is kept anew, and the old file gone
+
+  // It is still there if the process ends again, and not when it is given up.
+  next.emplace(folder);
+  next->recovery.lookForOffer();
+  ASSERT_TRUE(next->recovery.hasOffer());
+  EXPECT_EQ(next->recovery.offeredReason(), "");
+  next->recovery.discardOffer();
+  EXPECT_FALSE(next->recovery.hasOffer());
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 0);
+
+  next->recovery.keepReason("nothing is kept");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 0);
+}
+
+TEST_F(RecoveryTest, DamagedFilesAreLeftAlone) {
+  fs::create_directory(folder);
+  files.put("recovery/a.recovery", "{\"sha256\":\"\"}\n{}");
+  const auto killed = files.put("recovery/.gavrel-99999999-0", "half a f");
+  fs::last_write_time(killed, fs::file_time_type::clock::now() - std::chrono::hours(1));
+  RunningCopy copy(folder);
+  testing::internal::CaptureStderr();
+  copy.recovery.lookForOffer();
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("a.recovery is left alone"));
+  EXPECT_FALSE(copy.recovery.hasOffer());
+  EXPECT_EQ(recoveryFiles(folder).size(), 1);
+  EXPECT_FALSE(fs::exists(killed)) << "what a killed process has left of its writing";
+}
+
+TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
+  // A file where the folder should be.
+  files.put("recovery", "");
+  RunningCopy copy(folder);
+  copy.addNodes(1);
+  copy.recovery.flush();
+  EXPECT_NE(copy.recovery.failure(), "");
+  fs::remove(folder);
+  copy.recovery.flush();  // tries again, though nothing has changed
+  EXPECT_EQ(copy.recovery.failure(), "");
+
+  // A disk that is full: nothing more than 100 bytes can be written.
+  ::signal(SIGXFSZ, SIG_IGN);
+  rlimit former{};
+  ::getrlimit(RLIMIT_FSIZE, &former);
+  const rlimit full{100, former.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &full);
+  copy.addNodes(1);
+  copy.recovery.flush();
+  ::setrlimit(RLIMIT_FSIZE, &former);
+  EXPECT_NE(copy.recovery.failure(), "");
+
+  const auto left = recoveryFiles(folder);
+  ASSERT_EQ(left.size(), 1);
+  const auto kept = readRecovery(left.front());
+  ASSERT_TRUE(kept);
+  EXPECT_EQ(kept->project->nodeCount(), 1);
+
+  // A number that no project file can hold is kept here.
+  copy.viewModel.addNode({std::nan(""), 0, 0}, false);
+  EXPECT_FALSE(copy.viewModel.saveProject(files / "saved.json"));
+  copy.recovery.flush();
+  EXPECT_EQ(copy.recovery.failure(), "");
+  EXPECT_TRUE(std::isnan(readRecovery(left.front())->project->getNodeCoordinates(2)->x));
+}
+
+TEST_F(RecoveryTest, OnAReadOnlyOrFullDiskTheLastFileStaysUntilThereIsRoom) {
+  fs::create_directory(folder);
+  const SmallDisk disk(folder, 64);
+  if (!disk.mounted()) GTEST_SKIP() << "Only the superuser can mount a disk.";
+  RunningCopy copy(folder);
+  const auto expectKept = [&](std::int64_t nodes) {
+    const auto kept = recoveryFiles(folder);
+    ASSERT_EQ(kept.size(), 1);
+    const auto content = readRecovery(kept.front());
+    ASSERT_TRUE(content) << content.failure().reason;
+    EXPECT_EQ(content->project->nodeCount(), nodes);
+  };
+
+  ASSERT_TRUE(disk.setReadOnly(true));
+  copy.addNodes(1);
+  copy.recovery.flush();
+  EXPECT_THAT(copy.recovery.failure().toStdString(), testing::HasSubstr("Read-only file system"));
+  ASSERT_TRUE(disk.setReadOnly(false));
+  copy.recovery.flush();
+  EXPECT_EQ(copy.recovery.failure(), "");
+  expectKept(1);
+
+  std::int64_t kept = 1;
+  for (; copy.recovery.failure() == "" && kept < 1000; kept = *copy.viewModel.numberOfNodes - 1) {
+    copy.addNodes(1);
+    copy.recovery.flush();
+  }
+  EXPECT_THAT(copy.recovery.failure().toStdString(), testing::HasSubstr("No space left on device"));
+  expectKept(kept);
+  ASSERT_TRUE(disk.setSize(1024));
+  copy.recovery.flush();
+  EXPECT_EQ(copy.recovery.failure(), "");
+  expectKept(kept + 1);
+}
+
+TEST_F(RecoveryTest, KilledAtAnyMomentAProcessLosesASecondAtMost) {
+  constexpr int rounds = KILLS / 8;
+  constexpr std::size_t atOnce = 8;
+  std::mt19937 random(20261123);
+  int kept = 0;  // processes that had something older than a second
+  for (int round = 0; round < rounds; ++round) {
+    std::vector<std::unique_ptr<QProcess>> editors;
+    std::vector<fs::path> folders;
+    for (std::size_t i = 0; i < atOnce; ++i) {
+      folders.push_back(files / std::to_string(round * 10 + static_cast<int>(i)));
+      editors.push_back(std::make_unique<QProcess>());
+      editors.back()->start(RECOVERY_EDITOR, {QString::fromStdString(folders.back().string())});
+    }
+    for (std::size_t i = 0; i < atOnce; ++i) {
+      std::this_thread::sleep_for(std::uniform_int_distribution(5, 400)(random) * 1ms);
+      editors[i]->kill();
+      const auto killed = std::chrono::steady_clock::now().time_since_epoch() / 1ms;
+      ASSERT_TRUE(editors[i]->waitForFinished());
+
+      long long due = 0;
+      for (const QByteArray& line : editors[i]->readAllStandardOutput().split('\n')) {
+        const auto fields = line.split(' ');
+        if (fields.size() == 2 && fields[1].toLongLong() < killed - 1000) due = fields[0].toLongLong();
+      }
+      RunningCopy next(folders[i]);
+      testing::internal::CaptureStderr();
+      next.recovery.lookForOffer();
+      EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // no file is damaged
+      EXPECT_GE(next.recovery.offeredNodes(), due);
+      kept += due > 0;
+    }
+  }
+  EXPECT_GT(kept, KILLS / 10);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleMock(&argc, argv);
+  const QCoreApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,296 @@
+#include "Workbench/FileFlow.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+#include "Platform/Console.h"
+#include "Workbench/FileExchange.h"
+
+namespace {
+
+bool isTableOrDrawing(const QUrl& file) {
+  const QString name = file.toString().toLower();
+  return name.endsWith(QStringLiteral(".csv")) || name.endsWith(QStringLiteral(".dxf"));
+}
+
+}  // namespace
+
+void FileFlow::setProjectViewModel(ProjectViewModel* value) {
+  viewModel_ = value;
+  connect(value, &ProjectViewModel::saveFailed, this, [this](const QString& reason) { saveFailure_ = reason; });
+  connect(value, &ProjectViewModel::openFailed, this, &FileFlow::tellOfFailedOpen);
+  connect(value, &ProjectViewModel::openHeldBack, this, [this](const QString& file, const QString& reason) {
+    askToShow(file, reason, [this] { viewModel_->openAnyway(); });
+  });
+}
+
+bool FileFlow::busy() const {
+  return !shown_.text.isEmpty() || choice_ || !filesToImport_.isEmpty();
+}
+
+void FileFlow::newProject() {
+  whenSaved([this] { viewModel_->newProject(); });
+}
+
+void FileFlow::showOpenPanel() {
+  whenSaved([this] {
+    choose({.purpose = FileRequest::OpenOne, .title = tr("Open Project"), .nameFilters = {tr("JSON files (*.json)")}},
+           [this](const QList<QUrl>& files) { viewModel_->openProject(files.first()); });
+  });
+}
+
+void FileFlow::open(const QUrl& file) {
+  whenSaved([this, file] { viewModel_->openProject(file); });
+}
+
+void FileFlow::drop(const QList<QUrl>& files) {
+  if (std::ranges::all_of(files, isTableOrDrawing)) {
+    filesToImport_ = files;
+    emit changed();
+  } else if (files.size() == 1) {
+    open(files.first());
+  } else {
+    printLine("Drop one project file at a time.");
+  }
+}
+
+void FileFlow::restorePrevious() {
+  whenSaved([this] { viewModel_->restorePrevious(); });
+}
+
+void FileFlow::restore(Recovery* recovery) {
+  whenSaved([this, recovery] {
+    const QString danger = recovery->offeredDanger();
+    if (danger.isEmpty())
+      recovery->restoreOffer();
+    else
+      askToShow(recovery->offeredName(), danger, [recovery] { recovery->restoreOffer(); });
+  });
+}
+
+bool FileFlow::mayQuit() {
+  if (!viewModel_->hasUnsavedChanges()) return true;
+  whenSaved([this] {
+    viewModel_->discardChanges();
+    emit quitConfirmed();
+  });
+  return false;
+}
+
+void FileFlow::whenSaved(Action action) {
+  if (!viewModel_->hasUnsavedChanges()) return action();
+  afterSave_ = std::move(action);
+  present();
+}
+
+void FileFlow::goOn() {
+  if (const Action action = std::exchange(afterSave_, {})) action();
+}
+
+void FileFlow::save() {
+  const QString change = viewModel_->changeOnDisk();
+  if (change.isEmpty()) return write();
+  const bool removed = change == QStringLiteral("removed");
+  ask({.question = (removed ? tr("Write “%1” anew?") : tr("Overwrite “%1”?")).arg(viewModel_->currentFileName()),
+       .text = removed ? tr("Since it was opened or saved here, the file was removed or renamed.")
+                       : tr("Since it was opened or saved here, the file was changed by another program or window. "
+                            "What was changed there is lost if you overwrite it."),
+       .losing = removed ? tr("Write Anew") : tr("Overwrite"),
+       .dismissing = tr("Cancel"),
+       .usual = tr("Save As…"),
+       .lose = [this] { write(); },
+       .dismiss = [this] { afterSave_ = {}; },
+       .choose = [this] { showSavePanel(); }});
+}
+
+void FileFlow::write() {
+  if (saved({}))
+    goOn();
+  else if (saveFailure_.isEmpty())
+    showSavePanel();
+  else
+    tellOfFailedSave(tr("Save As…"), [this] { showSavePanel(); });
+}
+
+void FileFlow::showSavePanel() {
+  choose({.purpose = FileRequest::Save,
+          .title = tr("Save Project"),
+          .acceptLabel = tr("Save"),
+          .nameFilters = {tr("JSON files (*.json)")},
+          .suffix = QStringLiteral("json"),
+          .name = nameForFiles() + QStringLiteral(".json")},
+         [this](const QList<QUrl>& files) { saveTo(files.first()); });
+}
+
+void FileFlow::saveTo(const QUrl& file) {
+  if (saved(file)) return goOn();
+  afterSave_ = {};
+  if (!saveFailure_.isEmpty()) tellOfFailedSave(tr("Close"), {});
+}
+
+bool FileFlow::saved(const QUrl& target) {
+  saveFailure_.clear();
+  return viewModel_->saveProject(target);
+}
+
+void FileFlow::showImportPanel() {
+  choose({.purpose = FileRequest::OpenMany,
+          .title = tr("Import Tables and Drawings"),
+          .acceptLabel = tr("Import"),
+          .nameFilters = {tr("Tables and drawings (*.csv *.CSV *.txt *.dxf *.DXF)")}},
+         [this](const QList<QUrl>& files) { filesToImport_ = files; });
+}
+
+void FileFlow::importFiles(double area, double youngModulus, bool isNonLinear) {
+  const bool wasEmpty = *viewModel_->numberOfNodes == 0;
+  const QList<QUrl> files = std::exchange(filesToImport_, {});
+  const QString remarks = FileExchange(*viewModel_).importFiles(files, area, youngModulus, isNonLinear);
+  if (wasEmpty) emit importedIntoEmpty();
+  tell(remarks);
+}
+
+void FileFlow::exportNodes() {
+  exportTo(QStringLiteral("nodes"), QStringLiteral("csv"),
+           [this](const QUrl& file) { tell(FileExchange(*viewModel_).exportNodes(file)); });
+}
+
+void FileFlow::exportElements() {
+  exportTo(QStringLiteral("elements"), QStringLiteral("csv"),
+           [this](const QUrl& file) { tell(FileExchange(*viewModel_).exportElements(file)); });
+}
+
+void FileFlow::exportVtu() {
+  exportTo(nameForFiles(), QStringLiteral("vtu"),
+           [this](const QUrl& file) { tell(FileExchange(*viewModel_).exportVtu(file)); });
+}
+
+void FileFlow::exportPicture() {
+  exportTo(nameForFiles(), QStringLiteral("png"), [this](const QUrl& file) { emit pictureWanted(file); });
+}
+
+void FileFlow::writePicture(const QImage& picture, const QUrl& file) {
+  tell(FileExchange(*viewModel_).exportPicture(picture, file));
+}
+
+void FileFlow::exportTo(const QString& name, const QString& suffix, const std::function<void(const QUrl&)>& write) {
+  choose({.purpose = FileRequest::Save,
+          .title = tr("Export"),
+          .acceptLabel = tr("Export"),
+          .nameFilters = {suffix.toUpper() + QStringLiteral(" (*.") + suffix + QStringLiteral(")")},
+          .suffix = suffix,
+          .name = name + QStringLiteral(".") + suffix},
+         [write](const QList<QUrl>& files) { write(files.first()); });
+}
+
+QString FileFlow::nameForFiles() const {
+  return viewModel_->projectName().replace('/', '-');
+}
+
+void FileFlow::choose(FileRequest request, Use use) {
+  if (choice_) return;
+  request.folder = viewModel_->currentFolder();
+  choice_ = {request, std::move(use)};
+  emit changed();
+  emit filesWanted(request);
+}
+
+void FileFlow::takeFiles(const QList<QUrl>& files) {
+  if (!choice_) return;
+  const Choice choice = *std::exchange(choice_, std::nullopt);
+  if (files.isEmpty())
+    afterSave_ = {};
+  else if (choice.request.purpose == FileRequest::Save && QFileInfo::exists(files.first().toLocalFile()))
+    askToReplace(choice, files);
+  else
+    choice.use(files);
+  present();
+}
+
+void FileFlow::answer(Answer given) {
+  if (shown_.text.isEmpty()) return;
+  const Prompt asked = std::exchange(shown_, {});
+  if (!prompts_.empty()) prompts_.pop_back();
+  emit changed();  // before the answer has its effect, since that may bring the next prompt
+  const Action& action = given == Lose ? asked.lose : given == Choose ? asked.choose : asked.dismiss;
+  if (action) action();
+  present();
+}
+
+void FileFlow::ask(Prompt prompt) {
+  prompts_.push_back(std::move(prompt));
+  present();
+}
+
+void FileFlow::askToReplace(const Choice& choice, const QList<QUrl>& files) {
+  const QString name = files.first().fileName();
+  ask({.question = tr("Replace “%1”?").arg(name),
+       .text = tr("There is a file of this name already. What it holds is lost if it is replaced."),
+       .losing = tr("Replace"),
+       .dismissing = tr("Cancel"),
+       .usual = tr("Choose Another Name"),
+       .lose = [choice, files] { choice.use(files); },
+       .dismiss = [this] { afterSave_ = {}; },
+       .choose =
+           [this, choice, name] {
+             FileRequest again = choice.request;
+             again.name = name;
+             choose(again, choice.use);
+           }});
+}
+
+void FileFlow::askToShow(const QString& name, const QString& danger, const Action& show) {
+  ask({.question = tr("Open “%1” although that ends Gavrel?").arg(name),
+       .text = tr("It has an element whose node does not exist: %1. Showing it ends the program.\n\n"
+                  "If you cancel, the file and the structure that is open stay as they are.")
+                   .arg(danger),
+       .losing = tr("Open Anyway"),
+       .usual = tr("Cancel"),
+       .lose = show});
+}
+
+void FileFlow::tell(const QString& text) {
+  if (text.isEmpty()) return present();
+  ask({.text = text, .dismissing = tr("Close")});
+}
+
+void FileFlow::tellOfFailedSave(const QString& closing, const Action& afterwards) {
+  const QString file = viewModel_->currentFileName();
+  ask({.text = tr("“%1” was not saved.").arg(file.isEmpty() ? viewModel_->projectName() : file) + "\n\n" + saveFailure_,
+       .dismissing = closing,
+       .dismiss = afterwards});
+}
+
+void FileFlow::tellOfFailedOpen(const QString& file, const QString& reason) {
+  ask({.text = tr("“%1” was not opened. The structure is empty now.").arg(file) + "\n\n" + reason,
+       .dismissing = tr("Close"),
+       .usual = viewModel_->hasPrevious() ? tr("Restore Previous Structure") : QString(),
+       .choose = [this] { viewModel_->restorePrevious(); }});
+}
+
+Prompt FileFlow::saveQuestion() {
+  const QString file = viewModel_->currentFileName();
+  return {.question = tr("Save the changes to “%1”?").arg(file.isEmpty() ? viewModel_->projectName() : file),
+          .text = tr("They are lost otherwise."),
+          .losing = tr("Discard"),
+          .dismissing = tr("Cancel"),
+          .usual = tr("Save"),
+          .lose = [this] { goOn(); },
+          .dismiss = [this] { afterSave_ = {}; },
+          .choose = [this] { save(); }};
+}
+
+/// Shows the latest prompt or, when nothing else is to be answered or chosen, the question about unsaved changes.
+void FileFlow::present() {
+  Prompt next;
+  if (!prompts_.empty())
+    next = prompts_.back();
+  else if (afterSave_ && !choice_)
+    next = saveQuestion();
+  if (next.question != shown_.question || next.text != shown_.text) {
+    shown_ = {};
+    emit changed();  // each is shown in a sheet of its own
+    shown_ = std::move(next);
+  }
+  emit changed();
+}

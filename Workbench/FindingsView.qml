@@ -1,0 +1,177 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Gavrel.PreviewContent
+import Gavrel.Views
+import Gavrel.Workbench
+
+/// What the check of the structure has found. A click on a finding points its nodes and elements out in the 3D area.
+Item {
+    id: root
+
+    required property ProjectViewModel projectViewModel
+    required property Calculation calculation
+    property int selected: -1
+    readonly property string summary: {
+        if (calculation.checkOutdated)
+            return qsTr("The structure was changed since this check.");
+        if (calculation.outcome === "")
+            return qsTr("Nothing was solved.");
+        return calculation.seriouslyFound ? qsTr("Solved in spite of this.") : qsTr("Solved: this is no more than a note.");
+    }
+
+    function select(index) {
+        calculation.markFinding(index);
+        selected = index;
+        list.forceActiveFocus();
+    }
+
+    function makeLinear(index) {
+        calculation.makeLinear(index);
+        calculation.run();
+    }
+
+    Connections {
+        target: root.calculation
+
+        function onFindingsChanged() {
+            root.selected = -1;
+        }
+    }
+
+    Connections {
+        target: root.projectViewModel
+
+        function onMarksChanged() {
+            root.selected = -1;  // others are pointed out now, or none
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        ListView {
+            id: list
+
+            objectName: "findings"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            model: root.calculation.findings
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+
+            delegate: Rectangle {
+                id: finding
+
+                required property int index
+                required property var modelData
+
+                width: list.width
+                height: row.implicitHeight + 16
+                color: index === root.selected ? Qt.alpha(root.palette.highlight, 0.18) : pointer.hovered ? root.palette.midlight : "transparent"
+
+                RowLayout {
+                    id: row
+
+                    anchors {
+                        left: parent.left
+                        right: parent.right
+                        verticalCenter: parent.verticalCenter
+                        leftMargin: 12
+                        rightMargin: 16
+                    }
+                    spacing: 12
+
+                    Rectangle {
+                        Layout.preferredWidth: 140
+                        implicitHeight: 22
+                        radius: 11
+                        color: finding.modelData.endsProgram ? "#c62f2f" : finding.modelData.isSerious ? "#b45f06" : "#6b7280"
+
+                        Label {
+                            anchors.centerIn: parent
+                            text: finding.modelData.consequence
+                            font.pixelSize: 12
+                            font.bold: true
+                            color: "#ffffff"
+                        }
+                    }
+                    ColumnLayout {
+                        Layout.fillWidth: true
+                        spacing: 1
+
+                        Label {
+                            text: finding.modelData.title
+                            font.bold: true
+                        }
+                        Label {
+                            Layout.fillWidth: true
+                            text: finding.modelData.text
+                            wrapMode: Text.Wrap
+                            font.pixelSize: 13
+                        }
+                    }
+                    Button {
+                        objectName: "makeLinear"
+                        visible: finding.modelData.canMakeLinear
+                        text: qsTr("Make Linear")
+                        horizontalPadding: 10
+                        // Later, since checking again makes the list, and this button with it, anew.
+                        onClicked: Qt.callLater(root.makeLinear, finding.index)
+                    }
+                }
+                HoverHandler {
+                    id: pointer
+                }
+                TapHandler {
+                    onTapped: root.select(finding.index)
+                }
+            }
+        }
+
+        Label {
+            objectName: "nothingFound"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: list.count === 0
+            wrapMode: Text.Wrap
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            opacity: 0.7
+            text: !root.calculation.checked ? qsTr("Not checked yet. Calculate checks the structure.")
+                : root.calculation.checkOutdated ? qsTr("The last check found nothing, but the structure was changed since. Calculate checks it again.")
+                : qsTr("The last check found nothing: the structure can be solved.")
+        }
+
+        RowLayout {
+            Layout.margins: 8
+            visible: list.count > 0
+            spacing: 8
+
+            Label {
+                Layout.fillWidth: true
+                Layout.leftMargin: 4
+                elide: Text.ElideRight
+                opacity: 0.8
+                font.pixelSize: 12
+                objectName: "findingsState"
+                text: root.summary + " " + qsTr("Click a finding to see where it is.")
+            }
+            Button {
+                objectName: "calculateAnyway"
+                visible: root.calculation.seriouslyFound
+                text: qsTr("Calculate Anyway")
+                horizontalPadding: 12
+                onClicked: root.calculation.runAnyway()
+            }
+            ProminentButton {
+                objectName: "checkAgain"
+                text: qsTr("Check Again")
+                horizontalPadding: 12
+                onClicked: root.calculation.run()
+            }
+        }
+    }
+}

@@ -1,0 +1,30 @@
+#include "Workbench/RecentPaths.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype most = 10;
+const QString key = QStringLiteral("recentFiles");
+
+}  // namespace
+
+QStringList RecentPaths::all() const {
+  QStringList paths = settings_.value(key).toStringList();
+  paths.removeIf([](const QString& path) { return !QFileInfo::exists(path); });
+  return paths;
+}
+
+void RecentPaths::add(const QString& path) {
+  settings_.sync();  // what other copies have added
+  QStringList paths = settings_.value(key).toStringList();
+  paths.removeAll(path);
+  paths.prepend(path);
+  settings_.setValue(key, paths.first(std::min(paths.size(), most)));
+  settings_.sync();
+}
+
+void RecentPaths::clear() {
+  settings_.remove(key);
+}

@@ -1,0 +1,234 @@
+#include "Workbench/Recovery.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QUuid>
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "Platform/AtomicFile.h"
+#include "Platform/Console.h"
+#include "Platform/FileBytes.h"
+#include "Platform/ShownText.h"
+#include "Platform/TemporaryFile.h"
+#include "PreviewContent/Drawable.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr qint64 pausesForACopy = 5;  // so that copying takes a sixth of the main thread's time at most
+// Milliseconds between copies. Without the former, quick changes would keep the disk flushing without a rest.
+constexpr qint64 shortestPause = 50;
+constexpr qint64 longestPause = 250;
+// A process that was killed may take a moment to go.
+constexpr int retries = 5;
+constexpr int retryDelay = 1000;  // milliseconds
+constexpr const char* extension = ".recovery";
+
+fs::path lockOf(const fs::path& file) {
+  return file.string() + ".lock";
+}
+
+/// Beside a recovery file: why its process has ended, where that is known.
+fs::path reasonOf(const fs::path& file) {
+  return file.string() + ".reason";
+}
+
+/// The recovery files in the folder, the last written first.
+std::vector<fs::path> filesIn(const fs::path& folder) {
+  std::vector<std::pair<fs::file_time_type, fs::path>> found;
+  std::error_code unreadable;
+  for (const auto& entry : fs::directory_iterator(folder, unreadable))
+    if (entry.path().extension() == extension) found.emplace_back(entry.last_write_time(unreadable), entry.path());
+  std::ranges::sort(found, std::greater());
+  std::vector<fs::path> files;
+  for (auto& [time, file] : found) files.push_back(std::move(file));
+  return files;
+}
+
+}  // namespace
+
+Recovery::Recovery(ProjectViewModel& viewModel, fs::path folder, QObject* parent)
+    : QObject(parent),
+      viewModel_(viewModel),
+      folder_(std::move(folder)),
+      file_(folder_ / (QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString() + extension)) {
+  writer_.setMaxThreadCount(1);
+  soon_.setSingleShot(true);
+  connect(&soon_, &QTimer::timeout, this, &Recovery::write);
+  connect(&viewModel, &ProjectViewModel::structureEdited, this, &Recovery::edited);
+  connect(&viewModel, &ProjectViewModel::endangered, this, &Recovery::flush);
+  connect(&viewModel, &ProjectViewModel::unsavedChangesChanged, this, [this] {
+    if (!viewModel_.hasUnsavedChanges()) forget();
+  });
+}
+
+Recovery::~Recovery() {
+  writer_.waitForDone();
+  std::error_code ignored;
+  if (lock_ && !fs::exists(file_, ignored)) fs::remove(lockOf(file_), ignored);
+}
+
+void Recovery::edited() {
+  pending_ = true;
+  if (soon_.isActive()) return;
+  // At once, before it is drawn, which takes its time; but one change after the other does not copy without a pause.
+  const qint64 pause = std::clamp(copyTime_ * pausesForACopy, shortestPause, longestPause);
+  const qint64 rest = sinceCopy_.isValid() ? pause - sinceCopy_.elapsed() : 0;
+  soon_.start(static_cast<int>(std::max<qint64>(rest, 0)));
+}
+
+void Recovery::write() {
+  if (!pending_) return;
+  pending_ = false;
+  if (!lock_) {
+    std::error_code ignored;
+    fs::create_directories(folder_, ignored);
+    fs::permissions(folder_, fs::perms::owner_all, ignored);
+    lock_ = FileLock::take(lockOf(file_));
+  }
+  sinceCopy_.start();
+  const auto [file, stamp] = viewModel_.origin();
+  RecoveredProject latest{(*viewModel_.project)->copy(), file, stamp, QDateTime::currentDateTime()};
+  copyTime_ = sinceCopy_.elapsed();
+  {
+    const std::scoped_lock guard(latestMutex_);
+    latest_ = std::move(latest);
+  }
+  writer_.start([this] { writeLatest(); });
+}
+
+void Recovery::writeLatest() {
+  std::optional<RecoveredProject> latest;
+  {
+    const std::scoped_lock guard(latestMutex_);
+    latest.swap(latest_);
+  }
+  if (!latest) return;  // it went along with the one before
+  const auto failure = writeRecovery(file_, *latest);
+  const auto reason = failure ? QString::fromStdString(failure->reason) : QString();
+  QMetaObject::invokeMethod(
+      this, [this, reason] { written(reason); }, Qt::QueuedConnection);
+}
+
+void Recovery::written(const QString& failure) {
+  pending_ |= !failure.isEmpty();  // to be tried again with the next change, or before the next danger
+  if (std::exchange(failure_, failure) != failure) emit failureChanged();
+}
+
+void Recovery::flush() {
+  if (!viewModel_.hasUnsavedChanges()) return;
+  finishWriting();
+  write();
+  finishWriting();
+}
+
+void Recovery::finishWriting() {
+  writer_.waitForDone();
+  QCoreApplication::sendPostedEvents(this);  // what it has to tell
+}
+
+void Recovery::forget() {
+  pending_ = false;
+  soon_.stop();
+  finishWriting();
+  pending_ = false;  // set again where the last writing has failed
+  std::error_code ignored;
+  fs::remove(file_, ignored);
+  fs::remove(reasonOf(file_), ignored);
+  if (!std::exchange(failure_, {}).isEmpty()) emit failureChanged();
+}
+
+void Recovery::lookForOffer() {
+  sweepTemporaryFiles(folder_);
+  look(retries);
+}
+
+void Recovery::look(int furtherTries) {
+  bool locked = false;
+  for (const fs::path& file : filesIn(folder_)) {
+    if (file == file_ || std::ranges::find(postponed_, file) != postponed_.end()) continue;
+    auto lock = FileLock::take(lockOf(file));
+    locked |= !lock;
+    if (!lock) continue;
+    auto content = readRecovery(file);
+    if (!content) {
+      printWarning("the recovery file " + shownText(file.string()) + " is left alone: " + content.failure().reason);
+      continue;
+    }
+    const auto reason = readFile(reasonOf(file));
+    offer_ = Offer{file, std::move(*lock), std::move(*content), reason ? *reason : ""};
+    emit offerChanged();
+    return;
+  }
+  if (locked && furtherTries > 0)
+    QTimer::singleShot(retryDelay, this, [this, furtherTries] { look(furtherTries - 1); });
+}
+
+void Recovery::restoreOffer() {
+  if (!offer_) return;
+  viewModel_.restore(offer_->content.project, {offer_->content.file, offer_->content.stamp});
+  flush();
+  if (failure_.isEmpty()) removeOfferedFile();
+  postponeOffer();
+}
+
+void Recovery::discardOffer() {
+  if (!offer_) return;
+  removeOfferedFile();
+  postponeOffer();
+  lookForOffer();
+}
+
+void Recovery::postponeOffer() {
+  if (!offer_) return;
+  postponed_.push_back(offer_->file);
+  offer_.reset();
+  emit offerChanged();
+}
+
+void Recovery::removeOfferedFile() {
+  std::error_code ignored;
+  fs::remove(offer_->file, ignored);
+  fs::remove(reasonOf(offer_->file), ignored);
+  fs::remove(lockOf(offer_->file), ignored);
+}
+
+void Recovery::keepReason(std::string_view reason) const {
+  std::error_code ignored;
+  if (!fs::exists(file_, ignored)) return;
+  if (const auto failure = replaceFile(reasonOf(file_), reason)) printWarning(failure->reason);
+}
+
+QString Recovery::offeredReason() const {
+  return offer_ ? QString::fromStdString(offer_->reason) : QString();
+}
+
+QString Recovery::offeredDanger() const {
+  const auto danger = offer_ ? whyNotDrawable(*offer_->content.project) : std::nullopt;
+  return danger ? QString::fromStdString(danger->reason) : QString();
+}
+
+QString Recovery::offeredName() const {
+  return offer_ ? QString::fromStdString(*offer_->content.project->name) : QString();
+}
+
+QString Recovery::offeredFile() const {
+  return offer_ ? QString::fromStdString(offer_->content.file.value_or("").filename().string()) : QString();
+}
+
+QString Recovery::offeredTime() const {
+  return offer_ ? QLocale().toString(offer_->content.time, QLocale::ShortFormat) : QString();
+}
+
+qint64 Recovery::offeredNodes() const {
+  return offer_ ? offer_->content.project->nodeCount() : 0;
+}
+
+qint64 Recovery::offeredElements() const {
+  if (!offer_) return 0;
+  return std::ssize(*offer_->content.project->trussElements) + std::ssize(*offer_->content.project->beamElements);
+}

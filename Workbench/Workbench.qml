@@ -1,0 +1,103 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Gavrel.PreviewContent
+import Gavrel.Views
+import Gavrel.Workbench
+
+/// The working surface with everything around it: the dock, the row of commands, files, calculation, and what these ask.
+ContentView {
+    id: root
+
+    required property Actions actions
+    property bool showingConvergence: false
+    /// Set by the window while something of its own lies over this.
+    property bool covered: false
+
+    readonly property alias calculation: solver
+    readonly property alias dock: dataDock
+    readonly property alias files: flow
+    readonly property bool compact: width < 1000
+    readonly property bool narrow: width < 790
+    /// Whether a sheet or panel is open, so that what lies behind it has to wait.
+    readonly property bool blocked: covered || showingSheet || flow.busy
+        || [convergence, endQuestion].some(sheet => sheet.presented)
+
+    paused: solver.running
+    onNodeClicked: node => dataDock.showNode(node)
+    onElementClicked: (isBeam, element) => dataDock.showElement(isBeam, element)
+
+    panels: DataDock {
+        id: dataDock
+
+        objectName: "dock"
+        SplitView.preferredHeight: Math.min(240, 0.4 * root.height)
+        SplitView.minimumHeight: 110
+        SplitView.maximumHeight: root.heightOfPanels - 110  // what a dock that was drawn up leaves to the 3D area
+        projectViewModel: root.projectViewModel
+        calculation: solver
+    }
+
+    rows: CommandRow {
+        Layout.alignment: Qt.AlignHCenter
+        actions: root.actions
+        compact: root.compact
+        narrow: root.narrow
+    }
+
+    FileFlow {
+        id: flow
+
+        projectViewModel: root.projectViewModel
+        onPictureWanted: file => root.visualization.grabToImage(grabbed => writePicture(grabbed.image, file))
+        onImportedIntoEmpty: root.visualization.showWhole()
+    }
+
+    DropArea {
+        anchors.fill: parent
+        enabled: !root.blocked
+        keys: ["text/uri-list"]
+        onDropped: drop => flow.drop(drop.urls)
+    }
+
+    Calculation {
+        id: solver
+
+        projectViewModel: root.projectViewModel
+        onFound: dataDock.show(0)
+    }
+
+    Sheet {
+        id: convergence
+
+        presented: root.showingConvergence
+        onDismissed: root.showingConvergence = false
+
+        ConvergenceView {
+            outcome: solver.outcome
+            residuals: solver.residuals
+            tolerance: solver.tolerance
+        }
+    }
+
+    Sheet {
+        id: endQuestion
+
+        presented: solver.reasonToEnd !== ""
+        onDismissed: solver.answer(false)
+
+        QuestionView {
+            question: qsTr("Calculate, and end Gavrel?")
+            explanation: qsTr("%1\n\nGavrel will end. What is not saved is offered at the next start.").arg(solver.reasonToEnd)
+            losing: qsTr("Calculate Anyway")
+            nothing: ""
+            usual: qsTr("Cancel")
+            onLost: solver.answer(true)
+            onChosen: solver.answer(false)
+        }
+    }
+
+    FileSheets {
+        flow: flow
+    }
+}
