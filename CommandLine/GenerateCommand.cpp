@@ -80,14 +80,14 @@ class Kind {
   CLI::App* command_;
 };
 
-constexpr int mostCells = 500;
+constexpr int maxCells = 500;
 const std::string nonLinearText = "Bars with large displacements and geometric stiffness";
 
 void addLattice(CLI::App& generate, int& status) {
   Kind<Lattice> kind(generate, "lattice", "A cube of n x n x n nodes, one face held, the opposite face loaded",
                      "--nodes 10 --output lattice.json");
   auto& lattice = kind.structure();
-  kind.count("-n,--nodes", lattice.nodesPerEdge, 2, mostCells, "Nodes along each edge")
+  kind.count("-n,--nodes", lattice.nodesPerEdge, 2, maxCells, "Nodes along each edge")
       .length("--spacing", lattice.spacing, "Distance between neighbours along an axis")
       .flag("--non-linear", lattice.bars.isNonLinear, nonLinearText)
       .done(status);
@@ -124,7 +124,7 @@ void addDome(CLI::App& generate, int& status) {
   auto& dome = kind.structure();
   kind.length("--span", dome.span, "Diameter of the held ring")
       .length("--rise", dome.rise, "Height of the crown above the held ring, at most half the span")
-      .count("--rings", dome.rings, 1, mostCells, "Rings, the held one included")
+      .count("--rings", dome.rings, 1, maxCells, "Rings, the held one included")
       .count("--segments", dome.segments, 3, 10000, "Nodes of each ring")
       .flag("--non-linear", dome.bars.isNonLinear, nonLinearText)
       .done(status,
@@ -138,7 +138,7 @@ void addCableNet(CLI::App& generate, int& status) {
   auto linear = std::make_shared<bool>(false);
   auto vault = std::make_shared<bool>(false);
   kind.length("--span", net.span, "Length of each edge")
-      .count("--cells", net.cells, 2, mostCells, "Cells along each edge")
+      .count("--cells", net.cells, 2, maxCells, "Cells along each edge")
       .length("--sag", net.sag, "Depth (height of a vault) in the middle")
       .flag("--linear", *linear, "Bars with small displacements; a net is non-linear otherwise")
       .flag("--vault", *vault, "Turn the net upside down, so that its bars are compressed")

@@ -14,7 +14,7 @@ struct InfoOptions {
 int info(const InfoOptions& options) {
   const auto project = readOrPrintFailure(options.model);
   if (!project) return exitStatus::failure;
-  const ModelFacts facts = ModelFacts::of(*project);
+  const ModelFacts facts = ModelFacts::gather(*project);
   std::fputs((options.json ? facts.toJson() : facts.toText()).c_str(), stdout);
   return exitStatus::success;
 }

@@ -5,22 +5,23 @@
 
 namespace {
 
-std::optional<ModelFacts::Extents> extentsOf(const Project& project) {
+std::optional<ModelFacts::Extents> measureExtents(const Project& project) {
   if (project.nodeCount() == 0) return std::nullopt;
   const Vector3 first = *project.getNodeCoordinates(0);
   ModelFacts::Extents extents{first, first};
   for (std::int64_t node = 1; node < project.nodeCount(); ++node) {
-    const Vector3 at = *project.getNodeCoordinates(node);
-    extents.least = {std::min(extents.least.x, at.x), std::min(extents.least.y, at.y), std::min(extents.least.z, at.z)};
-    extents.greatest = {std::max(extents.greatest.x, at.x), std::max(extents.greatest.y, at.y),
-                        std::max(extents.greatest.z, at.z)};
+    const Vector3 place = *project.getNodeCoordinates(node);
+    extents.least = {std::min(extents.least.x, place.x), std::min(extents.least.y, place.y),
+                     std::min(extents.least.z, place.z)};
+    extents.greatest = {std::max(extents.greatest.x, place.x), std::max(extents.greatest.y, place.y),
+                        std::max(extents.greatest.z, place.z)};
   }
   return extents;
 }
 
 }  // namespace
 
-ModelFacts ModelFacts::of(const Project& project) {
+ModelFacts ModelFacts::gather(const Project& project) {
   ModelFacts facts;
   const auto& trusses = *project.trussElements;
   facts.name = *project.name;
@@ -29,7 +30,7 @@ ModelFacts ModelFacts::of(const Project& project) {
   facts.compressionOnlyTrusses = std::ranges::count(trusses, true, &TrussElement::isCompressionOnly);
   facts.nonLinearTrusses = std::ranges::count(trusses, true, &TrussElement::isNonLinear);
   facts.beams = std::ssize(*project.beamElements);
-  facts.extents = extentsOf(project);
+  facts.extents = measureExtents(project);
 
   const auto& D = *project.D_I;
   const auto& F = *project.F_I;

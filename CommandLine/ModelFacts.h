@@ -31,7 +31,7 @@ struct ModelFacts {
   Connectivity connectivity;
   ArrayLengths arrayLengths;
 
-  [[nodiscard]] static ModelFacts of(const Project& project);
+  [[nodiscard]] static ModelFacts gather(const Project& project);
 
   /// Lines for people.
   [[nodiscard]] std::string toText() const;

@@ -17,7 +17,7 @@ std::optional<Failure> writeTable(const Project& project, std::span<const TableC
     for (std::int64_t row = 0; row < rows; ++row) {
       for (const TableColumn& column : columns) {
         if (column.origin != TableColumn::Origin::result || results == Results::written)
-          text += textOf(column.cell(project, row));
+          text += formatCell(column.cell(project, row));
         text += ',';
       }
       text.back() = '\n';

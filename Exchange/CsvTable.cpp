@@ -7,7 +7,7 @@
 
 namespace {
 
-char separatorOf(std::string_view heading) {
+char findSeparator(std::string_view heading) {
   const auto count = [heading](char c) { return std::ranges::count(heading, c); };
   if (count(';') > 0) return ';';
   return count('\t') > count(',') ? '\t' : ',';
@@ -32,12 +32,12 @@ CsvTable::CsvTable(std::string text) : text_(std::move(text)) {
     if (!trimmed(heading).empty()) break;
   }
   if (trimmed(heading).empty()) throw ImportError("line 1: the file is empty");
-  separator_ = separatorOf(heading);
+  separator_ = findSeparator(heading);
   Row row{lines.number()};
-  const std::size_t count = split(heading, row, mostColumns);
+  const std::size_t count = split(heading, row, maxColumns);
   const std::string place = "line " + std::to_string(row.line) + ": ";
-  if (count > mostColumns)
-    throw ImportError(place + std::to_string(count) + " columns; a table has at most " + std::to_string(mostColumns));
+  if (count > maxColumns)
+    throw ImportError(place + std::to_string(count) + " columns; a table has at most " + std::to_string(maxColumns));
   for (const std::string_view name : row.fields) {
     if (!name.empty() && column(name)) throw ImportError(place + "the column " + shownQuoted(name) + " stands twice");
     names_.push_back(lower(name));
@@ -64,9 +64,9 @@ bool CsvTable::readRow(Lines& lines, Row& row) const {
   return false;
 }
 
-/// Puts the first `most` values of the line into the row; returns how many there are. A value in quotation marks may
-/// hold separators, and marks that are doubled.
-std::size_t CsvTable::split(std::string_view line, Row& row, std::size_t most) const {
+/// Puts the first `maxFields` values of the line into the row; returns how many there are. A value in quotation marks
+/// may hold separators, and marks that are doubled.
+std::size_t CsvTable::split(std::string_view line, Row& row, std::size_t maxFields) const {
   row.fields.clear();
   row.unquoted.clear();
   std::size_t count = 0;
@@ -95,7 +95,7 @@ std::size_t CsvTable::split(std::string_view line, Row& row, std::size_t most) c
       if (field.find('"') != field.npos) fail(misplaced);
       line.remove_prefix(field.size());
     }
-    if (count < most) {
+    if (count < maxFields) {
       if (hasMarks) field = row.unquoted.emplace_back(withoutDoubledMarks(field));
       row.fields.push_back(trimmed(field));
     }

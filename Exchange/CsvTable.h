@@ -12,7 +12,7 @@
 /// A file of values with a heading. It keeps the file's text alone: rows are taken out of it one by one.
 class CsvTable {
  public:
-  static constexpr std::size_t mostColumns = 1000;
+  static constexpr std::size_t maxColumns = 1000;
 
   /// One line of values. They are views of the table's text, or of `unquoted`.
   struct Row {
@@ -21,7 +21,7 @@ class CsvTable {
     std::deque<std::string> unquoted = {};  ///< values that hold quotation marks
   };
 
-  /// Throws ImportError for a text without a heading, for columns of the same name and for more than `mostColumns`.
+  /// Throws ImportError for a text without a heading, for columns of the same name and for more than `maxColumns`.
   explicit CsvTable(std::string text);
 
   [[nodiscard]] const std::vector<std::string>& names() const { return names_; }  ///< in lower case
@@ -42,7 +42,7 @@ class CsvTable {
   }
 
  private:
-  std::size_t split(std::string_view line, Row& row, std::size_t most) const;
+  std::size_t split(std::string_view line, Row& row, std::size_t maxFields) const;
   bool readRow(Lines& lines, Row& row) const;
 
   std::string text_;

@@ -10,7 +10,7 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
-DxfGroup DxfGroup::at(Lines& lines) {
+DxfGroup DxfGroup::read(Lines& lines) {
   const auto code = lines.next();
   if (!code) throw ImportError("line " + std::to_string(lines.number()) + ": the file ends before its EOF");
   const std::string_view digits = trimmed(*code);
@@ -92,7 +92,7 @@ bool DxfEntities::next(DxfEntity& entity) {
   begin();
   while (!ended_) {
     const std::string_view before = lines_.rest();
-    const DxfGroup group = DxfGroup::at(lines_);
+    const DxfGroup group = DxfGroup::read(lines_);
     if (group.code == 0) {
       ended_ = group.value == "EOF";
       entersSection_ = group.value == "SECTION";

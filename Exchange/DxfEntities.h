@@ -15,7 +15,7 @@ struct DxfGroup {
   std::size_t line = 0;  ///< of the value
 
   /// The group at the next two lines. Throws ImportError if there is none.
-  [[nodiscard]] static DxfGroup at(Lines& lines);
+  [[nodiscard]] static DxfGroup read(Lines& lines);
 
   /// Throws ImportError for what is no finite number.
   [[nodiscard]] double number() const;
@@ -39,7 +39,7 @@ class DxfEntity {
   /// Calls `visit` with each group.
   template <class Visit>
   void forEachGroup(Visit&& visit) const {
-    for (Lines lines(text_, line); !lines.rest().empty();) visit(DxfGroup::at(lines));
+    for (Lines lines(text_, line); !lines.rest().empty();) visit(DxfGroup::read(lines));
   }
   [[noreturn]] void lacks(int code) const;
 

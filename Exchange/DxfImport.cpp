@@ -38,10 +38,10 @@ Path pathOfLightPolyline(const DxfEntity& entity) {
 class LeftOut {
  public:
   void add(std::string_view name, const char* why) {
-    constexpr std::size_t most = 100;  // kinds of entities; a sound drawing has fewer
+    constexpr std::size_t maxKinds = 100;  // kinds of entities; a sound drawing has fewer
     const std::string what = shownText(name) + why;
     const auto found = counts_.find(what);
-    if (found == counts_.end() && counts_.size() == most)
+    if (found == counts_.end() && counts_.size() == maxKinds)
       ++others_;
     else
       ++counts_[what];
@@ -59,7 +59,7 @@ class LeftOut {
 };
 
 /// The lines of a drawing.
-std::vector<Path> pathsOf(std::string_view dxf, LeftOut& leftOut) {
+std::vector<Path> readPaths(std::string_view dxf, LeftOut& leftOut) {
   constexpr const char* notLines = " left out: not made of straight lines in space.";
   constexpr const char* onPaper = " left out: on the sheet of paper, not in space.";
   constexpr int isMesh = 16 | 64;
@@ -94,7 +94,7 @@ std::vector<Path> pathsOf(std::string_view dxf, LeftOut& leftOut) {
   return paths;
 }
 
-double extentOf(const std::vector<Path>& paths) {
+double measureExtent(const std::vector<Path>& paths) {
   double extent = 0;
   for (const Path& path : paths)
     for (const Vector3& point : path.points) extent = std::max(extent, distance(point, paths.front().points.front()));
@@ -116,7 +116,7 @@ std::vector<Vector3> placesOfNodes(const Draft& draft) {
 void addDrawing(std::string_view dxf, Draft& draft) {
   constexpr double relativeTolerance = 1e-6;
   LeftOut leftOut;
-  auto paths = pathsOf(dxf, leftOut);
+  auto paths = readPaths(dxf, leftOut);
   std::erase_if(paths, [](const Path& path) { return path.points.empty(); });
   const auto remark = [&draft](auto count, const std::string& what) {
     if (count > 0) draft.remarks.push_back(std::to_string(count) + " " + what);
@@ -124,10 +124,10 @@ void addDrawing(std::string_view dxf, Draft& draft) {
   leftOut.forEach(remark);
   remark(std::ranges::count(paths, true, &Path::isBent), "polylines with arcs: the arcs became straight.");
 
-  const double tolerance = draft.settings.tolerance.value_or(relativeTolerance * extentOf(paths));
+  const double tolerance = draft.settings.tolerance.value_or(relativeTolerance * measureExtent(paths));
   Places places(placesOfNodes(draft), tolerance > 0 ? tolerance : relativeTolerance);
-  const auto nodeAt = [&](const Vector3& place) {
-    const std::int64_t node = places.nodeAt(place);
+  const auto findOrAddNode = [&](const Vector3& place) {
+    const std::int64_t node = places.findOrAddNode(place);
     if (node == draft.nodeCount()) draft.nodes.push_back({place});
     return node;
   };
@@ -135,8 +135,8 @@ void addDrawing(std::string_view dxf, Draft& draft) {
   std::int64_t withoutLength = 0;
   std::int64_t repeated = 0;
   const auto join = [&](const Vector3& from, const Vector3& to) {
-    const std::int64_t start = nodeAt(from);
-    const std::int64_t end = nodeAt(to);
+    const std::int64_t start = findOrAddNode(from);
+    const std::int64_t end = findOrAddNode(to);
     if (start == end) {
       ++withoutLength;
     } else if (!joined.insert(std::minmax(start, end)).second) {

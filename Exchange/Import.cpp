@@ -16,7 +16,7 @@ bool isDrawing(const std::filesystem::path& file) {
   return lower(file.extension().string()) == ".dxf";
 }
 
-Vector3 placeOf(const Draft& draft, std::int64_t node) {
+Vector3 findPlace(const Draft& draft, std::int64_t node) {
   const auto existing = draft.project.nodeCount();
   if (node >= existing) return draft.nodes[static_cast<std::size_t>(node - existing)].place;
   return *draft.project.getNodeCoordinates(node);
@@ -43,8 +43,8 @@ Result<Elements> elementsWith(const Project& project, const Draft& draft) {
   beams.reserve(beams.size() + newBeams);
   trusses.reserve(trusses.size() + draft.members.size() - newBeams);
   for (const Draft::Member& member : draft.members) {
-    const Vector3 start = placeOf(draft, member.start);
-    const Vector3 end = placeOf(draft, member.end);
+    const Vector3 start = findPlace(draft, member.start);
+    const Vector3 end = findPlace(draft, member.end);
     if (member.isBeam)
       beams.emplace_back(std::ssize(beams), member.start, member.end, start, end, member.area, member.inertiaY,
                          member.inertiaZ, member.youngModulus, member.shearModulus, member.isNonLinear);

@@ -9,7 +9,7 @@
 #include "DataModel/Project.h"
 #include "Platform/Result.h"
 
-/// What members get for which a file says nothing of it.
+/// Properties of imported members whose file does not give them.
 struct ImportSettings {
   double area = 25;
   double youngModulus = 100000;

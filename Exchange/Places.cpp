@@ -17,7 +17,7 @@ constexpr long double reach = 1 + 1e-9L;  // how far near ones may be, with room
 
 constexpr std::array axes{&Vector3::x, &Vector3::y, &Vector3::z};
 
-std::size_t middleOf(std::size_t begin, std::size_t end) {
+std::size_t findMiddle(std::size_t begin, std::size_t end) {
   return begin + (end - begin) / 2;
 }
 
@@ -50,7 +50,7 @@ void Places::enclose(std::size_t box, std::size_t begin, std::size_t end) {
   if (end - begin <= leafSize) return;
   const auto longest =
       *std::ranges::max_element(axes, {}, [&bounds](auto axis) { return bounds.high.*axis - bounds.low.*axis; });
-  const std::size_t middle = middleOf(begin, end);
+  const std::size_t middle = findMiddle(begin, end);
   const auto at = [this](std::size_t i) { return tree_.begin() + static_cast<std::ptrdiff_t>(i); };
   std::ranges::nth_element(at(begin), at(middle), at(end), {},
                            [longest](const Node& node) { return node.place.*longest; });
@@ -58,7 +58,7 @@ void Places::enclose(std::size_t box, std::size_t begin, std::size_t end) {
   enclose(2 * box + 2, middle, end);
 }
 
-std::int64_t Places::nodeAt(const Vector3& place) {
+std::int64_t Places::findOrAddNode(const Vector3& place) {
   Nearest nearest{tolerance_, none};
   searchCubes(place, nearest);
   if (!tree_.empty()) searchTree(0, 0, tree_.size(), place, nearest);
@@ -87,7 +87,7 @@ void Places::searchTree(std::size_t box, std::size_t begin, std::size_t end, con
     for (std::size_t i = begin; i < end; ++i) compare(tree_[i], place, nearest);
     return;
   }
-  const std::size_t middle = middleOf(begin, end);
+  const std::size_t middle = findMiddle(begin, end);
   const Nearest first = nearestIn(2 * box + 1, place);
   const Nearest second = nearestIn(2 * box + 2, place);
   const auto searchFirst = [&] {

@@ -25,7 +25,7 @@ class Places {
 
   /// The nearest node that is no further away than the tolerance, of equally near ones the first; otherwise a new node,
   /// numbered next.
-  [[nodiscard]] std::int64_t nodeAt(const Vector3& place);
+  [[nodiscard]] std::int64_t findOrAddNode(const Vector3& place);
 
   /// How many places and boxes it has compared so far.
   [[nodiscard]] std::int64_t comparisons() const { return comparisons_; }

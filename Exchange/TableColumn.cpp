@@ -9,24 +9,24 @@
 namespace {
 
 template <class Array>
-auto entryOf(const Array& array, std::int64_t i) {
+auto entryOrZero(const Array& array, std::int64_t i) {
   using Entry = typename Array::value_type;
   return i < std::ssize(array) ? Entry{array[static_cast<std::size_t>(i)]} : Entry{};
 }
 
 template <int direction>
 Cell coordinate(const Project& project, std::int64_t node) {
-  return entryOf(*project.X_I, 3 * node + direction);
+  return entryOrZero(*project.X_I, 3 * node + direction);
 }
 
 template <int direction>
 Cell load(const Project& project, std::int64_t node) {
-  return entryOf(*project.F_I, dofsPerNode * node + direction);
+  return entryOrZero(*project.F_I, dofsPerNode * node + direction);
 }
 
 template <int direction>
 Cell displacement(const Project& project, std::int64_t node) {
-  return entryOf(*project.U_I, dofsPerNode * node + direction);
+  return entryOrZero(*project.U_I, dofsPerNode * node + direction);
 }
 
 Cell number(const Project&, std::int64_t row) {
@@ -36,7 +36,7 @@ Cell number(const Project&, std::int64_t row) {
 Cell held(const Project& project, std::int64_t node) {
   std::string text;
   for (std::size_t k = 0; k < heldWords.size(); ++k) {
-    if (!entryOf(*project.D_I, dofsPerNode * node + static_cast<std::int64_t>(k))) continue;
+    if (!entryOrZero(*project.D_I, dofsPerNode * node + static_cast<std::int64_t>(k))) continue;
     if (!text.empty()) text += ' ';
     text += heldWords[k];
   }
@@ -45,16 +45,16 @@ Cell held(const Project& project, std::int64_t node) {
 
 /// Calls the visitor with the bar or the beam of a row.
 template <class Visit>
-Cell ofElement(const Project& project, std::int64_t row, Visit&& visit) {
+Cell visitElement(const Project& project, std::int64_t row, Visit&& visit) {
   const auto& trusses = *project.trussElements;
   if (row < std::ssize(trusses)) return visit(trusses[static_cast<std::size_t>(row)]);
   return visit((*project.beamElements)[static_cast<std::size_t>(row - std::ssize(trusses))]);
 }
 
-template <auto ofTruss>
+template <auto cell>
 Cell trussOnly(const Project& project, std::int64_t row) {
   const auto& trusses = *project.trussElements;
-  return row < std::ssize(trusses) ? ofTruss(trusses[static_cast<std::size_t>(row)]) : Cell{};
+  return row < std::ssize(trusses) ? cell(trusses[static_cast<std::size_t>(row)]) : Cell{};
 }
 
 template <double BeamElement::*member>
@@ -78,30 +78,32 @@ Cell kind(const Project& project, std::int64_t row) {
 }
 
 Cell startNode(const Project& project, std::int64_t row) {
-  return ofElement(project, row, [](const auto& element) { return element.startNodeId; });
+  return visitElement(project, row, [](const auto& element) { return element.startNodeId; });
 }
 
 Cell endNode(const Project& project, std::int64_t row) {
-  return ofElement(project, row, [](const auto& element) { return element.endNodeId; });
+  return visitElement(project, row, [](const auto& element) { return element.endNodeId; });
 }
 
-Cell lengthOf(const Project& project, std::int64_t row) {
-  return ofElement(project, row, [](const auto& element) { return length({element.dXx, element.dXy, element.dXz}); });
+Cell elementLength(const Project& project, std::int64_t row) {
+  return visitElement(project, row, [](const auto& element) {
+    return length({element.dXx, element.dXy, element.dXz});
+  });
 }
 
-Cell areaOf(const Project& project, std::int64_t row) {
-  return ofElement(project, row, [](const auto& element) { return element.area; });
+Cell elementArea(const Project& project, std::int64_t row) {
+  return visitElement(project, row, [](const auto& element) { return element.area; });
 }
 
-Cell strainOf(const TrussElement& truss) {
+Cell axialStrain(const TrussElement& truss) {
   return truss.tensileStrain();
 }
 
-Cell forceOf(const TrussElement& truss) {
+Cell axialForce(const TrussElement& truss) {
   return truss.axialForce();
 }
 
-Cell stateOf(const TrussElement& truss) {
+Cell workingState(const TrussElement& truss) {
   if (!truss.isCompressionOnly) return {};
   return truss.isOut() ? "out" : "in";
 }
@@ -109,7 +111,7 @@ Cell stateOf(const TrussElement& truss) {
 /// A modulus that makes the bar's EAL3 again, bit by bit, and has few digits if one with few does. There is one within
 /// four doubles of the quotient if EAL3 was made from one; otherwise that which comes nearest. Nothing where the bar
 /// has none.
-Cell youngModulusOf(const TrussElement& truss) {
+Cell findYoungModulus(const TrussElement& truss) {
   constexpr int digits = 13;
   constexpr int furthest = 4;
   const double L = length({truss.dXx, truss.dXy, truss.dXz});
@@ -135,7 +137,7 @@ Cell youngModulusOf(const TrussElement& truss) {
 
 Cell youngModulus(const Project& project, std::int64_t row) {
   return row < std::ssize(*project.trussElements)
-             ? youngModulusOf((*project.trussElements)[static_cast<std::size_t>(row)])
+             ? findYoungModulus((*project.trussElements)[static_cast<std::size_t>(row)])
              : beamOnly<&BeamElement::youngModulus>(project, row);
 }
 
@@ -172,11 +174,11 @@ std::span<const TableColumn> elementColumns() {
       TableColumn{"number", wholeNumbers, derived, 70, position},
       TableColumn{"start", wholeNumbers, input, 60, startNode},
       TableColumn{"end", wholeNumbers, input, 60, endNode},
-      TableColumn{"length", numbers, derived, 90, lengthOf},
-      TableColumn{"strain", numbers, result, 100, trussOnly<strainOf>},
-      TableColumn{"force", numbers, result, 100, trussOnly<forceOf>},
-      TableColumn{"state", text, result, 55, trussOnly<stateOf>},
-      TableColumn{"area", numbers, input, 90, areaOf},
+      TableColumn{"length", numbers, derived, 90, elementLength},
+      TableColumn{"strain", numbers, result, 100, trussOnly<axialStrain>},
+      TableColumn{"force", numbers, result, 100, trussOnly<axialForce>},
+      TableColumn{"state", text, result, 55, trussOnly<workingState>},
+      TableColumn{"area", numbers, input, 90, elementArea},
       TableColumn{"youngModulus", numbers, input, 110, youngModulus},
       TableColumn{"shearModulus", numbers, input, 110, beamOnly<&BeamElement::shearModulus>},
       TableColumn{"inertiaY", numbers, input, 90, beamOnly<&BeamElement::inertiaY>},
@@ -188,7 +190,7 @@ std::int64_t elementCount(const Project& project) {
   return std::ssize(*project.trussElements) + std::ssize(*project.beamElements);
 }
 
-std::string textOf(const Cell& cell) {
+std::string formatCell(const Cell& cell) {
   if (const auto* whole = std::get_if<std::int64_t>(&cell)) return std::to_string(*whole);
   if (const auto* number = std::get_if<double>(&cell)) return numberText(*number);
   if (const auto* text = std::get_if<std::string>(&cell)) return *text;

@@ -42,4 +42,4 @@ inline constexpr std::array<std::string_view, dofsPerNode> heldWords{"x", "y", "
 [[nodiscard]] std::int64_t elementCount(const Project& project);
 
 /// The shortest text that reads back to the same number; empty for nothing.
-[[nodiscard]] std::string textOf(const Cell& cell);
+[[nodiscard]] std::string formatCell(const Cell& cell);

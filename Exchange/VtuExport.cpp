@@ -21,7 +21,7 @@ struct Line {
   std::int8_t kind;
 };
 
-std::vector<Line> linesOf(const Project& project) {
+std::vector<Line> collectLines(const Project& project) {
   constexpr double none = std::numeric_limits<double>::quiet_NaN();
   std::vector<Line> lines;
   const auto add = [&](const Line& line) {
@@ -67,8 +67,8 @@ DataArray dataArray(std::string_view name, int components, std::int64_t rows,
 }
 
 /// Three of a node's entries in an array with `stride` a node; what the array lacks is 0.
-std::function<double(std::int64_t, int)> threeOf(const std::vector<double>& array, std::int64_t stride,
-                                                 std::int64_t first) {
+std::function<double(std::int64_t, int)> makeVectorReader(const std::vector<double>& array, std::int64_t stride,
+                                                          std::int64_t first) {
   return [&array, stride, first](std::int64_t node, int component) {
     const std::int64_t i = stride * node + first + component;
     return i < std::ssize(array) ? array[static_cast<std::size_t>(i)] : 0.0;
@@ -89,12 +89,12 @@ struct Section {
   std::vector<DataArray> arrays;
 };
 
-std::vector<Section> sectionsOf(const Project& project, const std::vector<Line>& lines, Results results) {
+std::vector<Section> collectSections(const Project& project, const std::vector<Line>& lines, Results results) {
   const std::int64_t nodes = project.nodeCount();
   const std::int64_t cells = std::ssize(lines);
   const auto onNodes = [&](std::string_view name, const std::vector<double>& array, std::int64_t stride,
                            std::int64_t first) {
-    return dataArray<double>(name, 3, nodes, threeOf(array, stride, first));
+    return dataArray<double>(name, 3, nodes, makeVectorReader(array, stride, first));
   };
   const auto onLines = [&](std::string_view name, double Line::*member) {
     return dataArray<double>(
@@ -126,7 +126,7 @@ std::vector<Section> sectionsOf(const Project& project, const std::vector<Line>&
   return sections;
 }
 
-std::string headOf(const std::vector<Section>& sections, std::int64_t nodes, std::int64_t cells) {
+std::string composeHead(const std::vector<Section>& sections, std::int64_t nodes, std::int64_t cells) {
   constexpr bool little = std::endian::native == std::endian::little;
   std::string head = "<?xml version=\"1.0\"?>\n<VTKFile type=\"UnstructuredGrid\" version=\"1.0\" byte_order=\"" +
                      std::string(little ? "LittleEndian" : "BigEndian") +
@@ -149,11 +149,11 @@ std::string headOf(const std::vector<Section>& sections, std::int64_t nodes, std
 }  // namespace
 
 std::optional<Failure> exportVtu(const Project& project, const std::filesystem::path& path, Results results) {
-  const auto lines = linesOf(project);
-  const auto sections = sectionsOf(project, lines, results);
+  const auto lines = collectLines(project);
+  const auto sections = collectSections(project, lines, results);
   return replaceFile(path, [&](const ByteSink& sink) {
     constexpr std::size_t piece = 1 << 16;
-    std::string bytes = headOf(sections, project.nodeCount(), std::ssize(lines));
+    std::string bytes = composeHead(sections, project.nodeCount(), std::ssize(lines));
     const auto put = [&](const void* data, std::size_t size) {
       bytes.append(static_cast<const char*>(data), size);
       if (bytes.size() < piece) return;

@@ -13,7 +13,7 @@ namespace {
 std::string shownText(const Cell& cell) {
   constexpr int shownDigits = 6;
   const auto* number = std::get_if<double>(&cell);
-  if (number == nullptr || !std::isfinite(*number)) return textOf(cell);
+  if (number == nullptr || !std::isfinite(*number)) return formatCell(cell);
   std::array<char, 32> text{};
   const double shown = *number + 0.0;  // without the sign of a negative zero
   char* const end = std::to_chars(text.begin(), text.end(), shown, std::chars_format::general, shownDigits).ptr;

@@ -21,7 +21,7 @@ std::vector<Vector3> scattered(double corner, double edge) {
 
 std::int64_t comparisonsFor(const std::vector<Vector3>& there, const std::vector<Vector3>& added, double tolerance) {
   Places places(there, tolerance);
-  for (const Vector3& place : added) EXPECT_GE(places.nodeAt(place), 0);
+  for (const Vector3& place : added) EXPECT_GE(places.findOrAddNode(place), 0);
   return places.comparisons();
 }
 
@@ -30,21 +30,21 @@ std::int64_t comparisonsFor(const std::vector<Vector3>& there, const std::vector
 TEST(Places, FindsTheNearestNodeWithinTheToleranceHoweverFarOut) {
   for (const double scale : {1.0, 1e-300, 1e150, 1e300}) {
     Places places({{0, 0, 0}, {3 * scale, 0, 0}, {3 * scale, 0, 0}}, 2 * scale);
-    const auto nodeAt = [&](double x, double y) { return places.nodeAt({x * scale, y * scale, 0}); };
-    EXPECT_EQ(nodeAt(1.25, 0), 0);
-    EXPECT_EQ(nodeAt(2, 0), 1);
-    EXPECT_EQ(nodeAt(0, 2), 0);
-    EXPECT_EQ(nodeAt(0, 2.5), 3);
-    EXPECT_EQ(nodeAt(-1, 3.75), 3);
-    EXPECT_EQ(nodeAt(-100, -100), 4);
-    EXPECT_EQ(nodeAt(-101, -101), 4);
+    const auto findOrAddNode = [&](double x, double y) { return places.findOrAddNode({x * scale, y * scale, 0}); };
+    EXPECT_EQ(findOrAddNode(1.25, 0), 0);
+    EXPECT_EQ(findOrAddNode(2, 0), 1);
+    EXPECT_EQ(findOrAddNode(0, 2), 0);
+    EXPECT_EQ(findOrAddNode(0, 2.5), 3);
+    EXPECT_EQ(findOrAddNode(-1, 3.75), 3);
+    EXPECT_EQ(findOrAddNode(-100, -100), 4);
+    EXPECT_EQ(findOrAddNode(-101, -101), 4);
   }
   Places fine({}, 1e-300);
   const double far = 1e300;
-  EXPECT_EQ(fine.nodeAt({far, 0, 0}), 0);
-  EXPECT_EQ(fine.nodeAt({std::nextafter(far, 2 * far), 0, 0}), 1);
-  EXPECT_EQ(fine.nodeAt({-std::numeric_limits<double>::max(), 0, 0}), 2);
-  EXPECT_EQ(fine.nodeAt({far, 0, 0}), 0);
+  EXPECT_EQ(fine.findOrAddNode({far, 0, 0}), 0);
+  EXPECT_EQ(fine.findOrAddNode({std::nextafter(far, 2 * far), 0, 0}), 1);
+  EXPECT_EQ(fine.findOrAddNode({-std::numeric_limits<double>::max(), 0, 0}), 2);
+  EXPECT_EQ(fine.findOrAddNode({far, 0, 0}), 0);
 }
 
 TEST(Places, AgreesWithASearchOfAllNodes) {
@@ -61,7 +61,7 @@ TEST(Places, AgreesWithASearchOfAllNodes) {
           (nearest < nodes.size() ? std::nextafter(distance(nodes[nearest], place), 0) : 0.2))
         nearest = k;
     if (nearest == nodes.size()) nodes.push_back(place);
-    ASSERT_EQ(places.nodeAt(place), static_cast<std::int64_t>(nearest));
+    ASSERT_EQ(places.findOrAddNode(place), static_cast<std::int64_t>(nearest));
   }
   EXPECT_GT(nodes.size(), there.size());
 }
