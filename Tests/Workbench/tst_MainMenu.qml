@@ -3,6 +3,7 @@ import QtQuick.Controls
 import QtTest
 import Gavrel.PreviewContent
 import Gavrel.Workbench
+import "../Qml"
 
 /// The menus, opened and pressed by their actions.
 ProjectCase {

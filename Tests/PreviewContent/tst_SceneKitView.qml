@@ -1,6 +1,7 @@
 import QtQuick
 import Gavrel.PreviewContent
 import Gavrel.Workbench
+import "../Qml"
 
 /// Moving the camera by mouse, wheel and keys, and what is laid over the 3D area.
 ProjectCase {

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtTest
 import Gavrel.Workbench
+import "../Qml"
 
 /// The sheets in which the flow of files asks and tells.
 ProjectCase {

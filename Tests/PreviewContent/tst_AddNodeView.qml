@@ -1,5 +1,6 @@
 import QtQuick
 import Gavrel.PreviewContent
+import "../Qml"
 
 FormCase {
     name: "AddNodeView"

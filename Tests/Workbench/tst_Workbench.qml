@@ -1,13 +1,14 @@
 import QtQuick
 import Gavrel.PreviewContent
+import "../Qml"
 
-/// The main window's working surface, with real clicks. The camera starts so that the point (0, 5, 0) is in the middle.
+/// The working surface with what stands around it, with real clicks. The camera starts so that the point (0, 5, 0) is in the middle.
 ProjectCase {
     id: test
 
     property VisualizationView view
 
-    name: "ContentView"
+    name: "Workbench"
     width: 1200
     height: 700
 

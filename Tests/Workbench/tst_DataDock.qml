@@ -1,4 +1,5 @@
 import QtQuick
+import "../Qml"
 
 /// Findings and tables below the 3D area, and files from other programs.
 ProjectCase {
