@@ -61,7 +61,7 @@ def check_links(document, prose, fault):
             fault(f"there is no heading for the link to {target}")
 
 
-def check_names(prose, tests, fault):
+def check_names(prose, words, tests, fault):
     for name in re.findall(r"`([^`\s]+)`", prose):
         folder = name.split("/")[0]
         if "/" in name and folder not in ("", "build") and (ROOT / folder).is_dir():
@@ -69,6 +69,8 @@ def check_names(prose, tests, fault):
                 fault(f"there is no {name}")
         if re.fullmatch(r"[A-Z]\w+\.[A-Z]\w+", name) and name not in tests:
             fault(f"there is no test {name}")
+        if re.fullmatch(r"\w*[a-z][A-Z]\w*(?<!CamelCase)(::\w+)?", name) and not words.issuperset(name.split("::")):
+            fault(f"the code has no {name}")
 
 
 def run(command, folder):
@@ -149,7 +151,11 @@ def check_commands(prose, blocks, folder, fault):
 
 
 def main():
-    sources = "\n".join(file.read_text() for file in ROOT.glob("Tests/**/*.cpp"))
+    folders = [folder for folder in ROOT.iterdir() if folder.is_dir() and folder not in (ROOT / "build", BUILD)]
+    files = [file for folder in folders for file in folder.rglob("*") if file.suffix in (".h", ".cpp", ".qml")]
+    files += [*ROOT.glob("*.h"), *ROOT.glob("*.cpp"), *ROOT.glob("*.qml")]
+    sources = "\n".join(file.read_text() for file in files)
+    words = set(re.findall(r"\w+", sources)) | {file.stem for file in files}
     tests = {f"{suite}.{name}" for suite, name in re.findall(r"^TEST(?:_[FP])?\((\w+),\s*(\w+)\)", sources, re.M)}
     tried = 0
     for document in documents():
@@ -164,7 +170,7 @@ def main():
             for name, text in INPUTS.items():
                 (Path(folder) / name).write_text(text)
             check_links(document, prose, fault)
-            check_names(prose, tests, fault)
+            check_names(prose, words, tests, fault)
             check_options(prose, folder, fault)
             tried += check_commands(prose, blocks, folder, fault)
     print("\n".join(faults) or f"{tried} commands tried, no fault found")
