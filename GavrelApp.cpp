@@ -10,7 +10,7 @@
 #include "Platform/Fatal.h"
 
 BundleInfo mainBundle() {
-  return BundleInfo::around(
+  return BundleInfo::findAround(
       runningProgram(),
       {{"CFBundleName", "Gavrel"}, {"CFBundleShortVersionString", GAVREL_VERSION}, {"CFBundleVersion", GAVREL_BUILD}});
 }

@@ -19,13 +19,13 @@ bool isControl(char c) {
 
 }  // namespace
 
-Result<ArchiveContent> contentOf(const std::filesystem::path& archive) {
+Result<ArchiveContent> readContent(const std::filesystem::path& archive) {
   const std::unique_ptr<zip_t, decltype(&zip_discard)> opened(zip_open(archive.c_str(), ZIP_RDONLY, nullptr),
                                                               &zip_discard);
   if (!opened) return Failure{cannotExtract};
   ArchiveContent content{.entries = static_cast<std::uint64_t>(zip_get_num_entries(opened.get(), ZIP_FL_UNCHANGED))};
-  if (content.entries > mostEntries)
-    return refused(QObject::tr("it has %1 entries, and at most %2 are unpacked").arg(content.entries).arg(mostEntries));
+  if (content.entries > maxEntries)
+    return refused(QObject::tr("it has %1 entries, and at most %2 are unpacked").arg(content.entries).arg(maxEntries));
 
   for (std::uint64_t i = 0; i < content.entries; ++i) {
     const char* const name = zip_get_name(opened.get(), i, ZIP_FL_ENC_RAW);
@@ -36,10 +36,10 @@ Result<ArchiveContent> contentOf(const std::filesystem::path& archive) {
     if (std::ranges::any_of(std::string_view(name), isControl))
       return refused(QObject::tr("the name of entry %1 has control characters").arg(i + 1));
     content.largestEntry = std::max(content.largestEntry, std::uint64_t{entry.size});
-    if (entry.size > mostBytes || (content.bytes += entry.size) > mostBytes)
-      return refused(QObject::tr("it has more than %1 GiB when unpacked").arg(mostBytes >> 30));
+    if (entry.size > maxBytes || (content.bytes += entry.size) > maxBytes)
+      return refused(QObject::tr("it has more than %1 GiB when unpacked").arg(maxBytes >> 30));
   }
-  if (content.bytes / mostBytesPerPackedByte > std::filesystem::file_size(archive))
-    return refused(QObject::tr("it has more than %1 times its size when unpacked").arg(mostBytesPerPackedByte));
+  if (content.bytes / maxBytesPerPackedByte > std::filesystem::file_size(archive))
+    return refused(QObject::tr("it has more than %1 times its size when unpacked").arg(maxBytesPerPackedByte));
   return content;
 }

@@ -13,13 +13,13 @@ struct ArchiveContent {
 };
 
 /// Limits of an update, far beyond any that was ever made.
-inline constexpr std::uint64_t mostEntries = 20'000;
-inline constexpr std::uint64_t mostBytes = std::uint64_t{4} << 30;
-inline constexpr std::uint64_t mostBytesPerPackedByte = 200;
+inline constexpr std::uint64_t maxEntries = 20'000;
+inline constexpr std::uint64_t maxBytes = std::uint64_t{4} << 30;
+inline constexpr std::uint64_t maxBytesPerPackedByte = 200;
 
-/// The text for an archive that is none, or damaged.
+/// The text for a file that is no archive, or a damaged one.
 inline constexpr const char* cannotExtract = "Failed to extract update";
 
-/// What is in the archive, from its directory; or why it must not be unpacked: it is none, is beyond the limits, or has
-/// a name with control characters.
-[[nodiscard]] Result<ArchiveContent> contentOf(const std::filesystem::path& archive);
+/// What is in the archive, from its directory; or why it must not be unpacked: it is no archive, is beyond the limits,
+/// or has a name with control characters.
+[[nodiscard]] Result<ArchiveContent> readContent(const std::filesystem::path& archive);

@@ -57,18 +57,18 @@ std::optional<QString> whyNotReplaceable(const BundleInfo& current, const fs::pa
 
 std::optional<QString> whyNotOffered(const BundleInfo& current, const VersionInfo& offered,
                                      const fs::path& replacement) {
-  const BundleInfo update = BundleInfo::in(replacement);
+  const BundleInfo update = BundleInfo::read(replacement);
   const auto identifier = update.text("CFBundleIdentifier");
   const auto expected = current.text("CFBundleIdentifier");
   if (identifier != expected)
     return QObject::tr("The update is another program: its identifier is \"%1\", not \"%2\".")
         .arg(QString::fromStdString(identifier.value_or("")), QString::fromStdString(expected.value_or("")));
-  const BundleVersion version = versionOf(update);
+  const BundleVersion version = readVersion(update);
   if (version != BundleVersion{offered.version, offered.build})
     return QObject::tr("The update is version %1, and %2 was offered.")
         .arg(shown(version), shown({offered.version, offered.build}));
-  if (!isNewer(version, versionOf(current)))
+  if (!isNewer(version, readVersion(current)))
     return QObject::tr("The update is version %1, which is not newer than %2.")
-        .arg(shown(version), shown(versionOf(current)));
+        .arg(shown(version), shown(readVersion(current)));
   return {};
 }

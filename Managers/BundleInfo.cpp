@@ -12,18 +12,18 @@
 namespace {
 
 /// The file's bytes; nothing if it is no file or too large for what a program says of itself.
-std::string bytesOf(const std::filesystem::path& file) {
-  constexpr std::uintmax_t mostBytes = 64 * 1024;
+std::string readBytes(const std::filesystem::path& file) {
+  constexpr std::uintmax_t maxBytes = 64 * 1024;
   std::error_code unknown;
   if (!std::filesystem::is_regular_file(file, unknown)) return {};
-  if (const auto size = std::filesystem::file_size(file, unknown); unknown || size > mostBytes) return {};
+  if (const auto size = std::filesystem::file_size(file, unknown); unknown || size > maxBytes) return {};
   auto bytes = readFile(file);
   return bytes ? std::move(*bytes) : std::string();
 }
 
 }  // namespace
 
-BundleInfo::Dictionary BundleInfo::textsOf(std::string_view xml) {
+BundleInfo::Dictionary BundleInfo::parseTexts(std::string_view xml) {
   Dictionary texts;
   plist_t parsed = nullptr;
   // Not plist_from_memory: it takes binary lists as well, and ends the process where a key of UTF-16 in one holds a
@@ -49,19 +49,19 @@ std::optional<std::string> BundleInfo::text(std::string_view key) const {
   return found == dictionary.end() ? std::nullopt : std::optional(found->second);
 }
 
-BundleInfo BundleInfo::in(const std::filesystem::path& folder) {
-  BundleInfo found{folder, {}, textsOf(bytesOf(folder / "Info.plist"))};
+BundleInfo BundleInfo::read(const std::filesystem::path& folder) {
+  BundleInfo found{folder, {}, parseTexts(readBytes(folder / "Info.plist"))};
   found.executable = found.text("CFBundleExecutable").value_or("");
   return found;
 }
 
-BundleInfo BundleInfo::around(const std::filesystem::path& program, Dictionary otherwise, std::string_view ending) {
+BundleInfo BundleInfo::findAround(const std::filesystem::path& program, Dictionary otherwise, std::string_view ending) {
   for (auto folder = program.parent_path(); folder != folder.root_path(); folder = folder.parent_path()) {
     const std::string name = folder.filename().string();
     if (!name.ends_with(ending)) continue;
     const std::filesystem::path bundleName = name.substr(0, name.size() - ending.size());
     if (bundleName.extension() != ".app") continue;
-    BundleInfo found = in(folder);
+    BundleInfo found = read(folder);
     if (found.executable == program.lexically_relative(folder)) return found;
   }
   return {{}, {}, std::move(otherwise)};

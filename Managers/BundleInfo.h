@@ -23,16 +23,16 @@ struct BundleInfo {
   [[nodiscard]] std::optional<std::string> text(std::string_view key) const;
 
   /// The bundle in `folder`, as its Info.plist tells; without any texts if that cannot be read.
-  [[nodiscard]] static BundleInfo in(const std::filesystem::path& folder);
+  [[nodiscard]] static BundleInfo read(const std::filesystem::path& folder);
 
   /// The innermost bundle around `program`: a folder above it with the extension ".app", and `ending` behind that,
   /// whose Info.plist names this very file as "CFBundleExecutable". A program installed into system folders, or run
   /// from where it was built, has none; its dictionary is then `otherwise`.
-  [[nodiscard]] static BundleInfo around(const std::filesystem::path& program, Dictionary otherwise = {},
-                                         std::string_view ending = "");
+  [[nodiscard]] static BundleInfo findAround(const std::filesystem::path& program, Dictionary otherwise = {},
+                                             std::string_view ending = "");
 
   /// The texts of a property list's top-level dictionary; empty if it is no XML property list.
-  [[nodiscard]] static Dictionary textsOf(std::string_view xml);
+  [[nodiscard]] static Dictionary parseTexts(std::string_view xml);
 };
 
 /// The file that the running process executes, free of symbolic links; empty where the system does not tell.

@@ -4,7 +4,7 @@
 
 #include "Managers/VersionInfo.h"
 
-BundleVersion versionOf(const BundleInfo& bundle) {
+BundleVersion readVersion(const BundleInfo& bundle) {
   BundleVersion found{.version = QString::fromStdString(bundle.text("CFBundleShortVersionString").value_or(""))};
   const std::string build = bundle.text("CFBundleVersion").value_or("");
   const char* const end = build.data() + build.size();

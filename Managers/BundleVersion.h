@@ -12,7 +12,7 @@ struct BundleVersion {
   friend bool operator==(const BundleVersion&, const BundleVersion&) = default;
 };
 
-[[nodiscard]] BundleVersion versionOf(const BundleInfo& bundle);
+[[nodiscard]] BundleVersion readVersion(const BundleInfo& bundle);
 
 /// Whether `candidate` is a later version than `current`, or a later build of the same version.
 [[nodiscard]] bool isNewer(const BundleVersion& candidate, const BundleVersion& current);

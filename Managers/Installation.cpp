@@ -65,7 +65,7 @@ Outcome startInstaller(const Installation& installation) try {
   // One opening for all: what is checked is what is unpacked, whatever takes the file's name meanwhile.
   const FileDescriptor archive(::open(installation.archive.toStdString().c_str(), O_RDONLY | O_CLOEXEC));
   const bool mustBeSigned = !installation.publicKeys.empty();
-  if (mustBeSigned && !isFileSigned(shown(pathOf(archive)), installation.signature, installation.publicKeys))
+  if (mustBeSigned && !isFileSigned(shown(descriptorPath(archive)), installation.signature, installation.publicKeys))
     return UpdateError{UpdateError::Case::downloadFailed, wrongSignature()};
   if (!archive.isOpen()) return failed(cannotExtract);
 
@@ -74,7 +74,7 @@ Outcome startInstaller(const Installation& installation) try {
   std::error_code ignored;
   fs::remove_all(extracted, ignored);
   fs::create_directories(extracted);
-  const auto content = contentOf(pathOf(archive));
+  const auto content = readContent(descriptorPath(archive));
   if (!content) return failed(content.failure());
   if (const auto reason = whyNoRoom(*content, extracted, current.url->parent_path())) return failed(*reason);
   if (const auto reason = unpack(archive, *content, extracted)) return failed(*reason);

@@ -64,7 +64,7 @@ std::optional<Failure> removeCopies(const BundleInfo& bundle) {
     const fs::path folder = bundle.url->string() + ending;
     const FolderLock lock(folder);
     if (!lock.isOurs() || !isThisUsers(folder)) continue;
-    if (BundleInfo::in(folder).text(identifierKey) != identifier && !hasNoContent(folder)) continue;
+    if (BundleInfo::read(folder).text(identifierKey) != identifier && !hasNoContent(folder)) continue;
     if (auto failure = removeBundle(folder)) return failure;
   }
   return {};
@@ -80,9 +80,9 @@ std::optional<Failure> removeLeftOvers(const BundleInfo& bundle) try {
 
 std::optional<Failure> settleInstallation(const fs::path& program) try {
   constexpr std::string_view ending = ".old";
-  const BundleInfo renamed = BundleInfo::around(program, {}, ending);
+  const BundleInfo renamed = BundleInfo::findAround(program, {}, ending);
   if (!renamed.url) {
-    const BundleInfo bundle = BundleInfo::around(program);
+    const BundleInfo bundle = BundleInfo::findAround(program);
     return bundle.url ? removeLeftOvers(bundle) : std::nullopt;
   }
   const std::string name = renamed.url->string();
@@ -92,7 +92,7 @@ std::optional<Failure> settleInstallation(const fs::path& program) try {
   if (fs::exists(fs::symlink_status(proper)) || isInstalling) return {};
   if (::rename(name.c_str(), proper.c_str()) != 0)
     return systemFailure("an update was interrupted; please rename \"" + name + "\" to", proper, errno);
-  return removeLeftOvers(BundleInfo::around(proper / renamed.executable));
+  return removeLeftOvers(BundleInfo::findAround(proper / renamed.executable));
 } catch (const fs::filesystem_error& error) {
   return Failure{error.what()};
 }

@@ -38,7 +38,7 @@ void limitFiles(std::uint64_t bytes) {
 
 }  // namespace
 
-fs::path pathOf(const FileDescriptor& file) {
+fs::path descriptorPath(const FileDescriptor& file) {
   return "/proc/self/fd/" + std::to_string(file.get());
 }
 
@@ -68,8 +68,8 @@ std::optional<QString> unpack(const FileDescriptor& archive, const ArchiveConten
     ::fcntl(archive.get(), F_SETFD, 0);  // stays open in unzip
   });
   unzip.setProcessChannelMode(QProcess::MergedChannels);
-  unzip.start("/usr/bin/unzip",
-              {"-q", QString::fromStdString(pathOf(archive).string()), "-d", QString::fromStdString(folder.string())});
+  unzip.start("/usr/bin/unzip", {"-q", QString::fromStdString(descriptorPath(archive).string()), "-d",
+                                 QString::fromStdString(folder.string())});
   if (!unzip.waitForStarted()) return "/usr/bin/unzip: " + unzip.errorString();
   constexpr int milliseconds = 200;
   while (unzip.state() != QProcess::NotRunning && !unzip.waitForFinished(milliseconds))

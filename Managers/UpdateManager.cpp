@@ -45,7 +45,7 @@ UpdateManager::UpdateManager(Setup setup, QObject* parent)
 UpdateManager::~UpdateManager() = default;
 
 void UpdateManager::loadCurrentVersion() {
-  const auto [version, build] = versionOf(setup_.bundle);
+  const auto [version, build] = readVersion(setup_.bundle);
   currentVersion.edit() = version;
   currentBuild.edit() = build;
 }

@@ -39,7 +39,7 @@ QByteArray quoted(const QString& text) {
   return array.sliced(1, array.size() - 2);
 }
 
-std::vector<std::int64_t> numbersOf(const QString& version) {
+std::vector<std::int64_t> parseNumbers(const QString& version) {
   std::vector<std::int64_t> numbers;
   for (const QString& piece : version.split('.', Qt::SkipEmptyParts)) {
     const std::string text = piece.toStdString();
@@ -76,8 +76,8 @@ QByteArray encode(const VersionInfo& info) {
 }
 
 bool isNewerVersion(const QString& candidate, const QString& current) {
-  auto ours = numbersOf(current);
-  auto theirs = numbersOf(candidate);
+  auto ours = parseNumbers(current);
+  auto theirs = parseNumbers(candidate);
   const auto length = std::max(ours.size(), theirs.size());
   ours.resize(length);
   theirs.resize(length);

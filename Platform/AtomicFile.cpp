@@ -115,7 +115,7 @@ std::optional<Failure> replace(const path& requested, const path& target, const 
   int code = 0;
   const char* attempt = "cannot create a file beside";
   for (const Kind kind : {Kind::unnamed, Kind::named}) {
-    TemporaryFile beside(folderOf(target), old != nullptr ? ownerOnly : anybody, kind);
+    TemporaryFile beside(parentFolder(target), old != nullptr ? ownerOnly : anybody, kind);
     if (!beside.file.isOpen()) {
       code = errno;
       continue;
@@ -144,7 +144,7 @@ std::optional<Failure> whyNotReplaceable(const path& requested) {
   if (!exists && (missing != ENOENT || isDescriptor(followLinks(requested)))) return refuse(missing);
   if (exists && S_ISDIR(old.st_mode)) return refuse(EISDIR);
   if (exists && ::access(requested.c_str(), W_OK) != 0) return refuse(errno);
-  if (!exists && ::access(folderOf(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
+  if (!exists && ::access(parentFolder(followLinks(requested)).c_str(), W_OK | X_OK) != 0)
     return systemFailure("cannot create a file beside", requested, errno);
   return std::nullopt;
 }
@@ -160,7 +160,7 @@ std::optional<Failure> replaceFile(const path& requested, const Producer& produc
   const bool exists = ::stat(requested.c_str(), &old) == 0;
   const path target = followLinks(requested);
   if (auto failure = replace(requested, target, exists ? &old : nullptr, produce)) return failure;
-  const FileDescriptor directory(::open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const FileDescriptor directory(::open(parentFolder(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (directory.isOpen()) ::fsync(directory.get());  // the new name itself; some file systems cannot, the file is whole
   return std::nullopt;
 }

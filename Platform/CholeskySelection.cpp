@@ -85,7 +85,7 @@ class Selector {
 
 }  // namespace
 
-CholeskySelection CholeskySelection::of(const SymmetricMatrix& matrix, const CholeskySelection& previous) {
+CholeskySelection CholeskySelection::select(const SymmetricMatrix& matrix, const CholeskySelection& previous) {
   return Selector(matrix, previous).run();
 }
 

@@ -42,7 +42,7 @@ struct CholeskySelection {
   std::vector<std::int64_t> sources;    ///< where in the stored values each selected entry stands
 
   /// Selects the entries that are not zero, and those that `previous` selected.
-  [[nodiscard]] static CholeskySelection of(const SymmetricMatrix& matrix, const CholeskySelection& previous);
+  [[nodiscard]] static CholeskySelection select(const SymmetricMatrix& matrix, const CholeskySelection& previous);
 
   /// Copies the selected values into `selected` (one for each source). False if a value outside the selection is not
   /// zero, so that the selection does not stand for the matrix.

@@ -23,22 +23,22 @@ path followLinks(path file) {
   return file;
 }
 
-path folderOf(const path& file) {
+path parentFolder(const path& file) {
   return file.has_parent_path() ? file.parent_path() : path(".");
 }
 
 bool isDescriptor(const path& followed) {
   std::error_code error;
   struct statfs system {};
-  return ::statfs(folderOf(followed).c_str(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC &&
-         std::filesystem::canonical(folderOf(followed), error).filename() == "fd";
+  return ::statfs(parentFolder(followed).c_str(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC &&
+         std::filesystem::canonical(parentFolder(followed), error).filename() == "fd";
 }
 
 std::optional<int> ownDescriptor(const path& file) {
   const path followed = followLinks(file);
   if (!isDescriptor(followed)) return std::nullopt;
   std::error_code error;
-  const path folder = std::filesystem::canonical(folderOf(followed), error);
+  const path folder = std::filesystem::canonical(parentFolder(followed), error);
   const bool isOwn = folder == std::filesystem::canonical("/proc/self/fd", error) ||
                      folder == std::filesystem::canonical("/proc/thread-self/fd", error);
   const std::string name = followed.filename();

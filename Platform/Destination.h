@@ -8,7 +8,7 @@
 /// What a path names where something is to be written.
 
 /// The folder that a path names a file of: "." where it names none.
-[[nodiscard]] std::filesystem::path folderOf(const std::filesystem::path& file);
+[[nodiscard]] std::filesystem::path parentFolder(const std::filesystem::path& file);
 
 /// Where the symbolic links at the end of a path lead, even where nothing stands there yet. Links that stand for open
 /// descriptors are not followed.

@@ -11,13 +11,13 @@
 
 namespace {
 
-std::string firstWordOf(const char* file) {
+std::string readFirstLine(const char* file) {
   const auto text = readFile(file);
   return text ? text->substr(0, text->find('\n')) : std::string("unknown");
 }
 
 /// When a process was started, in ticks since the machine was; none if there is no such process any more.
-std::optional<std::string> startOf(const std::string& process) {
+std::optional<std::string> readProcessStart(const std::string& process) {
   const auto status = readFile("/proc/" + process + "/stat");
   if (!status) return std::nullopt;
   // The name comes second, in parentheses, and may itself hold any characters; the state is the word after it.
@@ -40,15 +40,15 @@ struct Owner {
 
   [[nodiscard]] static Owner thisProcess() {
     const std::string process = std::to_string(::getpid());
-    return {firstWordOf("/etc/machine-id"), firstWordOf("/proc/sys/kernel/random/boot_id"), process,
-            startOf(process).value_or("unknown")};
+    return {readFirstLine("/etc/machine-id"), readFirstLine("/proc/sys/kernel/random/boot_id"), process,
+            readProcessStart(process).value_or("unknown")};
   }
 
   /// Whether the process may still run.
   [[nodiscard]] bool lives() const {
     const Owner self = thisProcess();
     if (machine != self.machine) return true;
-    return machineStart == self.machineStart && startOf(process) == processStart;
+    return machineStart == self.machineStart && readProcessStart(process) == processStart;
   }
 };
 

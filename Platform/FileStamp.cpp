@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-std::optional<FileStamp> FileStamp::of(const std::filesystem::path& path) {
+std::optional<FileStamp> FileStamp::read(const std::filesystem::path& path) {
   constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;

@@ -12,8 +12,8 @@ struct FileStamp {
   std::int64_t size = 0;     ///< bytes
   std::int64_t changed = 0;  ///< last change of the content, nanoseconds since 1970
 
-  /// Of the regular file at the path, symbolic links followed; none where there is no such file.
-  [[nodiscard]] static std::optional<FileStamp> of(const std::filesystem::path& path);
+  /// The stamp of the regular file at the path, symbolic links followed; none where there is no such file.
+  [[nodiscard]] static std::optional<FileStamp> read(const std::filesystem::path& path);
 
   bool operator==(const FileStamp&) const = default;
 };

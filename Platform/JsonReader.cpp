@@ -11,7 +11,7 @@ namespace {
 using simdjson::ondemand::json_type;
 
 /// The spelling of a value that is neither an array nor an object.
-std::string_view tokenOf(JsonValue json) {
+std::string_view readToken(JsonValue json) {
   const std::string_view token = json.raw_json_token();  // and the white space after it
   return token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
 }
@@ -26,7 +26,7 @@ std::string whatIs(JsonValue json) {
       return "an object";
     case json_type::number: {
       constexpr std::size_t longest = 40;
-      const std::string_view number = tokenOf(json);
+      const std::string_view number = readToken(json);
       return number.size() > longest ? "a number" : "the number " + shownText(number);
     }
     case json_type::string:
@@ -110,13 +110,13 @@ void throwUnexpected(std::string_view expectedType, JsonValue json) {
 }
 
 void readAnyNumber(JsonValue json, double& value) {
-  const auto number = parseJsonNumber(tokenOf(json));
+  const auto number = parseJsonNumber(readToken(json));
   if (!number) throwUnexpected("a number", json);
   value = *number;
 }
 
 void readAnyNumber(JsonValue json, std::int64_t& value) {
-  const auto number = parseJsonWholeNumber(tokenOf(json));
+  const auto number = parseJsonWholeNumber(readToken(json));
   if (!number) throwUnexpected("a whole number", json);
   value = *number;
 }

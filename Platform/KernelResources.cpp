@@ -25,7 +25,7 @@ constexpr double threadedOperations = 2e9;
 std::array<char, 23> oneKernelThread{"OPENBLAS_NUM_THREADS=1"};
 std::array<char, 19> oneLoopThread{"OMP_THREAD_LIMIT=1"};
 
-rlim_t limitOf(__rlimit_resource resource) {
+rlim_t readLimit(__rlimit_resource resource) {
   rlimit limit{};
   return ::getrlimit(resource, &limit) == 0 ? limit.rlim_cur : RLIM_INFINITY;
 }
@@ -34,7 +34,7 @@ rlim_t limitOf(__rlimit_resource resource) {
 
 void fitThreadsToMemory(int, char** arguments, char** environment) {
   const auto threads = static_cast<rlim_t>(std::max(::sysconf(_SC_NPROCESSORS_ONLN), 1L));
-  const rlim_t limit = std::min(limitOf(RLIMIT_AS), limitOf(RLIMIT_DATA));
+  const rlim_t limit = std::min(readLimit(RLIMIT_AS), readLimit(RLIMIT_DATA));
   if (limit >= programSize + threads * threadSize) return;
 
   std::vector<char*> settings;

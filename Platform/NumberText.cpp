@@ -92,8 +92,8 @@ std::optional<std::int64_t> parseJsonWholeNumber(std::string_view token) {
   const auto parsed = std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
   if (!exponentText.empty() && parsed.ec != std::errc()) return std::nullopt;
   places += exponent;
-  constexpr std::ptrdiff_t mostDigits = std::numeric_limits<std::int64_t>::digits10 + 1;
-  if (std::ssize(digits) > places || places > mostDigits) return std::nullopt;
+  constexpr std::ptrdiff_t maxDigits = std::numeric_limits<std::int64_t>::digits10 + 1;
+  if (std::ssize(digits) > places || places > maxDigits) return std::nullopt;
   digits.resize(static_cast<std::size_t>(places), '0');
   digits.insert(0, sign);
   std::int64_t number = 0;

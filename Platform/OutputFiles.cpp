@@ -23,7 +23,7 @@ struct Identity {
     struct stat status {};
     if (::stat(file.c_str(), &status) == 0) return Identity{status.st_dev, status.st_ino, {}};
     const path followed = followLinks(file);
-    if (::stat(folderOf(followed).c_str(), &status) != 0) return std::nullopt;
+    if (::stat(parentFolder(followed).c_str(), &status) != 0) return std::nullopt;
     return Identity{status.st_dev, status.st_ino, followed.filename()};
   }
 
@@ -36,7 +36,7 @@ bool isSame(const path& one, const path& other) {
 }
 
 /// The file's name, and the other one that it goes by.
-std::string namesOf(const path& file, const path& other) {
+std::string showNames(const path& file, const path& other) {
   return shownPath(file) + (file == other ? "" : " (" + shownPath(other) + ")");
 }
 
@@ -53,10 +53,10 @@ std::optional<Failure> whyNotWritable(const std::vector<path>& outputs, const st
     if (output.empty()) continue;
     for (const path& input : inputs)
       if (isFile(input) && isSame(input, output))
-        return Failure{"cannot write " + namesOf(output, input) + ", which is read: choose another file"};
+        return Failure{"cannot write " + showNames(output, input) + ", which is read: choose another file"};
     for (const path& other : std::span(outputs).first(i))
       if (!other.empty() && !(isStream(other) && isStream(output)) && isSame(other, output))
-        return Failure{"cannot write " + namesOf(output, other) + " twice: choose another file"};
+        return Failure{"cannot write " + showNames(output, other) + " twice: choose another file"};
     if (auto refused = whyNotReplaceable(output)) return refused;
   }
   return std::nullopt;

@@ -16,7 +16,7 @@ std::size_t sizeOfFirst(std::string_view text) {
   return size <= text.size() && simdjson::validate_utf8(text.data(), size) ? size : 0;
 }
 
-std::uint32_t codeOf(std::string_view character) {
+std::uint32_t decodeCharacter(std::string_view character) {
   const auto first = static_cast<unsigned char>(character.front());
   if (character.size() == 1) return first;
   std::uint32_t code = first & (0x7Fu >> character.size());
@@ -51,7 +51,7 @@ std::string shownText(std::string_view text, std::size_t longest) {
       shown += byte.data();
     } else {
       const std::string_view character = text.substr(0, size);
-      const std::uint32_t code = codeOf(character);
+      const std::uint32_t code = decodeCharacter(character);
       shown += isObeyed(code) ? escaped(code) : std::string(character);
     }
     text.remove_prefix(size == 0 ? 1 : size);

@@ -220,7 +220,7 @@ std::optional<CholeskyFault> SparseCholesky::analyse(const SymmetricMatrix& matr
   s.selected.resize(s.selection.sources.size());
   if (!s.analysed || !s.selection.gather(matrix, s.selected)) {
     s.analysis.reset();
-    s.selection = CholeskySelection::of(matrix, s.selection);
+    s.selection = CholeskySelection::select(matrix, s.selection);
     s.selected.resize(s.selection.sources.size());
     if (!s.selection.gather(matrix, s.selected)) return CholeskyFault{Kind::Malformed, 0, 0};
     s.analysed = true;

@@ -104,7 +104,7 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
   }
   const auto failure = writeProject(**project, *currentFileUrl);
   // After a failure, too: its user has agreed to replace what stands there.
-  currentFileStamp_ = FileStamp::of(*currentFileUrl);
+  currentFileStamp_ = FileStamp::read(*currentFileUrl);
   if (failure) return report(*failure);
   setFileThatHoldsIt(currentFileUrl);
   setHasUnsavedChanges(false);
@@ -132,7 +132,7 @@ bool ProjectViewModel::load(const std::optional<std::filesystem::path>& source, 
     return false;
   }
   emit endangered();
-  const auto stamp = FileStamp::of(*source);  // before it is read, so that a change meanwhile is noticed
+  const auto stamp = FileStamp::read(*source);  // before it is read, so that a change meanwhile is noticed
   auto loaded = readProject(*source);
   if (!loaded) {
     printLine("Failed to load project: " + loaded.failure().reason);
@@ -186,7 +186,7 @@ void ProjectViewModel::restorePrevious() {
 
 QString ProjectViewModel::changeOnDisk() const {
   if (!currentFileUrl) return {};
-  const auto now = FileStamp::of(*currentFileUrl);
+  const auto now = FileStamp::read(*currentFileUrl);
   if (now == currentFileStamp_) return {};
   return now ? QStringLiteral("changed") : QStringLiteral("removed");
 }

@@ -22,7 +22,8 @@ TEST(BundleInfo, IsReadFromTheBundleAroundTheProgram) {
   fs::create_directories(files / "a b.app/bin/deep.app");
   files.put("a b.app/Info.plist", propertyList("bin/deep.app/program"));
   files.put("a b.app/bin/deep.app/Info.plist", propertyList("other"));
-  const BundleInfo info = BundleInfo::around(files / "a b.app/bin/deep.app/program", {{"CFBundleName", "not this"}});
+  const BundleInfo info =
+      BundleInfo::findAround(files / "a b.app/bin/deep.app/program", {{"CFBundleName", "not this"}});
   EXPECT_EQ(info.url, files / "a b.app");
   EXPECT_EQ(info.executable, "bin/deep.app/program");
   EXPECT_EQ(info.text("CFBundleName"), "A & Ö");
@@ -31,7 +32,7 @@ TEST(BundleInfo, IsReadFromTheBundleAroundTheProgram) {
 }
 
 TEST(BundleInfo, PropertyListsThatAreNoneOrTooLargeAreNotRead) {
-  const auto readsAsNone = [](const std::string& list) { return BundleInfo::textsOf(list).empty(); };
+  const auto readsAsNone = [](const std::string& list) { return BundleInfo::parseTexts(list).empty(); };
   EXPECT_FALSE(readsAsNone(propertyList("a")));
   const char binary[] =
       "bplist00\xd1\1\2b\0\xe9\0\0Qx\x08\x0b\x10\0\0\0\0\0\0\1\1\0\0\0\0\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x12";
@@ -44,10 +45,10 @@ TEST(BundleInfo, PropertyListsThatAreNoneOrTooLargeAreNotRead) {
   const TemporaryFolder files;
   fs::create_directories(files / "a.app");
   files.put("a.app/Info.plist", propertyList("program") + std::string(100000, ' '));
-  EXPECT_EQ(BundleInfo::around(files / "a.app/program").url, std::nullopt);
+  EXPECT_EQ(BundleInfo::findAround(files / "a.app/program").url, std::nullopt);
   fs::remove(files / "a.app/Info.plist");
   fs::create_symlink("/dev/zero", files / "a.app/Info.plist");
-  EXPECT_EQ(BundleInfo::around(files / "a.app/program").url, std::nullopt);
+  EXPECT_EQ(BundleInfo::findAround(files / "a.app/program").url, std::nullopt);
 }
 
 TEST(BundleInfo, ProgramsElsewhereStandInNone) {
@@ -59,13 +60,13 @@ TEST(BundleInfo, ProgramsElsewhereStandInNone) {
   files.put("plain/Info.plist", propertyList("bin/program"));
   for (const char* program :
        {"home.app/build/program", "other.app/bin/program", "broken.app/bin/program", "plain/bin/program"}) {
-    const BundleInfo info = BundleInfo::around(files / program, {{"CFBundleName", "built in"}});
+    const BundleInfo info = BundleInfo::findAround(files / program, {{"CFBundleName", "built in"}});
     EXPECT_EQ(info.url, std::nullopt) << program;
     EXPECT_EQ(info.text("CFBundleName"), "built in");
   }
-  EXPECT_EQ(BundleInfo::around("").url, std::nullopt);
+  EXPECT_EQ(BundleInfo::findAround("").url, std::nullopt);
   EXPECT_EQ(runningProgram().filename(), "managers_tests");
-  EXPECT_EQ(BundleInfo::around(runningProgram()).url, std::nullopt);
+  EXPECT_EQ(BundleInfo::findAround(runningProgram()).url, std::nullopt);
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ class Unpacking : public testing::Test {
     files.put("a.zip", bytes);
     fs::remove_all(folder);
     fs::create_directory(folder);
-    const auto content = contentOf(files / "a.zip");
+    const auto content = readContent(files / "a.zip");
     if (!content) return content.failure().reason;
     const FileDescriptor archive(::open((files / "a.zip").c_str(), O_RDONLY | O_CLOEXEC));
     return unpack(archive, *content, folder).value_or("").toStdString();

@@ -262,28 +262,28 @@ TEST(AtomicFile, IsWrittenOverWhereNothingCanBePutInItsPlace) {
 TEST(FileStamp, IsAnotherOneAfterEachChangeByAnybody) {
   const TemporaryFolder folder;
   const auto file = folder.put("file", "content");
-  EXPECT_EQ(FileStamp::of(folder / "none"), std::nullopt);
-  EXPECT_EQ(FileStamp::of(folder.path()), std::nullopt);
-  const auto old = FileStamp::of(file);
+  EXPECT_EQ(FileStamp::read(folder / "none"), std::nullopt);
+  EXPECT_EQ(FileStamp::read(folder.path()), std::nullopt);
+  const auto old = FileStamp::read(file);
   ASSERT_TRUE(old);
-  EXPECT_EQ(FileStamp::of(file), old);
+  EXPECT_EQ(FileStamp::read(file), old);
   fs::create_symlink(file, folder / "link");
-  EXPECT_EQ(FileStamp::of(folder / "link"), old);
+  EXPECT_EQ(FileStamp::read(folder / "link"), old);
   ::chmod(file.c_str(), 0600);
-  EXPECT_EQ(FileStamp::of(file), old);
+  EXPECT_EQ(FileStamp::read(file), old);
 
   const auto time = fs::last_write_time(file);
   fs::last_write_time(file, time + std::chrono::nanoseconds(1000));  // the same bytes, written later
-  EXPECT_NE(FileStamp::of(file), old);
+  EXPECT_NE(FileStamp::read(file), old);
   fs::last_write_time(file, time);
-  EXPECT_EQ(FileStamp::of(file), old);
+  EXPECT_EQ(FileStamp::read(file), old);
   folder.put("file", "longer content");
   fs::last_write_time(file, time);
-  EXPECT_NE(FileStamp::of(file), old);
+  EXPECT_NE(FileStamp::read(file), old);
   folder.put("other", "content");
   fs::last_write_time(folder / "other", time);
   fs::rename(folder / "other", file);
-  EXPECT_NE(FileStamp::of(file), old);
+  EXPECT_NE(FileStamp::read(file), old);
 }
 
 /// What a process that took the lock and is still running, or was killed, leaves to another one. Ends the process.
