@@ -69,7 +69,7 @@ int exportModel(const ExportOptions& options) {
   const auto loaded = readOrPrintFailure(options.model);
   if (!loaded) return exitStatus::failure;
   Project& project = *loaded;
-  for (const auto& misfit : ArrayLengths::of(project).misfits)
+  for (const auto& misfit : ArrayLengths::check(project).misfits)
     printWarning(misfit.text() + "; the files have what belongs to nodes");
   if (!options.unsolved) project.Solve();
 

@@ -46,7 +46,7 @@ ModelFacts ModelFacts::gather(const Project& project) {
     if (direction == 2) facts.totalLoad.z += F[i];
   }
 
-  facts.connectivity = Connectivity::of(project);
-  facts.arrayLengths = ArrayLengths::of(project);
+  facts.connectivity = Connectivity::examine(project);
+  facts.arrayLengths = ArrayLengths::check(project);
   return facts;
 }

@@ -14,7 +14,7 @@ std::string ArrayLengths::Misfit::text() const {
          counted(nodes, "node has ", "nodes have ") + std::to_string(wanted);
 }
 
-ArrayLengths ArrayLengths::of(const Project& project) {
+ArrayLengths ArrayLengths::check(const Project& project) {
   ArrayLengths lengths;
   const std::int64_t nodes = project.nodeCount();
   const auto compare = [&lengths](std::string_view array, std::int64_t entries, std::int64_t wanted) {
@@ -27,7 +27,7 @@ ArrayLengths ArrayLengths::of(const Project& project) {
 }
 
 Result<std::vector<std::string>> fitArrays(Project& project) {
-  const auto lengths = ArrayLengths::of(project);
+  const auto lengths = ArrayLengths::check(project);
   for (const auto& misfit : lengths.misfits)
     if (!misfit.isMissing())
       return Failure{misfit.text() +

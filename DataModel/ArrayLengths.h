@@ -25,7 +25,7 @@ struct ArrayLengths {
 
   std::vector<Misfit> misfits;  ///< in the order X_I, F_I, D_I; empty if all fit
 
-  [[nodiscard]] static ArrayLengths of(const Project& project);
+  [[nodiscard]] static ArrayLengths check(const Project& project);
 };
 
 /// To be called before anything is added to a project: fills what is missing of F_I with zeros and of D_I with false,

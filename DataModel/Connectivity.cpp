@@ -15,7 +15,7 @@ class Parts {
   explicit Parts(std::int64_t nodes) : above_(static_cast<std::size_t>(nodes)) {
     std::iota(above_.begin(), above_.end(), std::int64_t{0});
   }
-  std::int64_t lowestOf(std::int64_t node) {
+  std::int64_t findLowest(std::int64_t node) {
     while (above(node) != node) {
       above(node) = above(above(node));
       node = above(node);
@@ -23,7 +23,7 @@ class Parts {
     return node;
   }
   void join(std::int64_t a, std::int64_t b) {
-    const auto [low, high] = std::minmax({lowestOf(a), lowestOf(b)});
+    const auto [low, high] = std::minmax({findLowest(a), findLowest(b)});
     above(high) = low;
   }
 
@@ -63,7 +63,7 @@ void inspect(const std::vector<Element>& elements, std::vector<bool>& used, Part
 
 }  // namespace
 
-Connectivity Connectivity::of(const Project& project) {
+Connectivity Connectivity::examine(const Project& project) {
   Connectivity found;
   const std::int64_t nodes = project.nodeCount();
   std::vector<bool> used(static_cast<std::size_t>(nodes));
@@ -72,7 +72,7 @@ Connectivity Connectivity::of(const Project& project) {
           found.repeatedTrusses);
   inspect(*project.beamElements, used, parts, found.zeroLengthBeams, found.beamsWithUnknownNodes, found.repeatedBeams);
   for (std::int64_t node = 0; node < nodes; ++node) {
-    found.partOf.push_back(parts.lowestOf(node));
+    found.partOf.push_back(parts.findLowest(node));
     if (!used[static_cast<std::size_t>(node)]) found.nodesWithoutElements.push_back(node);
   }
   return found;

@@ -16,5 +16,5 @@ struct Connectivity {
   std::vector<std::int64_t> repeatedBeams;
   std::vector<std::int64_t> partOf;  ///< for each node, the lowest node of the part of the structure that it belongs to
 
-  [[nodiscard]] static Connectivity of(const Project& project);
+  [[nodiscard]] static Connectivity examine(const Project& project);
 };

@@ -20,7 +20,7 @@ std::optional<std::size_t> firstOfThree(std::int64_t nodeID, std::size_t length)
   return static_cast<std::size_t>(last - 2);
 }
 
-std::optional<Vector3> threeOf(const std::vector<double>& array, std::int64_t nodeID) {
+std::optional<Vector3> readVector(const std::vector<double>& array, std::int64_t nodeID) {
   const auto i = firstOfThree(nodeID, array.size());
   if (!i) return std::nullopt;
   return Vector3{array[*i], array[*i + 1], array[*i + 2]};
@@ -40,7 +40,7 @@ void warnIfUnstable(std::optional<std::int64_t> dof) {
 
 }  // namespace
 
-std::string directionOf(std::int64_t dof) {
+std::string describeDirection(std::int64_t dof) {
   constexpr std::array<const char*, dofsPerNode> directions{"translation along x", "translation along y",
                                                             "translation along z", "rotation about x",
                                                             "rotation about y",    "rotation about z"};
@@ -48,7 +48,7 @@ std::string directionOf(std::int64_t dof) {
 }
 
 std::string describeDof(std::int64_t dof) {
-  return "node " + std::to_string(dof / dofsPerNode) + ", " + directionOf(dof);
+  return "node " + std::to_string(dof / dofsPerNode) + ", " + describeDirection(dof);
 }
 
 Project::Project(std::string name_, std::vector<TrussElement> trussElements_, std::vector<BeamElement> beamElements_,
@@ -101,15 +101,15 @@ void Project::setLoadAndRestraint(std::int64_t nodeID, const Vector3& load, bool
 }
 
 std::optional<Vector3> Project::getNodeCoordinates(std::int64_t nodeID) const {
-  return threeOf(*X_I, nodeID);
+  return readVector(*X_I, nodeID);
 }
 
 std::optional<Vector3> Project::getNodeDisplacement(std::int64_t nodeID) const {
-  return threeOf(*U_I, nodeID);
+  return readVector(*U_I, nodeID);
 }
 
 std::optional<Vector3> Project::getNodeForce(std::int64_t nodeID) const {
-  return threeOf(*F_I, nodeID);
+  return readVector(*F_I, nodeID);
 }
 
 std::optional<Project::Restraints> Project::getNodeRestraints(std::int64_t nodeID) const {

@@ -103,7 +103,7 @@ class Project : public Observable {
 };
 
 /// "translation along z" for the number of a degree of freedom.
-[[nodiscard]] std::string directionOf(std::int64_t dof);
+[[nodiscard]] std::string describeDirection(std::int64_t dof);
 
 /// "node 3, translation along z".
 [[nodiscard]] std::string describeDof(std::int64_t dof);

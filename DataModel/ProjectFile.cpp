@@ -86,7 +86,7 @@ void readField(JsonValue json, Record& record) {
 }
 
 template <class Record>
-constexpr auto membersOf() {
+constexpr auto listMembers() {
   return []<std::size_t... i>(std::index_sequence<i...>) {
     return std::array{JsonMember<Record>{std::get<i>(Record::fields).key, &readField<Record, i>}...};
   }
@@ -95,7 +95,7 @@ constexpr auto membersOf() {
 
 template <class Record>
 void readElements(JsonValue json, std::vector<Record>& elements) {
-  static constexpr auto members = membersOf<Record>();
+  static constexpr auto members = listMembers<Record>();
   readJsonItems(json, [&elements](JsonValue item) { readJsonObject(item, elements.emplace_back(), members); });
 }
 
@@ -114,7 +114,7 @@ constexpr std::array contentMembers{
 
 }  // namespace
 
-std::shared_ptr<Project> projectOf(ProjectContents contents) {
+std::shared_ptr<Project> makeProject(ProjectContents contents) {
   auto project = std::make_shared<Project>(std::move(contents.name), std::move(contents.trussElements),
                                            std::move(contents.beamElements));
   project->X_I.edit() = std::move(contents.X_I);
@@ -167,7 +167,7 @@ Result<std::shared_ptr<Project>> decodeProject(std::string json) {
   try {
     ProjectContents contents;
     JsonDocument(std::move(json)).read([&contents](JsonValue root) { readJsonObject(root, contents, contentMembers); });
-    return projectOf(std::move(contents));
+    return makeProject(std::move(contents));
   } catch (const JsonError& error) {
     return Failure{error.what()};
   }

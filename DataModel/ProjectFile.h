@@ -23,7 +23,7 @@ struct ProjectContents {
 };
 
 /// A project of these contents, taken as they are; displacements and work arrays are zeros.
-[[nodiscard]] std::shared_ptr<Project> projectOf(ProjectContents contents);
+[[nodiscard]] std::shared_ptr<Project> makeProject(ProjectContents contents);
 
 /// What keeps the project from being kept in a file: a number that is not finite, or a name that is not valid UTF-8.
 [[nodiscard]] std::optional<Failure> whyNotEncodable(const Project& project);

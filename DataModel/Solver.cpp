@@ -15,7 +15,7 @@ double norm(const std::vector<double>& vector) {
   return std::sqrt(squares);
 }
 
-SolveFault faultOf(const CholeskyFault& fault) {
+SolveFault explainFault(const CholeskyFault& fault) {
   using Kind = CholeskyFault::Kind;
   using Of = SolveFault::Kind;
   const std::string where = describeDof(fault.unknown);
@@ -131,8 +131,9 @@ Solver::MaybeFault Solver::LinearSolve() {
   if (std::ssize(dU) < nI) fatalIndex("dU_I", nI - 1, std::ssize(dU));
 
   const CSR& H = project_.H_II;
-  if (const auto fault = cholesky_.factorize({nI, dofsPerNode, H.starts, H.indices, H.values})) return faultOf(*fault);
-  if (const auto fault = cholesky_.solve(R, dU)) return faultOf(*fault);
+  if (const auto fault = cholesky_.factorize({nI, dofsPerNode, H.starts, H.indices, H.values}))
+    return explainFault(*fault);
+  if (const auto fault = cholesky_.solve(R, dU)) return explainFault(*fault);
   cholesky_.dropFactor();
   return std::nullopt;
 }

@@ -20,7 +20,7 @@ std::string_view nameOf(Finding::Consequence consequence) {
   return "Doubtful";
 }
 
-std::string endingOf(Finding::Consequence consequence) {
+std::string describeEnding(Finding::Consequence consequence) {
   switch (consequence) {
     case Finding::Consequence::EndsProgram:
       return ", and a solve ends the program: ";
@@ -52,7 +52,7 @@ std::string shown(double number) {
   return roundedNumberText(number, digits);
 }
 
-std::vector<std::int64_t> markedOf(const std::vector<bool>& marked) {
+std::vector<std::int64_t> collectMarked(const std::vector<bool>& marked) {
   std::vector<std::int64_t> positions;
   for (std::size_t i = 0; i < marked.size(); ++i)
     if (marked[i]) positions.push_back(static_cast<std::int64_t>(i));

@@ -31,7 +31,7 @@ struct Finding {
 [[nodiscard]] std::string_view nameOf(Finding::Consequence consequence);
 
 /// How a sentence about a loss of stiffness goes on: ", and a solve ends the program: " and so on.
-[[nodiscard]] std::string endingOf(Finding::Consequence consequence);
+[[nodiscard]] std::string describeEnding(Finding::Consequence consequence);
 
 /// "node 3", "nodes 3 and 7", "nodes 3, 4, 5, 6 and 96 more".
 [[nodiscard]] std::string listed(std::string_view one, const std::vector<std::int64_t>& positions);
@@ -40,4 +40,4 @@ struct Finding {
 [[nodiscard]] std::string shown(double number);
 
 /// The positions that are true.
-[[nodiscard]] std::vector<std::int64_t> markedOf(const std::vector<bool>& marked);
+[[nodiscard]] std::vector<std::int64_t> collectMarked(const std::vector<bool>& marked);

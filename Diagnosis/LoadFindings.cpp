@@ -62,7 +62,7 @@ class Residual {
 
   [[nodiscard]] bool isOfBeam(std::size_t dof) const { return touchedByBeam_[dof / dofsPerNode]; }
 
-  [[nodiscard]] Cause causeOf(std::size_t dof) const {
+  [[nodiscard]] Cause findCause(std::size_t dof) const {
     if (dof >= static_cast<std::size_t>(project_.nI)) return Cause::NoNode;
     const bool isTurn = dof % dofsPerNode >= 3;
     if (isTurn && !isOfBeam(dof)) return Cause::NoElement;
@@ -89,7 +89,7 @@ class Residual {
   }
 
   void count(std::size_t dof) {
-    const Cause cause = causeOf(dof);
+    const Cause cause = findCause(dof);
     if (!isLeft(dof, cause)) return;
     Leftover& left = left_[static_cast<std::size_t>(cause)];
     const double size = std::abs(project_.R_I[dof]);
@@ -98,7 +98,7 @@ class Residual {
   }
 
   void name(std::size_t dof) {
-    const Cause cause = causeOf(dof);
+    const Cause cause = findCause(dof);
     Leftover& left = left_[static_cast<std::size_t>(cause)];
     if (cause == Cause::NoNode || !isLeft(dof, cause) || std::abs(project_.R_I[dof]) < counting * left.largest) return;
     const auto node = static_cast<std::int64_t>(dof) / dofsPerNode;
@@ -117,7 +117,7 @@ Positions nodesWithoutNumbers(const Project& project) {
   std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
   for (std::size_t i = 0; i < static_cast<std::size_t>(project.nI); ++i)
     if (!std::isfinite((*project.F_I)[i])) marked[i / dofsPerNode] = true;
-  return markedOf(marked);
+  return collectMarked(marked);
 }
 
 /// Positions of the bars at these nodes that were out.

@@ -66,7 +66,7 @@ std::optional<Finding> inspectArrays(const Project& project) {
   // How much surplus loads matter is told after the solve.
   const bool hasSurplusLoad = std::any_of(F.begin() + project.nI, F.end(), [](double load) { return load != 0; });
   std::string list;
-  for (const auto& misfit : ArrayLengths::of(project).misfits)
+  for (const auto& misfit : ArrayLengths::check(project).misfits)
     if (misfit.array != "F_I" || !hasSurplusLoad) list += (list.empty() ? "" : "; ") + misfit.text();
   if (list.empty()) return std::nullopt;
   return Finding{Doubtful, "Arrays that do not fit",

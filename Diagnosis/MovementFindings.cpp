@@ -22,7 +22,7 @@ double scattered(std::int64_t i) {
 }
 
 /// By how much the bar gets longer, to the first order.
-double stretchOf(const TrussElement& truss, const std::vector<double>& U) {
+double computeStretch(const TrussElement& truss, const std::vector<double>& U) {
   const auto along = [&](std::int64_t direction) {
     return U[static_cast<std::size_t>(dofsPerNode * truss.startNodeId + direction)] -
            U[static_cast<std::size_t>(dofsPerNode * truss.endNodeId + direction)];
@@ -48,14 +48,14 @@ std::optional<Finding> inspectMovement(const Project& project, const SolveOutcom
   const auto farthest = std::ranges::max_element(U, {}, [](double u) { return std::abs(u); }) - U.begin();
   const double limit = stretching * std::abs(U[static_cast<std::size_t>(farthest)]);
   const auto isKept = [&](const TrussElement& truss) {
-    return truss.EAL3 == 0 || std::abs(stretchOf(truss, U)) < limit;
+    return truss.EAL3 == 0 || std::abs(computeStretch(truss, U)) < limit;
   };
   if (!std::ranges::all_of(*project.trussElements, isKept)) return std::nullopt;
   const std::int64_t node = farthest / dofsPerNode;
   return Finding{consequence,
                  "Mechanism",
-                 "Nothing holds node " + std::to_string(node) + " in " + directionOf(farthest) +
-                     " against a movement of several nodes together" + endingOf(consequence) +
+                 "Nothing holds node " + std::to_string(node) + " in " + describeDirection(farthest) +
+                     " against a movement of several nodes together" + describeEnding(consequence) +
                      "brace or support it there.",
                  {node}};
 }

@@ -10,7 +10,7 @@ namespace {
 using enum Finding::Consequence;
 using Positions = std::vector<std::int64_t>;
 
-double diagonalOf(const Project& project, std::int64_t dof) {
+double readDiagonal(const Project& project, std::int64_t dof) {
   return project.H_II.values[static_cast<std::size_t>(project.H_II.starts[static_cast<std::size_t>(dof)])];
 }
 
@@ -99,17 +99,17 @@ std::optional<Finding> blameElements(const Project& project, const std::vector<b
 /// A direction's own stiffness is gone or negative; all such directions are looked at together. Those without any
 /// stiffness were lent the first stored value, which belongs to node 0 along x.
 Finding explainNotPositive(const Project& project, const SolveFault& fault) {
-  const std::string ending = endingOf(EndsProgram);
-  const bool nothingToLend = std::abs(diagonalOf(project, 0)) < Project::zeroPivot && !(diagonalOf(project, 0) > 0);
+  const std::string ending = describeEnding(EndsProgram);
+  const bool nothingToLend = std::abs(readDiagonal(project, 0)) < Project::zeroPivot && !(readDiagonal(project, 0) > 0);
   std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
   for (std::int64_t dof = 0; dof < project.nI; ++dof) {
-    const bool isCulprit = nothingToLend ? dof == 0 : diagonalOf(project, dof) <= -Project::zeroPivot;
+    const bool isCulprit = nothingToLend ? dof == 0 : readDiagonal(project, dof) <= -Project::zeroPivot;
     if (isCulprit) marked[static_cast<std::size_t>(dof / dofsPerNode)] = true;
   }
-  const Positions nodes = markedOf(marked);
+  const Positions nodes = collectMarked(marked);
   const std::string where = "In step " + std::to_string(fault.step) + " the stiffness of node " +
-                            std::to_string(*fault.dof / dofsPerNode) + " in " + directionOf(*fault.dof) + " becomes " +
-                            shown(diagonalOf(project, *fault.dof));
+                            std::to_string(*fault.dof / dofsPerNode) + " in " + describeDirection(*fault.dof) +
+                            " becomes " + shown(readDiagonal(project, *fault.dof));
   if (auto blamed = blameElements(project, marked, where, ending, nodes, EndsProgram);
       blamed && isMendedByRighting(project, fault.step, [&fault](std::int64_t dof) { return dof == *fault.dof; }))
     return *blamed;
@@ -139,8 +139,8 @@ Finding explainNotPositive(const Project& project, const SolveFault& fault) {
 /// The structure as a whole has lost its stiffness somewhere.
 Finding explainLoss(const Project& project, const Loss& loss, const std::vector<std::int64_t>& partOf) {
   const std::int64_t node = loss.dof / dofsPerNode;
-  const std::string place = "node " + std::to_string(node) + " in " + directionOf(loss.dof);
-  const std::string ending = endingOf(loss.consequence);
+  const std::string place = "node " + std::to_string(node) + " in " + describeDirection(loss.dof);
+  const std::string ending = describeEnding(loss.consequence);
   const std::string step = "In step " + std::to_string(loss.step) + " ";
 
   std::vector<bool> inPart(partOf.size());

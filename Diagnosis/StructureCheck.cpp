@@ -18,7 +18,7 @@ void solveCopy(StructureCheck& check, const Project& project, const Connectivity
   Solver solver(*copy);
   solver.Prepare();
   solver.Assemble();
-  const auto freedom = Freedom::of(*copy, connectivity);
+  const auto freedom = Freedom::examine(*copy, connectivity);
 
   // Without a load all steps are the same, and the first one tells of everything.
   const bool unloaded = std::ranges::count(*project.F_I, 0.0) == std::ssize(*project.F_I);
@@ -48,7 +48,7 @@ bool StructureCheck::endsProgram() const {
 
 StructureCheck StructureCheck::inspectAndSolve(const Project& project, const Project::StepObserver& afterStep) {
   StructureCheck check;
-  const auto connectivity = Connectivity::of(project);
+  const auto connectivity = Connectivity::examine(project);
   check.findings = inspectModel(project, connectivity);
   if (!check.endsProgram()) solveCopy(check, project, connectivity, afterStep);
   std::ranges::stable_sort(check.findings, {}, &Finding::consequence);

@@ -41,7 +41,7 @@ struct Freedom {
   /// From the matrix at rest: a direction without any stiffness counts as held, since the solver gives it some. Only
   /// such movements are looked at as the elements do not resist: the stiffness of a beam follows no turn, nor that of a
   /// bar whose stored extents are not those of its nodes.
-  [[nodiscard]] static Freedom of(const Project& assembled, const Connectivity& connectivity);
+  [[nodiscard]] static Freedom examine(const Project& assembled, const Connectivity& connectivity);
 
   [[nodiscard]] Finding describe(const Project& project, Finding::Consequence consequence) const;
 };

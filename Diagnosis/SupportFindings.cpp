@@ -26,7 +26,7 @@ struct Body {
   Products held{};
 };
 
-Vector3 placeOf(const Project& project, std::int64_t node) {
+Vector3 findPlace(const Project& project, std::int64_t node) {
   const double* place = project.X_I->data() + 3 * node;
   return {place[0], place[1], place[2]};
 }
@@ -47,7 +47,7 @@ Movement movementAlong(std::int64_t direction, const Vector3& place, const Body&
 }
 
 /// Rank of the first rows and columns of a sum of products, by Gaussian elimination with complete pivoting.
-int rankOf(Products products, std::size_t movements) {
+int computeRank(Products products, std::size_t movements) {
   double largest = 0;
   for (std::size_t i = 0; i < movements; ++i) largest = std::max(largest, products[i][i]);
   std::array<bool, 6> done{};
@@ -80,7 +80,7 @@ class Bodies {
       all[number_[node]].nodes.push_back(static_cast<std::int64_t>(node));
     }
     for (const TrussElement& truss : *project.trussElements) {
-      const Vector3 gap = placeOf(project, truss.startNodeId) - placeOf(project, truss.endNodeId);
+      const Vector3 gap = findPlace(project, truss.startNodeId) - findPlace(project, truss.endNodeId);
       const Vector3 stored{truss.dXx, truss.dXy, truss.dXz};
       if (!(length(gap - stored) <= fit * length(stored))) leave(truss.startNodeId, 3);
     }
@@ -102,12 +102,12 @@ class Bodies {
   static void measure(const Project& project, Body& part) {
     double n = 0;
     for (const std::int64_t node : part.nodes) {
-      const Vector3 d = placeOf(project, node) - part.centre;
+      const Vector3 d = findPlace(project, node) - part.centre;
       ++n;
       part.centre = {part.centre.x + d.x / n, part.centre.y + d.y / n, part.centre.z + d.z / n};
     }
     for (const std::int64_t node : part.nodes)
-      part.radius = std::max(part.radius, length(placeOf(project, node) - part.centre));
+      part.radius = std::max(part.radius, length(findPlace(project, node) - part.centre));
   }
 
   std::vector<std::size_t> number_;  // of each node's part
@@ -115,7 +115,7 @@ class Bodies {
 
 }  // namespace
 
-Freedom Freedom::of(const Project& assembled, const Connectivity& connectivity) {
+Freedom Freedom::examine(const Project& assembled, const Connectivity& connectivity) {
   Freedom freedom;
   Bodies bodies(assembled, connectivity.partOf);
   for (Body& part : bodies.all) {
@@ -126,7 +126,7 @@ Freedom Freedom::of(const Project& assembled, const Connectivity& connectivity) 
         const auto diagonal = static_cast<std::size_t>(assembled.H_II.starts[dof]);
         freedom.anyRestraint = freedom.anyRestraint || restrained;
         const bool held = restrained || std::abs(assembled.H_II.values[diagonal]) < Project::zeroPivot;
-        const Movement along = movementAlong(direction, placeOf(assembled, node), part);
+        const Movement along = movementAlong(direction, findPlace(assembled, node), part);
         for (std::size_t i = 0; i < along.size(); ++i)
           for (std::size_t j = 0; j < along.size(); ++j) {
             part.all[i][j] += along[i] * along[j];
@@ -134,7 +134,7 @@ Freedom Freedom::of(const Project& assembled, const Connectivity& connectivity) 
           }
       }
     }
-    const int free = rankOf(part.all, part.movements) - rankOf(part.held, part.movements);
+    const int free = computeRank(part.all, part.movements) - computeRank(part.held, part.movements);
     if (free > 0) freedom.parts.push_back({std::move(part.nodes), free});
   }
   return freedom;
@@ -154,5 +154,5 @@ Finding Freedom::describe(const Project& project, Finding::Consequence consequen
   for (const Part& part : parts) nodes.insert(nodes.end(), part.nodes.begin(), part.nodes.end());
   std::ranges::sort(nodes);
   return {consequence, anyRestraint ? "Too few supports" : "No supports",
-          what + endingOf(consequence) + "restrain more directions.", std::move(nodes)};
+          what + describeEnding(consequence) + "restrain more directions.", std::move(nodes)};
 }

@@ -172,7 +172,7 @@ RecoveredProject read(const SectionReader& sections) {
                            sections.values<double>("X_I"),
                            sections.values<double>("F_I"),
                            sections.truths("D_I")};
-  return {projectOf(std::move(contents)), file.empty() ? std::nullopt : std::optional(file),
+  return {makeProject(std::move(contents)), file.empty() ? std::nullopt : std::optional(file),
           stamp.empty() ? std::nullopt : std::optional(stamp.front()), QDateTime::fromString(time, Qt::ISODateWithMs)};
 }
 

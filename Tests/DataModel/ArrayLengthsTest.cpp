@@ -20,8 +20,8 @@ TEST(ArrayLengths, WhatIsMissingIsFilledAndWhatIsTooMuchRefused) {
                {0, 1, 0, "F_I has 1 entry, where 0 nodes have 0: ", 0}};
   for (const auto& [coordinates, loads, restraints, told, announced] : cases) {
     SCOPED_TRACE(told);
-    const auto project =
-        projectOf({"", {}, {}, std::vector(coordinates, 1.0), std::vector(loads, 2.0), std::vector(restraints, true)});
+    const auto project = makeProject(
+        {"", {}, {}, std::vector(coordinates, 1.0), std::vector(loads, 2.0), std::vector(restraints, true)});
     int changes = 0;
     project->observe([&changes] { ++changes; });
     const auto filled = fitArrays(*project);
@@ -31,7 +31,7 @@ TEST(ArrayLengths, WhatIsMissingIsFilledAndWhatIsTooMuchRefused) {
     EXPECT_EQ(lines.substr(0, std::string(told).size()), told);
     EXPECT_EQ(changes, announced);
     EXPECT_EQ(filled && !lines.empty(), announced > 0);
-    EXPECT_EQ(ArrayLengths::of(*project).misfits.empty(), static_cast<bool>(filled));
+    EXPECT_EQ(ArrayLengths::check(*project).misfits.empty(), static_cast<bool>(filled));
     if (announced == 0) continue;
     EXPECT_THAT(*project->F_I, testing::ElementsAre(2, 2, 2, 2, 2, 2, 2, 0, 0, 0, 0, 0));
     EXPECT_EQ(*project->D_I, std::vector<bool>(12));

@@ -23,7 +23,7 @@ TEST(Connectivity, TellsHowElementsJoinTheNodes) {
                    bar(9, 10, 1), bar(-1, 5, 1), bar(1, 2, 2e-9)},
                   {beam(6, 7, 1), beam(1, 2, 1), beam(8, 4, 0), beam(7, 6, 1), beam(6, 8, 1)});
   for (int i = 0; i < 10; ++i) project.addNode({});
-  const Connectivity found = Connectivity::of(project);
+  const Connectivity found = Connectivity::examine(project);
   EXPECT_THAT(found.zeroLengthTrusses, ElementsAre(3, 4));
   EXPECT_THAT(found.zeroLengthBeams, ElementsAre(2));
   EXPECT_THAT(found.trussesWithUnknownNodes, ElementsAre(6, 7)) << "node 10 is one too far";
@@ -35,7 +35,7 @@ TEST(Connectivity, TellsHowElementsJoinTheNodes) {
 
   project.beamElements.edit()[2] = beam(12, 4, 1);
   project.trussElements.edit()[7].endNodeId = 0;
-  const Connectivity changed = Connectivity::of(project);
+  const Connectivity changed = Connectivity::examine(project);
   EXPECT_THAT(changed.beamsWithUnknownNodes, ElementsAre(2));
   EXPECT_THAT(changed.nodesWithoutElements, ElementsAre(5));
   EXPECT_THAT(changed.partOf, ElementsAre(0, 0, 0, 3, 4, 5, 6, 6, 6, 4));

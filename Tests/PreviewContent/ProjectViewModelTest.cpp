@@ -179,7 +179,7 @@ TEST(ProjectViewModel, MakesTheArraysFitBeforeItAddsOrLoads) {
   for (const auto& edit : edits) {
     const auto edited = [&](std::vector<double> X, std::size_t loads, std::size_t restraints) {
       ProjectViewModel model;
-      model.restore(projectOf({"", {}, {}, std::move(X), std::vector<double>(loads), std::vector<bool>(restraints)}),
+      model.restore(makeProject({"", {}, {}, std::move(X), std::vector<double>(loads), std::vector<bool>(restraints)}),
                     {});
       model.discardChanges();
       const auto before = *encodeProject(**model.project);
@@ -198,7 +198,7 @@ TEST(ProjectViewModel, MakesTheArraysFitBeforeItAddsOrLoads) {
                                 "D_I has 1 entry, where 2 nodes have 12: filled with false.");
     EXPECT_EQ(lines, (imports ? "" : remark + "\n") + plainLines);
     const auto [refused, refusal, reason] = edited({0, 0, 0, 1, 0, 0, 9}, 0, 0);
-    EXPECT_EQ(refused, *encodeProject(*projectOf({"", {}, {}, {0, 0, 0, 1, 0, 0, 9}, {}, {}})));
+    EXPECT_EQ(refused, *encodeProject(*makeProject({"", {}, {}, {0, 0, 0, 1, 0, 0, 9}, {}, {}})));
     EXPECT_THAT(refusal, MatchesRegex("(Nothing was changed|Failed to import): X_I has 7 entries, [^\n]*\n"));
   }
 }
