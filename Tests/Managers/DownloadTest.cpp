@@ -214,11 +214,11 @@ TEST_F(SignedDownload, IsStoredOnlyWithItsMakersSignature) {
 TEST_F(SignedDownload, IsSilentFromTheMomentOfItsCancelling) {
   server.answers["/versions.json"] = {.drip = 1};
   start();
-  for (int steps = 0; steps < 2000 && !history.contains("downloaded"); ++steps) {
+  for (int steps = 0; steps < 1000 && !history.contains("downloaded"); ++steps) {
     history.clear();
     manager->checkForUpdates(false);
     download();
-    for (int step = 0; step < steps; ++step) QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    for (int step = 0; step < steps; ++step) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     manager->cancel();
     ASSERT_TRUE(happens([&] { return manager->state->name() == "idle" && !server.isDripping(); })) << steps;
     QCoreApplication::processEvents();
