@@ -120,11 +120,11 @@ ApplicationWindow {
                 + qsTr("%1 nodes, %2 elements, last changed %3")
                 .arg(window.recovery.offeredNodes).arg(window.recovery.offeredElements).arg(window.recovery.offeredTime)
                 + (window.recovery.offeredFile !== "" ? qsTr("\nOpened from %1").arg(window.recovery.offeredFile) : "")
-            losing: qsTr("Discard")
-            nothing: qsTr("Later")
-            usual: qsTr("Restore")
-            onLost: window.recovery.discardOffer()
-            onChosen: content.files.restore(window.recovery)
+            destructiveText: qsTr("Discard")
+            rejectText: qsTr("Later")
+            defaultText: qsTr("Restore")
+            onDestructiveChosen: window.recovery.discardOffer()
+            onDefaultChosen: content.files.restore(window.recovery)
         }
     }
 

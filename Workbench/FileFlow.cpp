@@ -30,18 +30,18 @@ bool FileFlow::busy() const {
 }
 
 void FileFlow::newProject() {
-  whenSaved([this] { viewModel_->newProject(); });
+  doOnceSavedOrDiscarded([this] { viewModel_->newProject(); });
 }
 
 void FileFlow::showOpenPanel() {
-  whenSaved([this] {
+  doOnceSavedOrDiscarded([this] {
     choose({.purpose = FileRequest::OpenOne, .title = tr("Open Project"), .nameFilters = {tr("JSON files (*.json)")}},
            [this](const QList<QUrl>& files) { viewModel_->openProject(files.first()); });
   });
 }
 
 void FileFlow::open(const QUrl& file) {
-  whenSaved([this, file] { viewModel_->openProject(file); });
+  doOnceSavedOrDiscarded([this, file] { viewModel_->openProject(file); });
 }
 
 void FileFlow::drop(const QList<QUrl>& files) {
@@ -56,11 +56,11 @@ void FileFlow::drop(const QList<QUrl>& files) {
 }
 
 void FileFlow::restorePrevious() {
-  whenSaved([this] { viewModel_->restorePrevious(); });
+  doOnceSavedOrDiscarded([this] { viewModel_->restorePrevious(); });
 }
 
 void FileFlow::restore(Recovery* recovery) {
-  whenSaved([this, recovery] {
+  doOnceSavedOrDiscarded([this, recovery] {
     const QString danger = recovery->offeredDanger();
     if (danger.isEmpty())
       recovery->restoreOffer();
@@ -71,21 +71,21 @@ void FileFlow::restore(Recovery* recovery) {
 
 bool FileFlow::mayQuit() {
   if (!viewModel_->hasUnsavedChanges()) return true;
-  whenSaved([this] {
+  doOnceSavedOrDiscarded([this] {
     viewModel_->discardChanges();
     emit quitConfirmed();
   });
   return false;
 }
 
-void FileFlow::whenSaved(Action action) {
+void FileFlow::doOnceSavedOrDiscarded(Action action) {
   if (!viewModel_->hasUnsavedChanges()) return action();
-  afterSave_ = std::move(action);
+  waitingAction_ = std::move(action);
   present();
 }
 
-void FileFlow::goOn() {
-  if (const Action action = std::exchange(afterSave_, {})) action();
+void FileFlow::runWaitingAction() {
+  if (const Action action = std::exchange(waitingAction_, {})) action();
 }
 
 void FileFlow::save() {
@@ -96,17 +96,17 @@ void FileFlow::save() {
        .text = removed ? tr("Since it was opened or saved here, the file was removed or renamed.")
                        : tr("Since it was opened or saved here, the file was changed by another program or window. "
                             "What was changed there is lost if you overwrite it."),
-       .losing = removed ? tr("Write Anew") : tr("Overwrite"),
-       .dismissing = tr("Cancel"),
-       .usual = tr("Save As…"),
-       .lose = [this] { write(); },
-       .dismiss = [this] { afterSave_ = {}; },
-       .choose = [this] { showSavePanel(); }});
+       .destructiveText = removed ? tr("Write Anew") : tr("Overwrite"),
+       .rejectText = tr("Cancel"),
+       .defaultText = tr("Save As…"),
+       .onDestructive = [this] { write(); },
+       .onReject = [this] { waitingAction_ = {}; },
+       .onDefault = [this] { showSavePanel(); }});
 }
 
 void FileFlow::write() {
   if (saved({}))
-    goOn();
+    runWaitingAction();
   else if (saveFailure_.isEmpty())
     showSavePanel();
   else
@@ -124,8 +124,8 @@ void FileFlow::showSavePanel() {
 }
 
 void FileFlow::saveTo(const QUrl& file) {
-  if (saved(file)) return goOn();
-  afterSave_ = {};
+  if (saved(file)) return runWaitingAction();
+  waitingAction_ = {};
   if (!saveFailure_.isEmpty()) tellOfFailedSave(tr("Close"), {});
 }
 
@@ -199,7 +199,7 @@ void FileFlow::takeFiles(const QList<QUrl>& files) {
   if (!choice_) return;
   const Choice choice = *std::exchange(choice_, std::nullopt);
   if (files.isEmpty())
-    afterSave_ = {};
+    waitingAction_ = {};
   else if (choice.request.purpose == FileRequest::Save && QFileInfo::exists(files.first().toLocalFile()))
     askToReplace(choice, files);
   else
@@ -212,7 +212,9 @@ void FileFlow::answer(Answer given) {
   const Prompt asked = std::exchange(shown_, {});
   if (!prompts_.empty()) prompts_.pop_back();
   emit changed();  // before the answer has its effect, since that may bring the next prompt
-  const Action& action = given == Lose ? asked.lose : given == Choose ? asked.choose : asked.dismiss;
+  const Action& action = given == Destructive ? asked.onDestructive
+                         : given == Default   ? asked.onDefault
+                                              : asked.onReject;
   if (action) action();
   present();
 }
@@ -226,12 +228,12 @@ void FileFlow::askToReplace(const Choice& choice, const QList<QUrl>& files) {
   const QString name = files.first().fileName();
   ask({.question = tr("Replace “%1”?").arg(name),
        .text = tr("There is a file of this name already. What it holds is lost if it is replaced."),
-       .losing = tr("Replace"),
-       .dismissing = tr("Cancel"),
-       .usual = tr("Choose Another Name"),
-       .lose = [choice, files] { choice.use(files); },
-       .dismiss = [this] { afterSave_ = {}; },
-       .choose =
+       .destructiveText = tr("Replace"),
+       .rejectText = tr("Cancel"),
+       .defaultText = tr("Choose Another Name"),
+       .onDestructive = [choice, files] { choice.use(files); },
+       .onReject = [this] { waitingAction_ = {}; },
+       .onDefault =
            [this, choice, name] {
              FileRequest again = choice.request;
              again.name = name;
@@ -244,40 +246,40 @@ void FileFlow::askToShow(const QString& name, const QString& danger, const Actio
        .text = tr("It has an element whose node does not exist: %1. Showing it ends the program.\n\n"
                   "If you cancel, the file and the structure that is open stay as they are.")
                    .arg(danger),
-       .losing = tr("Open Anyway"),
-       .usual = tr("Cancel"),
-       .lose = show});
+       .destructiveText = tr("Open Anyway"),
+       .defaultText = tr("Cancel"),
+       .onDestructive = show});
 }
 
 void FileFlow::tell(const QString& text) {
   if (text.isEmpty()) return present();
-  ask({.text = text, .dismissing = tr("Close")});
+  ask({.text = text, .rejectText = tr("Close")});
 }
 
-void FileFlow::tellOfFailedSave(const QString& closing, const Action& afterwards) {
+void FileFlow::tellOfFailedSave(const QString& rejectText, const Action& afterwards) {
   const QString file = viewModel_->currentFileName();
   ask({.text = tr("“%1” was not saved.").arg(file.isEmpty() ? viewModel_->projectName() : file) + "\n\n" + saveFailure_,
-       .dismissing = closing,
-       .dismiss = afterwards});
+       .rejectText = rejectText,
+       .onReject = afterwards});
 }
 
 void FileFlow::tellOfFailedOpen(const QString& file, const QString& reason) {
   ask({.text = tr("“%1” was not opened. The structure is empty now.").arg(file) + "\n\n" + reason,
-       .dismissing = tr("Close"),
-       .usual = viewModel_->hasPrevious() ? tr("Restore Previous Structure") : QString(),
-       .choose = [this] { viewModel_->restorePrevious(); }});
+       .rejectText = tr("Close"),
+       .defaultText = viewModel_->hasPrevious() ? tr("Restore Previous Structure") : QString(),
+       .onDefault = [this] { viewModel_->restorePrevious(); }});
 }
 
 Prompt FileFlow::saveQuestion() {
   const QString file = viewModel_->currentFileName();
   return {.question = tr("Save the changes to “%1”?").arg(file.isEmpty() ? viewModel_->projectName() : file),
           .text = tr("They are lost otherwise."),
-          .losing = tr("Discard"),
-          .dismissing = tr("Cancel"),
-          .usual = tr("Save"),
-          .lose = [this] { goOn(); },
-          .dismiss = [this] { afterSave_ = {}; },
-          .choose = [this] { save(); }};
+          .destructiveText = tr("Discard"),
+          .rejectText = tr("Cancel"),
+          .defaultText = tr("Save"),
+          .onDestructive = [this] { runWaitingAction(); },
+          .onReject = [this] { waitingAction_ = {}; },
+          .onDefault = [this] { save(); }};
 }
 
 /// Shows the latest prompt or, when nothing else is to be answered or chosen, the question about unsaved changes.
@@ -285,7 +287,7 @@ void FileFlow::present() {
   Prompt next;
   if (!prompts_.empty())
     next = prompts_.back();
-  else if (afterSave_ && !choice_)
+  else if (waitingAction_ && !choice_)
     next = saveQuestion();
   if (next.question != shown_.question || next.text != shown_.text) {
     shown_ = {};

@@ -31,7 +31,7 @@ class FileFlow : public QObject {
   Q_PROPERTY(bool busy READ busy NOTIFY changed)
 
  public:
-  enum Answer { Lose, Dismiss, Choose };
+  enum Answer { Destructive, Reject, Default };
   Q_ENUM(Answer)
 
   using QObject::QObject;
@@ -96,8 +96,8 @@ class FileFlow : public QObject {
     Use use;
   };
 
-  void whenSaved(Action action);
-  void goOn();
+  void doOnceSavedOrDiscarded(Action action);
+  void runWaitingAction();
   void write();
   void saveTo(const QUrl& file);
   [[nodiscard]] bool saved(const QUrl& target);
@@ -110,13 +110,13 @@ class FileFlow : public QObject {
   void askToReplace(const Choice& choice, const QList<QUrl>& files);
   void askToShow(const QString& name, const QString& danger, const Action& show);
   void tell(const QString& text);
-  void tellOfFailedSave(const QString& closing, const Action& afterwards);
+  void tellOfFailedSave(const QString& rejectText, const Action& afterwards);
   void tellOfFailedOpen(const QString& file, const QString& reason);
   [[nodiscard]] Prompt saveQuestion();
   void present();
 
   QPointer<ProjectViewModel> viewModel_;
-  Action afterSave_;  // waits for what is to become of unsaved changes
+  Action waitingAction_;  // until unsaved changes are saved or discarded
   QString saveFailure_;
   std::optional<Choice> choice_;  // that the user has yet to make
   QList<QUrl> filesToImport_;

@@ -2,7 +2,7 @@ import QtQuick
 import Gavrel.Views
 import Gavrel.Workbench
 
-/// What the flow of files asks, tells and has chosen.
+/// The sheets and the file panel in which the flow of files asks its user, reports and lets files be chosen.
 Item {
     id: root
 
@@ -10,28 +10,28 @@ Item {
 
     Sheet {
         presented: root.flow.prompt.question !== ""
-        onDismissed: root.flow.answer(FileFlow.Dismiss)
+        onDismissed: root.flow.answer(FileFlow.Reject)
 
         QuestionView {
             question: root.flow.prompt.question
             explanation: root.flow.prompt.text
-            losing: root.flow.prompt.losing
-            nothing: root.flow.prompt.dismissing
-            usual: root.flow.prompt.usual
-            onLost: root.flow.answer(FileFlow.Lose)
-            onChosen: root.flow.answer(FileFlow.Choose)
+            destructiveText: root.flow.prompt.destructiveText
+            rejectText: root.flow.prompt.rejectText
+            defaultText: root.flow.prompt.defaultText
+            onDestructiveChosen: root.flow.answer(FileFlow.Destructive)
+            onDefaultChosen: root.flow.answer(FileFlow.Default)
         }
     }
 
     Sheet {
         presented: root.flow.prompt.question === "" && root.flow.prompt.text !== ""
-        onDismissed: root.flow.answer(FileFlow.Dismiss)
+        onDismissed: root.flow.answer(FileFlow.Reject)
 
         NoticeView {
             text: root.flow.prompt.text
-            closing: root.flow.prompt.dismissing
-            action: root.flow.prompt.usual
-            onActed: root.flow.answer(FileFlow.Choose)
+            closeText: root.flow.prompt.rejectText
+            action: root.flow.prompt.defaultText
+            onActed: root.flow.answer(FileFlow.Default)
         }
     }
 

@@ -8,7 +8,7 @@ Item {
     id: root
 
     required property string text
-    property string closing: qsTr("Close")
+    property string closeText: qsTr("Close")
     /// What there is to do about it, if anything.
     property string action: ""
 
@@ -56,7 +56,7 @@ Item {
             }
             ProminentButton {
                 horizontalPadding: 12
-                text: root.closing
+                text: root.closeText
                 onClicked: root.dismiss()
             }
         }

@@ -3,31 +3,31 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.Views
 
-/// A question with its explanation, and three answers: one that loses something, one that does nothing, and the usual one.
-/// Without a text for it, there is no button for the second.
+/// A question with its explanation and three answers: a destructive one, one that does nothing and the default one, which
+/// Return gives. An answer to reject without a text has no button.
 Item {
     id: root
 
     required property string question
     required property string explanation
-    required property string losing
-    required property string nothing
-    required property string usual
+    required property string destructiveText
+    required property string rejectText
+    required property string defaultText
 
     signal dismiss()
-    signal lost()
-    signal chosen()
+    signal destructiveChosen()
+    signal defaultChosen()
 
     implicitWidth: 420
     implicitHeight: stack.implicitHeight + 32
 
-    onLost: console.debug(log, root.losing, "in answer to", root.question)
+    onDestructiveChosen: console.debug(log, root.destructiveText, "in answer to", root.question)
 
     function confirm() {
-        chosen();
+        defaultChosen();
     }
 
-    // QT_LOGGING_RULES=gavrel.questions.debug=true tells on standard error of each answer that loses something.
+    // QT_LOGGING_RULES=gavrel.questions.debug=true logs each destructive answer to standard error.
     LoggingCategory {
         id: log
 
@@ -66,26 +66,26 @@ Item {
             spacing: 8
 
             Button {
-                objectName: "losing"
+                objectName: "destructive"
                 horizontalPadding: 12
-                text: root.losing
-                onClicked: root.lost()
+                text: root.destructiveText
+                onClicked: root.destructiveChosen()
             }
             Item {
                 Layout.fillWidth: true
             }
             Button {
-                objectName: "nothing"
+                objectName: "reject"
                 horizontalPadding: 12
-                visible: root.nothing !== ""
-                text: root.nothing
+                visible: root.rejectText !== ""
+                text: root.rejectText
                 onClicked: root.dismiss()
             }
             ProminentButton {
-                objectName: "usual"
+                objectName: "default"
                 horizontalPadding: 12
-                text: root.usual
-                onClicked: root.chosen()
+                text: root.defaultText
+                onClicked: root.defaultChosen()
             }
         }
     }

@@ -89,11 +89,11 @@ ContentView {
         QuestionView {
             question: qsTr("Calculate, and end Gavrel?")
             explanation: qsTr("%1\n\nGavrel will end. What is not saved is offered at the next start.").arg(solver.reasonToEnd)
-            losing: qsTr("Calculate Anyway")
-            nothing: ""
-            usual: qsTr("Cancel")
-            onLost: solver.answer(true)
-            onChosen: solver.answer(false)
+            destructiveText: qsTr("Calculate Anyway")
+            rejectText: ""
+            defaultText: qsTr("Cancel")
+            onDestructiveChosen: solver.answer(true)
+            onDefaultChosen: solver.answer(false)
         }
     }
 

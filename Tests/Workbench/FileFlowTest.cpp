@@ -71,16 +71,16 @@ TEST_F(FileFlowTest, ASaveWithoutAFileAsksForOneAndBeforeItReplacesOne) {
   files.put("taken.json", "theirs");
   flow.takeFiles({url("taken.json")});
   EXPECT_EQ(question(), "Replace “taken.json”?");
-  flow.answer(FileFlow::Choose);
+  flow.answer(FileFlow::Default);
   ASSERT_EQ(requests.size(), 2);
   EXPECT_EQ(requests[1].name, "taken.json");
   flow.takeFiles({url("taken.json")});
-  flow.answer(FileFlow::Dismiss);
+  flow.answer(FileFlow::Reject);
   EXPECT_FALSE(flow.busy());
   EXPECT_EQ(files.get("taken.json"), "theirs");
   flow.showSavePanel();
   flow.takeFiles({url("taken.json")});
-  flow.answer(FileFlow::Lose);
+  flow.answer(FileFlow::Destructive);
   EXPECT_EQ(nodesIn("taken.json"), 1);
   flow.showSavePanel();
   flow.takeFiles({url("free.json")});
@@ -94,19 +94,19 @@ TEST_F(FileFlowTest, AFailedSaveIsToldWithItsReasonAndOffersAnotherPlace) {
   edit();
   EXPECT_FALSE(flow.mayQuit());
   fs::remove_all(files / "gone");
-  flow.answer(FileFlow::Choose);
+  flow.answer(FileFlow::Default);
   EXPECT_EQ(question(), "Write “model.json” anew?");
-  flow.answer(FileFlow::Lose);
+  flow.answer(FileFlow::Destructive);
   EXPECT_EQ(question(), "");
   EXPECT_THAT(text(), StartsWith("“model.json” was not saved.\n\n"));
   EXPECT_THAT(text(), HasSubstr("gone/model.json\": No such file or directory"));
-  EXPECT_EQ(flow.prompt().dismissing, "Save As…");
-  flow.answer(FileFlow::Dismiss);
+  EXPECT_EQ(flow.prompt().rejectText, "Save As…");
+  flow.answer(FileFlow::Reject);
   ASSERT_EQ(requests.size(), 1);
   EXPECT_EQ(text(), "") << "the panel is open";
   flow.takeFiles({url("none/model.json")});
-  EXPECT_EQ(flow.prompt().dismissing, "Close");
-  flow.answer(FileFlow::Dismiss);
+  EXPECT_EQ(flow.prompt().rejectText, "Close");
+  flow.answer(FileFlow::Reject);
   EXPECT_FALSE(flow.busy()) << "another failure ends it";
   EXPECT_TRUE(quits.empty());
 }
@@ -115,14 +115,14 @@ TEST_F(FileFlowTest, AFailedOpenIsToldAndCanBeTakenBack) {
   flow.open(url("none.json"));
   EXPECT_THAT(text(), StartsWith("“none.json” was not opened."));
   EXPECT_THAT(text(), HasSubstr("none.json\": No such file or directory"));
-  EXPECT_EQ(flow.prompt().usual, "") << "there was nothing before";
-  flow.answer(FileFlow::Dismiss);
+  EXPECT_EQ(flow.prompt().defaultText, "") << "there was nothing before";
+  flow.answer(FileFlow::Reject);
   for (const bool atOnce : {true, false}) {
     edit();
     model.discardChanges();
     flow.open(url("none.json"));
     EXPECT_EQ(*model.numberOfNodes, 0);
-    flow.answer(atOnce ? FileFlow::Choose : FileFlow::Dismiss);
+    flow.answer(atOnce ? FileFlow::Default : FileFlow::Reject);
     if (!atOnce) flow.restorePrevious();
     EXPECT_EQ(*model.numberOfNodes, atOnce ? 1 : 2);
     EXPECT_FALSE(flow.busy());
@@ -137,14 +137,14 @@ TEST_F(FileFlowTest, AFileThatOthersChangedIsNotOverwrittenUnasked) {
     flow.save();
     EXPECT_EQ(question(), removed ? "Write “model.json” anew?" : "Overwrite “model.json”?");
     EXPECT_TRUE(flow.interrupted());
-    flow.answer(FileFlow::Dismiss);
+    flow.answer(FileFlow::Reject);
     flow.save();
-    flow.answer(FileFlow::Choose);
+    flow.answer(FileFlow::Default);
     flow.takeFiles({});
     EXPECT_EQ(files.get("model.json"), theirs);
     EXPECT_FALSE(flow.busy());
     flow.save();
-    flow.answer(FileFlow::Lose);
+    flow.answer(FileFlow::Destructive);
     EXPECT_EQ(nodesIn("model.json"), 3);
   }
 }
@@ -164,13 +164,13 @@ TEST_F(FileFlowTest, WhatEndsTheProgramIsShownOnlyIfItIsMeant) {
   recovery.lookForOffer();
   for (const bool opens : {true, false}) {
     model.newProject();
-    for (const auto answer : {FileFlow::Dismiss, FileFlow::Choose, FileFlow::Lose}) {
+    for (const auto answer : {FileFlow::Reject, FileFlow::Default, FileFlow::Destructive}) {
       opens ? flow.open(url("odd.json")) : flow.restore(&recovery);
       EXPECT_THAT(question(), testing::MatchesRegex("Open “odd.*” although that ends Gavrel\\?"));
       EXPECT_THAT(text(), HasSubstr("trussElements[0] names node -1"));
-      EXPECT_EQ(flow.prompt().dismissing, "");
+      EXPECT_EQ(flow.prompt().rejectText, "");
       flow.answer(answer);
-      EXPECT_EQ(*model.numberOfNodes, answer == FileFlow::Lose ? 1 : 0);
+      EXPECT_EQ(*model.numberOfNodes, answer == FileFlow::Destructive ? 1 : 0);
       EXPECT_FALSE(flow.busy());
     }
   }
@@ -190,7 +190,7 @@ TEST_F(FileFlowTest, WhatLosesChangesAsksFirst) {
       {[this] { EXPECT_EQ(flow.mayQuit(), !model.hasUnsavedChanges()); }, [this] { return quits.size() == 1; }},
   };
   for (const auto& [begin, done] : ways) {
-    for (const auto answer : {FileFlow::Dismiss, FileFlow::Lose, FileFlow::Choose}) {
+    for (const auto answer : {FileFlow::Reject, FileFlow::Destructive, FileFlow::Default}) {
       openAndEdit();
       requests.clear();
       quits.clear();
@@ -198,8 +198,8 @@ TEST_F(FileFlowTest, WhatLosesChangesAsksFirst) {
       EXPECT_EQ(question(), "Save the changes to “model.json”?");
       EXPECT_FALSE(flow.interrupted());
       flow.answer(answer);
-      EXPECT_EQ(done(), answer != FileFlow::Dismiss);
-      EXPECT_EQ(nodesIn("model.json"), answer == FileFlow::Choose ? 3 : 2);
+      EXPECT_EQ(done(), answer != FileFlow::Reject);
+      EXPECT_EQ(nodesIn("model.json"), answer == FileFlow::Default ? 3 : 2);
       EXPECT_EQ(question(), "");
       flow.takeFiles({});
     }
@@ -212,14 +212,14 @@ TEST_F(FileFlowTest, WhatLosesChangesAsksFirst) {
 }
 
 TEST_F(FileFlowTest, QuittingWaitsForTheQuestionThatIsOpen) {
-  for (const auto answer : {FileFlow::Dismiss, FileFlow::Lose}) {
+  for (const auto answer : {FileFlow::Reject, FileFlow::Destructive}) {
     openAndEdit();
     files.put("model.json", "theirs");
     flow.save();
     EXPECT_FALSE(flow.mayQuit());
     EXPECT_THAT(question(), StartsWith("Overwrite"));
     flow.answer(answer);
-    EXPECT_EQ(quits.size(), answer == FileFlow::Lose);
+    EXPECT_EQ(quits.size(), answer == FileFlow::Destructive);
     EXPECT_FALSE(flow.busy());
   }
   edit();
@@ -228,7 +228,7 @@ TEST_F(FileFlowTest, QuittingWaitsForTheQuestionThatIsOpen) {
   flow.takeFiles({url("nodes.csv")});
   EXPECT_FALSE(flow.mayQuit());
   EXPECT_THAT(question(), StartsWith("Replace"));
-  flow.answer(FileFlow::Lose);
+  flow.answer(FileFlow::Destructive);
   EXPECT_THAT(question(), StartsWith("Save the changes"));
 }
 
@@ -249,7 +249,7 @@ TEST_F(FileFlowTest, ExportsAreNamedAndTheirFailuresTold) {
       flow.takeFiles({url(folder + name)});
       EXPECT_EQ(fs::exists(files / (folder + name)), folder.empty());
       EXPECT_EQ(text().rfind("Nothing was exported.\n\n", 0) == 0, !folder.empty()) << text();
-      flow.answer(FileFlow::Dismiss);
+      flow.answer(FileFlow::Reject);
     }
   }
 }
@@ -262,7 +262,7 @@ TEST_F(FileFlowTest, TablesAndDrawingsAreImportedOrItIsToldWhyNot) {
   EXPECT_TRUE(flow.busy());
   flow.importFiles(25, 1e5, false);
   EXPECT_THAT(text(), StartsWith("Nothing was imported.\n\nBARS.CSV, line 2, column start: there is no node 0"));
-  flow.answer(FileFlow::Dismiss);
+  flow.answer(FileFlow::Reject);
   for (const std::size_t bars : {1, 2}) {
     flow.showImportPanel();
     EXPECT_EQ(requests.back().purpose, FileRequest::OpenMany);
@@ -270,7 +270,7 @@ TEST_F(FileFlowTest, TablesAndDrawingsAreImportedOrItIsToldWhyNot) {
     flow.importFiles(25, 1e5, false);
     EXPECT_EQ((*model.project)->trussElements->size(), bars);
     EXPECT_THAT(text(), HasSubstr("colour"));
-    flow.answer(FileFlow::Dismiss);
+    flow.answer(FileFlow::Reject);
     EXPECT_FALSE(flow.busy());
   }
   EXPECT_EQ(imported.size(), 2);
@@ -287,8 +287,8 @@ TEST_F(FileFlowTest, EachPromptIsShownAnew) {
   openAndEdit();
   EXPECT_FALSE(flow.mayQuit());
   flow.writePicture({}, url("picture.png"));
-  flow.answer(FileFlow::Dismiss);
-  flow.answer(FileFlow::Dismiss);
+  flow.answer(FileFlow::Reject);
+  flow.answer(FileFlow::Reject);
   EXPECT_THAT(shown, ElementsAre("", "They are lost otherwise.", "", "The picture is too large.", "",
                                  "They are lost otherwise.", ""));
   EXPECT_FALSE(flow.busy());

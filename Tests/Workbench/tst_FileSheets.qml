@@ -31,8 +31,8 @@ ProjectCase {
     function test_questionsAreAnsweredByKeysAndMouse_data() {
         return [
             { tag: "Escape", answer: () => keyClick(Qt.Key_Escape), asked: false, done: false },
-            { tag: "nothing", answer: () => mouseClick(inSheet("nothing")), asked: false, done: false },
-            { tag: "losing", answer: () => mouseClick(inSheet("losing")), asked: false, done: true },
+            { tag: "reject", answer: () => mouseClick(inSheet("reject")), asked: false, done: false },
+            { tag: "destructive", answer: () => mouseClick(inSheet("destructive")), asked: false, done: true },
             { tag: "Return", answer: () => keyClick(Qt.Key_Return), asked: true, done: false },
         ];
     }
