@@ -17,7 +17,7 @@ void table(benchmark::State& state) {
   const auto columns = elementColumns();
   const auto forceColumn = std::ranges::find(columns, "force", &TableColumn::name) - columns.begin();
   ResultTable elements;
-  elements.setProperty("ofElements", true);
+  elements.setProperty("showsElements", true);
   elements.setProjectViewModel(&viewModel);
   elements.setActive(true);
   for ([[maybe_unused]] auto _ : state) {

@@ -5,7 +5,7 @@
 #include <optional>
 
 /// The file that an address of the user interface names; none for an empty one and for one that is elsewhere.
-[[nodiscard]] inline std::optional<std::filesystem::path> pathOf(const QUrl& url) {
+[[nodiscard]] inline std::optional<std::filesystem::path> toPath(const QUrl& url) {
   const QString file = url.toLocalFile();
   return file.isEmpty() ? std::nullopt : std::optional<std::filesystem::path>(file.toStdString());
 }

@@ -20,7 +20,7 @@ namespace {
 constexpr double automaticArea = 25.0;
 constexpr double automaticYoungModulus = 100000.0;
 
-QString nameOf(const std::filesystem::path& file) {
+QString fileName(const std::filesystem::path& file) {
   return QString::fromStdString(file.filename().string());
 }
 
@@ -115,7 +115,7 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
 }
 
 bool ProjectViewModel::saveProject(const QUrl& target) {
-  return saveProject(pathOf(target));
+  return saveProject(toPath(target));
 }
 
 bool ProjectViewModel::loadProject(const std::optional<std::filesystem::path>& source) {
@@ -131,19 +131,19 @@ bool ProjectViewModel::load(const std::optional<std::filesystem::path>& source, 
     printLine("No load file specified. Use 'Open...'");
     return false;
   }
-  emit endangered();
+  emit changesAtRisk();
   const auto stamp = FileStamp::read(*source);  // before it is read, so that a change meanwhile is noticed
   auto loaded = readProject(*source);
   if (!loaded) {
     printLine("Failed to load project: " + loaded.failure().reason);
     if ((*project)->nodeCount() > 0) previous_ = {*project, origin(), hasUnsavedChanges_, results_};
     replace(std::make_shared<Project>(), {}, false);
-    emit openFailed(nameOf(*source), QString::fromStdString(loaded.failure().reason));
+    emit openFailed(fileName(*source), QString::fromStdString(loaded.failure().reason));
     return false;
   }
   if (const auto danger = whyNotDrawable(**loaded); danger && onlyIfDrawable) {
     heldBack_ = *source;
-    emit openHeldBack(nameOf(*source), QString::fromStdString(danger->reason));
+    emit openHeldBack(fileName(*source), QString::fromStdString(danger->reason));
     return false;
   }
   replace(std::move(*loaded), {source, stamp}, false,
@@ -177,7 +177,7 @@ void ProjectViewModel::restore(std::shared_ptr<Project> structure, const Origin&
 
 void ProjectViewModel::restorePrevious() {
   if (!previous_) return;
-  emit endangered();
+  emit changesAtRisk();
   const Previous former = *std::exchange(previous_, std::nullopt);
   replace(former.project, former.origin, former.unsaved);
   setResults(former.results);
@@ -192,17 +192,17 @@ QString ProjectViewModel::changeOnDisk() const {
 }
 
 bool ProjectViewModel::loadProject(const QUrl& source) {
-  return loadProject(pathOf(source));
+  return loadProject(toPath(source));
 }
 
 bool ProjectViewModel::openProject(const QUrl& source) {
-  return openProject(pathOf(source));
+  return openProject(toPath(source));
 }
 
 void ProjectViewModel::newProject() {
   setAppMode(AppMode::normal);
   setSelectedNodesForTruss({});
-  emit endangered();
+  emit changesAtRisk();
   replace(std::make_shared<Project>(), {}, false);
 }
 
@@ -377,7 +377,7 @@ QString ProjectViewModel::projectName() const {
 }
 
 QString ProjectViewModel::currentFileName() const {
-  return currentFileUrl ? nameOf(*currentFileUrl) : QString();
+  return currentFileUrl ? fileName(*currentFileUrl) : QString();
 }
 
 QUrl ProjectViewModel::currentFolder() const {

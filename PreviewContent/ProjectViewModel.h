@@ -196,7 +196,8 @@ class ProjectViewModel : public QObject {
   void marksChanged();
   void resultsChanged();
   void remarkChanged();
-  void endangered();  ///< what follows replaces the project, or may end the process
+  /// Before an operation that replaces the project or may end the process: keep unsaved changes before returning.
+  void changesAtRisk();
 
  private:
   enum class Results { none, current, outdated };

@@ -109,5 +109,5 @@ void SceneContents::click(const Ray& ray) {
 void SceneContents::showMarks() {
   if (scheduled_ || !view_.project) return;  // the update shows them
   const auto& marks = viewModel_->marks();
-  drawMarks(view_.shapesOf(marks.nodes, marks.trusses, marks.beams));
+  drawMarks(view_.buildShapes(marks.nodes, marks.trusses, marks.beams));
 }

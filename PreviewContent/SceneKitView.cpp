@@ -214,8 +214,8 @@ void SceneKitView::updateScene(Scene& scene) const {
   builder.addRestraints();
 }
 
-SceneNode SceneKitView::shapesOf(const std::vector<std::int64_t>& nodes, const std::vector<std::int64_t>& trusses,
-                                 const std::vector<std::int64_t>& beams) const {
+SceneNode SceneKitView::buildShapes(const std::vector<std::int64_t>& nodes, const std::vector<std::int64_t>& trusses,
+                                    const std::vector<std::int64_t>& beams) const {
   SceneNode group;
   SceneBuilder builder(*this, group);
   for (const std::int64_t node : nodes) builder.addNode(node, nodeColor);

@@ -60,8 +60,8 @@ class SceneKitView {
 
   /// The balls and tubes of these nodes and elements, by position, as updateScene places them. What it leaves out is
   /// left out here, too.
-  [[nodiscard]] SceneNode shapesOf(const std::vector<std::int64_t>& nodes, const std::vector<std::int64_t>& trusses,
-                                   const std::vector<std::int64_t>& beams) const;
+  [[nodiscard]] SceneNode buildShapes(const std::vector<std::int64_t>& nodes, const std::vector<std::int64_t>& trusses,
+                                      const std::vector<std::int64_t>& beams) const;
 
   /// A tube from one point to the other. Its length is rounded to single precision.
   [[nodiscard]] static SceneNode createCylinderNode(const Vector3& from, const Vector3& to, double radius);

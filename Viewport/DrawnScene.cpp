@@ -17,7 +17,7 @@ Color lighter(const Color& color) {
 }
 
 /// Scale of a mesh of radius and height 1.
-Vector3 stretchOf(const SceneNode& node) {
+Vector3 computeStretch(const SceneNode& node) {
   if (const auto* ball = std::get_if<Sphere>(&node.content)) return {ball->radius, ball->radius, ball->radius};
   if (const auto* tube = std::get_if<Tube>(&node.content)) return {tube->radius, tube->height, tube->radius};
   const auto& cone = std::get<Cone>(node.content);
@@ -44,7 +44,7 @@ void DrawnScene::fillTables() {
   origin_ = bounds_.centre();
   for (InstanceTable* table : {&balls_, &tubes_, &cones_}) table->clear();
   forEachShape(root, [this](const SceneNode& node, const Transform& world) {
-    const Vector3 stretch = stretchOf(node);
+    const Vector3 stretch = computeStretch(node);
     if (!(stretch.x > 0)) return;
     InstanceTable& table = std::holds_alternative<Sphere>(node.content) ? balls_
                            : std::holds_alternative<Tube>(node.content) ? tubes_
@@ -94,7 +94,7 @@ void DrawnScene::showHighlight(const SceneNode* node) {
 void DrawnScene::append(InstanceTable& balls, InstanceTable& tubes, const SceneNode& node, double growth,
                         const Color& color) {
   const bool isBall = std::holds_alternative<Sphere>(node.content);
-  Vector3 stretch = stretchOf(node);
+  Vector3 stretch = computeStretch(node);
   stretch.x *= growth;
   stretch.z *= growth;
   if (isBall) stretch.y *= growth;

@@ -83,7 +83,7 @@ Mesh coneMesh(int sides) {
 }
 
 template <class Element>
-QByteArray bytesOf(const std::vector<Element>& elements) {
+QByteArray copyBytes(const std::vector<Element>& elements) {
   return {reinterpret_cast<const char*>(elements.data()), static_cast<qsizetype>(elements.size() * sizeof(Element))};
 }
 
@@ -113,8 +113,8 @@ void ShapeGeometry::build() {
   addAttribute(Attribute::PositionSemantic, offsetof(Vertex, position), Attribute::F32Type);
   addAttribute(Attribute::NormalSemantic, offsetof(Vertex, normal), Attribute::F32Type);
   addAttribute(Attribute::IndexSemantic, 0, Attribute::U16Type);
-  setVertexData(bytesOf(mesh.vertices));
-  setIndexData(bytesOf(mesh.indices));
+  setVertexData(copyBytes(mesh.vertices));
+  setIndexData(copyBytes(mesh.indices));
   setPrimitiveType(PrimitiveType::Triangles);
   setBounds({-1, -1, -1}, {1, 1, 1});
   update();

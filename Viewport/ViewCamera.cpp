@@ -84,8 +84,8 @@ void ViewCamera::zoom(double factor, double x, double y) {
   if (!reference) {
     // Beside everything: as deep as the middle of the structure.
     const Ray ray = rayAt(x, y);
-    const double depthOfOne = camera_.depth(ray.at(1));
-    reference = ray.at(std::abs(camera_.depth(contents_->bounds().centre())) / depthOfOne);
+    const double depthOfUnitDistance = camera_.depth(ray.at(1));
+    reference = ray.at(std::abs(camera_.depth(contents_->bounds().centre())) / depthOfUnitDistance);
   }
   camera_.zoom(*reference, factor, std::max(contents_->bounds().radius() * 1e-4, 1e-6));
   moved(false);

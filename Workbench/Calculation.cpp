@@ -70,7 +70,7 @@ QVariantList Calculation::findings() const {
   return list;
 }
 
-bool Calculation::seriouslyFound() const {
+bool Calculation::hasSeriousFindings() const {
   return std::ranges::any_of(trial_.findings, isSerious);
 }
 
@@ -90,7 +90,7 @@ void Calculation::calculate(bool heedsFindings, bool checksAgain) {
     checked_ = true;
     checkOutdated_ = false;
   }
-  const bool stops = heedsFindings && seriouslyFound();
+  const bool stops = heedsFindings && hasSeriousFindings();
   const bool ends = trial_.endsProgram();
   if (!stops && !ends) {
     if (trial_.solved)
@@ -100,7 +100,7 @@ void Calculation::calculate(bool heedsFindings, bool checksAgain) {
   }
   end(!stops && !ends);
   if (checksAgain) emit findingsChanged();
-  if (stops) emit found();
+  if (stops) emit stoppedByFindings();
   if (ends && !stops) setReasonToEnd(QString::fromStdString(trial_.findings.front().text));
 }
 
@@ -132,7 +132,7 @@ void Calculation::makeLinear(int index) {
 }
 
 void Calculation::begin() {
-  emit viewModel_->endangered();
+  emit viewModel_->changesAtRisk();
   viewModel_->clearMarks();
   running_ = true;
   qApp->installEventFilter(this);

@@ -25,7 +25,7 @@ class Calculation : public QObject {
   Q_PROPERTY(double tolerance READ tolerance CONSTANT)
   Q_PROPERTY(bool checks MEMBER checks_ NOTIFY checksChanged)
   Q_PROPERTY(QVariantList findings READ findings NOTIFY findingsChanged)
-  Q_PROPERTY(bool seriouslyFound READ seriouslyFound NOTIFY findingsChanged)
+  Q_PROPERTY(bool hasSeriousFindings READ hasSeriousFindings NOTIFY findingsChanged)
   Q_PROPERTY(bool checked READ checked NOTIFY findingsChanged)
   Q_PROPERTY(bool checkOutdated READ checkOutdated NOTIFY findingsChanged)
   Q_PROPERTY(QString reasonToEnd READ reasonToEnd NOTIFY reasonToEndChanged)
@@ -50,7 +50,7 @@ class Calculation : public QObject {
   [[nodiscard]] QVariantList findings() const;
 
   /// Whether the findings are more than doubts.
-  [[nodiscard]] bool seriouslyFound() const;
+  [[nodiscard]] bool hasSeriousFindings() const;
   /// Whether the project was checked since it was opened or begun, and whether it was changed after that.
   [[nodiscard]] bool checked() const { return checked_; }
   [[nodiscard]] bool checkOutdated() const { return checked_ && checkOutdated_; }
@@ -79,7 +79,7 @@ class Calculation : public QObject {
   void checksChanged();
   void findingsChanged();
   void reasonToEndChanged();
-  void found();  ///< a check has found something serious, and nothing was solved
+  void stoppedByFindings();  ///< the check found something serious, so nothing was solved
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -137,7 +137,7 @@ Pane {
                     id: elements
 
                     projectViewModel: root.projectViewModel
-                    ofElements: true
+                    showsElements: true
                     active: root.open && root.currentTab === 2
                 }
             }

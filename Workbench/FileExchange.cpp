@@ -24,7 +24,7 @@ QString report(const std::optional<Failure>& failure, const std::filesystem::pat
 
 QString FileExchange::importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear) {
   std::vector<std::filesystem::path> paths;
-  for (const QUrl& file : files) paths.push_back(pathOf(file).value_or(file.toString().toStdString()));
+  for (const QUrl& file : files) paths.push_back(toPath(file).value_or(file.toString().toStdString()));
   const auto outcome =
       viewModel_.importFiles(paths, {.area = area, .youngModulus = youngModulus, .isNonLinear = isNonLinear});
   if (!outcome) return tr("Nothing was imported.\n\n%1").arg(QString::fromStdString(outcome.failure().reason));
@@ -53,11 +53,11 @@ QString FileExchange::exportVtu(const QUrl& file) {
 QString FileExchange::exportPicture(const QImage& picture, const QUrl& file) {
   const auto png = encodePng(picture);
   if (!png) return tr("The picture is too large.");
-  const auto path = *pathOf(file);
+  const auto path = *toPath(file);
   return report(replaceFile(path, *png), path);
 }
 
 QString FileExchange::write(Write write, const QUrl& file) {
-  const auto path = *pathOf(file);
+  const auto path = *toPath(file);
   return report(write(**viewModel_.project, path, viewModel_.hasResults() ? Results::written : Results::leftOut), path);
 }

@@ -81,7 +81,7 @@ bool FileFlow::mayQuit() {
 void FileFlow::doOnceSavedOrDiscarded(Action action) {
   if (!viewModel_->hasUnsavedChanges()) return action();
   waitingAction_ = std::move(action);
-  present();
+  showNextPrompt();
 }
 
 void FileFlow::runWaitingAction() {
@@ -105,7 +105,7 @@ void FileFlow::save() {
 }
 
 void FileFlow::write() {
-  if (saved({}))
+  if (writeTo({}))
     runWaitingAction();
   else if (saveFailure_.isEmpty())
     showSavePanel();
@@ -124,12 +124,12 @@ void FileFlow::showSavePanel() {
 }
 
 void FileFlow::saveTo(const QUrl& file) {
-  if (saved(file)) return runWaitingAction();
+  if (writeTo(file)) return runWaitingAction();
   waitingAction_ = {};
   if (!saveFailure_.isEmpty()) tellOfFailedSave(tr("Close"), {});
 }
 
-bool FileFlow::saved(const QUrl& target) {
+bool FileFlow::writeTo(const QUrl& target) {
   saveFailure_.clear();
   return viewModel_->saveProject(target);
 }
@@ -204,7 +204,7 @@ void FileFlow::takeFiles(const QList<QUrl>& files) {
     askToReplace(choice, files);
   else
     choice.use(files);
-  present();
+  showNextPrompt();
 }
 
 void FileFlow::answer(Answer given) {
@@ -216,12 +216,12 @@ void FileFlow::answer(Answer given) {
                          : given == Default   ? asked.onDefault
                                               : asked.onReject;
   if (action) action();
-  present();
+  showNextPrompt();
 }
 
 void FileFlow::ask(Prompt prompt) {
   prompts_.push_back(std::move(prompt));
-  present();
+  showNextPrompt();
 }
 
 void FileFlow::askToReplace(const Choice& choice, const QList<QUrl>& files) {
@@ -252,7 +252,7 @@ void FileFlow::askToShow(const QString& name, const QString& danger, const Actio
 }
 
 void FileFlow::tell(const QString& text) {
-  if (text.isEmpty()) return present();
+  if (text.isEmpty()) return showNextPrompt();
   ask({.text = text, .rejectText = tr("Close")});
 }
 
@@ -283,7 +283,7 @@ Prompt FileFlow::saveQuestion() {
 }
 
 /// Shows the latest prompt or, when nothing else is to be answered or chosen, the question about unsaved changes.
-void FileFlow::present() {
+void FileFlow::showNextPrompt() {
   Prompt next;
   if (!prompts_.empty())
     next = prompts_.back();

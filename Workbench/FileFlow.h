@@ -100,7 +100,7 @@ class FileFlow : public QObject {
   void runWaitingAction();
   void write();
   void saveTo(const QUrl& file);
-  [[nodiscard]] bool saved(const QUrl& target);
+  [[nodiscard]] bool writeTo(const QUrl& target);
 
   void choose(FileRequest request, Use use);
   void exportTo(const QString& name, const QString& suffix, const std::function<void(const QUrl&)>& write);
@@ -113,7 +113,7 @@ class FileFlow : public QObject {
   void tellOfFailedSave(const QString& rejectText, const Action& afterwards);
   void tellOfFailedOpen(const QString& file, const QString& reason);
   [[nodiscard]] Prompt saveQuestion();
-  void present();
+  void showNextPrompt();
 
   QPointer<ProjectViewModel> viewModel_;
   Action waitingAction_;  // until unsaved changes are saved or discarded

@@ -11,7 +11,7 @@
 namespace {
 
 /// The colours of a palette of Qt Quick, whose properties are named like the roles of a QPalette.
-QPalette colorsOf(const QObject& quickPalette) {
+QPalette convertPalette(const QObject& quickPalette) {
   QPalette palette;
   const auto roles = QMetaEnum::fromType<QPalette::ColorRole>();
   const auto* const disabled = quickPalette.property("disabled").value<QObject*>();
@@ -59,7 +59,7 @@ void FilePanel::open(const FileRequest& request) {
   dialog_->setDirectoryUrl(isThere ? request.folder : QUrl::fromLocalFile(QDir::homePath()));
   if (!request.name.isEmpty()) dialog_->selectFile(request.name);
   if (!request.acceptLabel.isEmpty()) dialog_->setLabelText(QFileDialog::Accept, request.acceptLabel);
-  if (palette_ != nullptr) dialog_->setPalette(colorsOf(*palette_));
+  if (palette_ != nullptr) dialog_->setPalette(convertPalette(*palette_));
   connect(dialog_, &QFileDialog::finished, this, &FilePanel::finish);
 
   dialog_->setWindowModality(Qt::ApplicationModal);

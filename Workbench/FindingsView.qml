@@ -17,7 +17,7 @@ Item {
             return qsTr("The structure was changed since this check.");
         if (calculation.outcome === "")
             return qsTr("Nothing was solved.");
-        return calculation.seriouslyFound ? qsTr("Solved in spite of this.") : qsTr("Solved: this is no more than a note.");
+        return calculation.hasSeriousFindings ? qsTr("Solved in spite of this.") : qsTr("Solved: this is no more than a note.");
     }
 
     function select(index) {
@@ -161,7 +161,7 @@ Item {
             }
             Button {
                 objectName: "calculateAnyway"
-                visible: root.calculation.seriouslyFound
+                visible: root.calculation.hasSeriousFindings
                 text: qsTr("Calculate Anyway")
                 horizontalPadding: 12
                 onClicked: root.calculation.runAnyway()

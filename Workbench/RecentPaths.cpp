@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr qsizetype most = 10;
+constexpr qsizetype maximumCount = 10;
 const QString key = QStringLiteral("recentFiles");
 
 }  // namespace
@@ -21,7 +21,7 @@ void RecentPaths::add(const QString& path) {
   QStringList paths = settings_.value(key).toStringList();
   paths.removeAll(path);
   paths.prepend(path);
-  settings_.setValue(key, paths.first(std::min(paths.size(), most)));
+  settings_.setValue(key, paths.first(std::min(paths.size(), maximumCount)));
   settings_.sync();
 }
 

@@ -28,17 +28,17 @@ constexpr int retries = 5;
 constexpr int retryDelay = 1000;  // milliseconds
 constexpr const char* extension = ".recovery";
 
-fs::path lockOf(const fs::path& file) {
+fs::path lockPath(const fs::path& file) {
   return file.string() + ".lock";
 }
 
 /// Beside a recovery file: why its process has ended, where that is known.
-fs::path reasonOf(const fs::path& file) {
+fs::path reasonPath(const fs::path& file) {
   return file.string() + ".reason";
 }
 
 /// The recovery files in the folder, the last written first.
-std::vector<fs::path> filesIn(const fs::path& folder) {
+std::vector<fs::path> listRecoveryFiles(const fs::path& folder) {
   std::vector<std::pair<fs::file_time_type, fs::path>> found;
   std::error_code unreadable;
   for (const auto& entry : fs::directory_iterator(folder, unreadable))
@@ -60,7 +60,7 @@ Recovery::Recovery(ProjectViewModel& viewModel, fs::path folder, QObject* parent
   soon_.setSingleShot(true);
   connect(&soon_, &QTimer::timeout, this, &Recovery::write);
   connect(&viewModel, &ProjectViewModel::structureEdited, this, &Recovery::edited);
-  connect(&viewModel, &ProjectViewModel::endangered, this, &Recovery::flush);
+  connect(&viewModel, &ProjectViewModel::changesAtRisk, this, &Recovery::flush);
   connect(&viewModel, &ProjectViewModel::unsavedChangesChanged, this, [this] {
     if (!viewModel_.hasUnsavedChanges()) forget();
   });
@@ -69,7 +69,7 @@ Recovery::Recovery(ProjectViewModel& viewModel, fs::path folder, QObject* parent
 Recovery::~Recovery() {
   writer_.waitForDone();
   std::error_code ignored;
-  if (lock_ && !fs::exists(file_, ignored)) fs::remove(lockOf(file_), ignored);
+  if (lock_ && !fs::exists(file_, ignored)) fs::remove(lockPath(file_), ignored);
 }
 
 void Recovery::edited() {
@@ -88,7 +88,7 @@ void Recovery::write() {
     std::error_code ignored;
     fs::create_directories(folder_, ignored);
     fs::permissions(folder_, fs::perms::owner_all, ignored);
-    lock_ = FileLock::take(lockOf(file_));
+    lock_ = FileLock::take(lockPath(file_));
   }
   sinceCopy_.start();
   const auto [file, stamp] = viewModel_.origin();
@@ -138,7 +138,7 @@ void Recovery::forget() {
   pending_ = false;  // set again where the last writing has failed
   std::error_code ignored;
   fs::remove(file_, ignored);
-  fs::remove(reasonOf(file_), ignored);
+  fs::remove(reasonPath(file_), ignored);
   if (!std::exchange(failure_, {}).isEmpty()) emit failureChanged();
 }
 
@@ -149,9 +149,9 @@ void Recovery::lookForOffer() {
 
 void Recovery::look(int furtherTries) {
   bool locked = false;
-  for (const fs::path& file : filesIn(folder_)) {
+  for (const fs::path& file : listRecoveryFiles(folder_)) {
     if (file == file_ || std::ranges::find(postponed_, file) != postponed_.end()) continue;
-    auto lock = FileLock::take(lockOf(file));
+    auto lock = FileLock::take(lockPath(file));
     locked |= !lock;
     if (!lock) continue;
     auto content = readRecovery(file);
@@ -159,7 +159,7 @@ void Recovery::look(int furtherTries) {
       printWarning("the recovery file " + shownText(file.string()) + " is left alone: " + content.failure().reason);
       continue;
     }
-    const auto reason = readFile(reasonOf(file));
+    const auto reason = readFile(reasonPath(file));
     offer_ = Offer{file, std::move(*lock), std::move(*content), reason ? *reason : ""};
     emit offerChanged();
     return;
@@ -193,14 +193,14 @@ void Recovery::postponeOffer() {
 void Recovery::removeOfferedFile() {
   std::error_code ignored;
   fs::remove(offer_->file, ignored);
-  fs::remove(reasonOf(offer_->file), ignored);
-  fs::remove(lockOf(offer_->file), ignored);
+  fs::remove(reasonPath(offer_->file), ignored);
+  fs::remove(lockPath(offer_->file), ignored);
 }
 
 void Recovery::keepReason(std::string_view reason) const {
   std::error_code ignored;
   if (!fs::exists(file_, ignored)) return;
-  if (const auto failure = replaceFile(reasonOf(file_), reason)) printWarning(failure->reason);
+  if (const auto failure = replaceFile(reasonPath(file_), reason)) printWarning(failure->reason);
 }
 
 QString Recovery::offeredReason() const {

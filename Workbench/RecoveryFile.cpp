@@ -40,7 +40,7 @@ class Checksum {
 };
 
 template <class Value>
-std::string_view bytesOf(const Value* values, std::size_t count) {
+std::string_view viewBytes(const Value* values, std::size_t count) {
   return {reinterpret_cast<const char*>(values), count * sizeof(Value)};
 }
 
@@ -54,7 +54,7 @@ class SectionWriter {
   }
 
   void numbers(const std::string& key, const std::vector<double>& values) {
-    text(key, bytesOf(values.data(), values.size()));
+    text(key, viewBytes(values.data(), values.size()));
   }
 
   /// `count` values, each as `valueOf` gives it for its place.
@@ -65,7 +65,7 @@ class SectionWriter {
     for (std::size_t start = 0; start < count; start += block.size()) {
       const std::size_t length = std::min(block.size(), count - start);
       for (std::size_t i = 0; i < length; ++i) block[i] = valueOf(start + i);
-      sink_(bytesOf(block.data(), length));
+      sink_(viewBytes(block.data(), length));
     }
   }
 
@@ -151,7 +151,7 @@ void write(const RecoveredProject& recovered, const ByteSink& sink) {
   SectionWriter sections(sink);
   sections.text("file", recovered.file.value_or("").string());
   const auto& stamp = recovered.stamp;
-  sections.text("stamp", stamp ? bytesOf(&*stamp, 1) : "");
+  sections.text("stamp", stamp ? viewBytes(&*stamp, 1) : "");
   sections.text("time", recovered.time.toString(Qt::ISODateWithMs).toStdString());
   sections.text("name", *project.name);
   sections.elements("trussElements", *project.trussElements);

@@ -42,7 +42,7 @@ void ResultTable::setSearch(const QString& value) {
 
 int ResultTable::size() const {
   if (!viewModel_) return 0;
-  return static_cast<int>(ofElements_ ? elementCount(project()) : project().nodeCount());
+  return static_cast<int>(showsElements_ ? elementCount(project()) : project().nodeCount());
 }
 
 int ResultTable::rowCount(const QModelIndex& parent) const {
@@ -55,7 +55,7 @@ int ResultTable::columnCount(const QModelIndex& parent) const {
 
 QVariant ResultTable::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || role != Qt::DisplayRole) return {};
-  return textAt(positionOf(index.row()), index.column());
+  return textAt(positionAt(index.row()), index.column());
 }
 
 QVariant ResultTable::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -77,20 +77,20 @@ void ResultTable::sortBy(int column) {
   arrange();
 }
 
-int ResultTable::rowOfElement(bool isBeam, qint64 identifier) const {
+int ResultTable::findElementRow(bool isBeam, qint64 identifier) const {
   const auto rowOfFirst = [&](const auto& elements, qint64 before) {
     using Element = typename std::decay_t<decltype(elements)>::value_type;
     const auto found = std::ranges::find(elements, identifier, &Element::id);
-    return found == elements.end() ? -1 : rowOf(before + (found - elements.begin()));
+    return found == elements.end() ? -1 : findRow(before + (found - elements.begin()));
   };
   const auto& trusses = *project().trussElements;
   return isBeam ? rowOfFirst(*project().beamElements, std::ssize(trusses)) : rowOfFirst(trusses, 0);
 }
 
 void ResultTable::mark(int row) const {
-  const std::int64_t position = positionOf(row);
+  const std::int64_t position = positionAt(row);
   const auto trusses = std::ssize(*project().trussElements);
-  if (!ofElements_)
+  if (!showsElements_)
     viewModel_->setMarks({.nodes = {position}});
   else if (position < trusses)
     viewModel_->setMarks({.trusses = {position}});
@@ -107,7 +107,7 @@ Cell ResultTable::cellAt(std::int64_t position, const TableColumn& column) const
                                                                                    : column.cell(project(), position);
 }
 
-int ResultTable::rowOf(qint64 position) const {
+int ResultTable::findRow(qint64 position) const {
   const auto found = std::ranges::find(positions_, position);
   return found == positions_.end() ? -1 : static_cast<int>(found - positions_.begin());
 }

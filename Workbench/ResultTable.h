@@ -17,7 +17,7 @@ class ResultTable : public QAbstractTableModel {
   QML_ELEMENT
   Q_PROPERTY(
       ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel NOTIFY arranged REQUIRED)
-  Q_PROPERTY(bool ofElements MEMBER ofElements_ NOTIFY arranged)
+  Q_PROPERTY(bool showsElements MEMBER showsElements_ NOTIFY arranged)
   Q_PROPERTY(bool active READ active WRITE setActive NOTIFY arranged)
   Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY arranged)
   Q_PROPERTY(int sortColumn READ sortColumn NOTIFY arranged)
@@ -52,11 +52,11 @@ class ResultTable : public QAbstractTableModel {
 
   /// Sorts by a column, or the other way round if it is sorted by it. What is empty or not a number comes last.
   Q_INVOKABLE void sortBy(int column);
-  [[nodiscard]] Q_INVOKABLE qint64 positionOf(int row) const { return positions_[static_cast<std::size_t>(row)]; }
+  [[nodiscard]] Q_INVOKABLE qint64 positionAt(int row) const { return positions_[static_cast<std::size_t>(row)]; }
   /// -1 if it is not shown.
-  [[nodiscard]] Q_INVOKABLE int rowOf(qint64 position) const;
+  [[nodiscard]] Q_INVOKABLE int findRow(qint64 position) const;
   /// The row of the first bar or beam with this identifier, which need not be its position; -1 if it is not shown.
-  [[nodiscard]] Q_INVOKABLE int rowOfElement(bool isBeam, qint64 identifier) const;
+  [[nodiscard]] Q_INVOKABLE int findElementRow(bool isBeam, qint64 identifier) const;
   /// Points the row's node or element out in the 3D area.
   Q_INVOKABLE void mark(int row) const;
 
@@ -65,7 +65,9 @@ class ResultTable : public QAbstractTableModel {
 
  private:
   [[nodiscard]] const Project& project() const { return **viewModel_->project; }
-  [[nodiscard]] std::span<const TableColumn> columns() const { return ofElements_ ? elementColumns() : nodeColumns(); }
+  [[nodiscard]] std::span<const TableColumn> columns() const {
+    return showsElements_ ? elementColumns() : nodeColumns();
+  }
   [[nodiscard]] const TableColumn& columnAt(int column) const { return columns()[static_cast<std::size_t>(column)]; }
   [[nodiscard]] QString textAt(std::int64_t position, int column) const;
   /// What the project has there, but no results before it was solved.
@@ -74,7 +76,7 @@ class ResultTable : public QAbstractTableModel {
   void sortPositions();
 
   QPointer<ProjectViewModel> viewModel_;
-  bool ofElements_ = false;
+  bool showsElements_ = false;
   bool active_ = false;
   QString search_;
   int sortColumn_ = -1;  // none: in the order of the project

@@ -10,14 +10,14 @@ Item {
     required property ResultTable table
     property int selectedPosition: -1
     // Depends on `rows`, which is announced whenever the rows are arranged anew.
-    readonly property int selectedRow: table.rows > 0 && selectedPosition >= 0 ? table.rowOf(selectedPosition) : -1
+    readonly property int selectedRow: table.rows > 0 && selectedPosition >= 0 ? table.findRow(selectedPosition) : -1
 
     readonly property int rowHeight: 22
 
     function select(row) {
         if (row < 0 || row >= table.rows)
             return;
-        selectedPosition = table.positionOf(row);
+        selectedPosition = table.positionAt(row);
         table.mark(row);
         show(row);
     }
@@ -31,11 +31,11 @@ Item {
     }
 
     function showNode(node) {
-        select(table.rowOf(node));
+        select(table.findRow(node));
     }
 
     function showElement(isBeam, element) {
-        select(table.rowOfElement(isBeam, element));
+        select(table.findElementRow(isBeam, element));
     }
 
     Connections {
@@ -173,6 +173,6 @@ Item {
         anchors.centerIn: view
         visible: root.table.rows === 0
         opacity: 0.7
-        text: root.table.size > 0 ? qsTr("Nothing matches the search") : root.table.ofElements ? qsTr("No elements yet") : qsTr("No nodes yet")
+        text: root.table.size > 0 ? qsTr("Nothing matches the search") : root.table.showsElements ? qsTr("No elements yet") : qsTr("No nodes yet")
     }
 }

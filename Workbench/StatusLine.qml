@@ -12,7 +12,7 @@ Pane {
     required property Calculation calculation
     /// What the user should know at once; takes the place of the hint.
     property string warning
-    readonly property string told: warning !== "" ? warning : projectViewModel.remark
+    readonly property string alert: warning !== "" ? warning : projectViewModel.remark
 
     signal convergenceRequested()
     signal findingsRequested()
@@ -52,9 +52,9 @@ Pane {
         Label {
             objectName: "hint"
             Layout.fillWidth: true
-            elide: root.told !== "" ? Text.ElideMiddle : Text.ElideRight  // a warning's reason stands at its end
-            text: root.told !== "" ? root.told : root.hint
-            color: root.told !== "" ? "#d0342c" : palette.windowText
+            elide: root.alert !== "" ? Text.ElideMiddle : Text.ElideRight  // a warning's reason stands at its end
+            text: root.alert !== "" ? root.alert : root.hint
+            color: root.alert !== "" ? "#d0342c" : palette.windowText
 
             ToolTip.visible: truncated && hover.hovered
             ToolTip.text: text

@@ -64,7 +64,7 @@ ContentView {
         id: solver
 
         projectViewModel: root.projectViewModel
-        onFound: dataDock.show(0)
+        onStoppedByFindings: dataDock.show(0)
     }
 
     Sheet {

@@ -23,7 +23,7 @@ struct Tables : testing::Test {
     addBeam(*project, 0, 4, 7, false);
     model.restore(std::move(project), {});
     model.announceResults();
-    elements.setProperty("ofElements", true);
+    elements.setProperty("showsElements", true);
     for (ResultTable* table : {&nodes, &elements}) {
       table->setProjectViewModel(&model);
       table->setActive(true);
@@ -32,7 +32,7 @@ struct Tables : testing::Test {
 
   static std::vector<std::int64_t> order(const ResultTable& table) {
     std::vector<std::int64_t> positions;
-    for (int row = 0; row < table.rowCount(); ++row) positions.push_back(table.positionOf(row));
+    for (int row = 0; row < table.rowCount(); ++row) positions.push_back(table.positionAt(row));
     return positions;
   }
 
@@ -48,7 +48,7 @@ TEST_F(Tables, SortByAnyColumnAndPutWhatIsEmptyLast) {
   elements.sortBy(column(elements, "length"));
   EXPECT_THAT(order(elements), ElementsAre(1, 2, 0, 3));
   EXPECT_FALSE(elements.descending());
-  EXPECT_EQ(elements.rowOf(0), 2);
+  EXPECT_EQ(elements.findRow(0), 2);
   elements.sortBy(column(elements, "length"));
   EXPECT_THAT(order(elements), ElementsAre(3, 0, 2, 1));
   EXPECT_TRUE(elements.descending());
@@ -77,7 +77,7 @@ TEST_F(Tables, FindElementsByIdentifiersThatAreNotPositions) {
   ASSERT_THAT(order(elements), ElementsAre(1, 2, 0, 3));
   const auto rows = [this](bool isBeam) {
     std::vector<int> found;
-    for (const int identifier : {0, 1, 2, 10}) found.push_back(elements.rowOfElement(isBeam, identifier));
+    for (const int identifier : {0, 1, 2, 10}) found.push_back(elements.findElementRow(isBeam, identifier));
     return found;
   };
   EXPECT_THAT(rows(false), ElementsAre(1, -1, 2, 0));
@@ -88,7 +88,7 @@ TEST_F(Tables, SearchWhatIsShownWhateverItsCase) {
   elements.setSearch("BEAM");
   EXPECT_THAT(order(elements), ElementsAre(3));
   EXPECT_EQ(elements.size(), 4);
-  EXPECT_EQ(elements.rowOf(0), -1);
+  EXPECT_EQ(elements.findRow(0), -1);
   elements.setSearch("0.0");
   EXPECT_THAT(order(elements), ElementsAre()) << "zeros are shown as 0";
   elements.setSearch("");
