@@ -5,7 +5,7 @@ import Gavrel.Viewport
 import Gavrel.Views
 import Gavrel.Workbench
 
-/// Everything that the window can be told to do. Menus and buttons show these, and bring none of their own.
+/// All actions of the window. Menus and buttons show these and define none of their own.
 QtObject {
     id: root
 
@@ -27,9 +27,9 @@ QtObject {
     }
 
     component Command: Action {
-        /// What a button says.
+        /// The text on a button.
         property string label: text.replace("&", "")
-        /// Whether it may be chosen while no sheet or panel is open.
+        /// Whether the action is enabled while no sheet or panel is open.
         property bool available: true
 
         enabled: available && !root.content.blocked
@@ -56,7 +56,7 @@ QtObject {
     readonly property Command quit: Command {
         text: qsTr("&Quit")
         shortcut: StandardKey.Quit
-        enabled: true  // below a sheet, too: it asks before anything is lost
+        enabled: true  // while a sheet is open, too: it asks about unsaved changes
         onTriggered: Qt.quit()
     }
 

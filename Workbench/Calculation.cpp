@@ -15,7 +15,7 @@
 
 namespace {
 
-// Milliseconds. A repaint waits for the display; fast steps are not held up by one each.
+// Milliseconds. A repaint waits for the display, so that fast steps share one.
 constexpr int repaintTime = 20;
 constexpr int longestSilence = 100;
 
@@ -23,7 +23,7 @@ constexpr int longestSilence = 100;
 
 void Calculation::setProjectViewModel(ProjectViewModel* value) {
   viewModel_ = value;
-  // A result that no longer belongs to what is drawn is not boasted of.
+  // After any other change of the project its solve is no longer reported.
   connect(value, &ProjectViewModel::projectChanged, this, [this] {
     if (running_ || !solved_) return;
     solved_ = false;
@@ -95,7 +95,7 @@ void Calculation::calculate(bool heedsFindings, bool checksAgain) {
   if (!stops && !ends) {
     if (trial_.solved)
       takeTrial();
-    else  // of a structure without loads one step was tried, which is like all others
+    else  // without loads the check tries only one step
       solve();
   }
   end(!stops && !ends);
@@ -141,7 +141,7 @@ void Calculation::begin() {
   repaint();
 }
 
-/// Takes the trial's solution and says what a solve says.
+/// Publishes the trial's solution and prints the lines of a solve.
 void Calculation::takeTrial() {
   (*viewModel_->project)->takeSolution(std::move(*trial_.solved));
   trial_.solved.reset();
@@ -151,7 +151,7 @@ void Calculation::takeTrial() {
 }
 
 void Calculation::end(bool solved) {
-  repaint();  // drops what was typed during the last step
+  repaint();  // drops the input that arrived during the last step
   qApp->removeEventFilter(this);
   solved_ = solved;
   if (solved) {

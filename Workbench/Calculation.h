@@ -11,9 +11,9 @@
 #include "Diagnosis/StructureCheck.h"
 #include "PreviewContent/ProjectViewModel.h"
 
-/// Runs the solver on the view model's project, always on a copy first: unless something serious is found, the copy's
-/// solution is the result. Nothing ends the process but a solve that the user was asked about. The solve is
-/// synchronous: between its steps the windows are repainted, but what the user types and clicks meanwhile is dropped.
+/// Solves the view model's project, always on a copy first: unless the check finds something serious, the copy's
+/// solution is the result. Only a solve that the user has confirmed can end the process. The solve is synchronous:
+/// between its steps the windows are repainted, but keys and clicks are dropped.
 class Calculation : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -38,18 +38,18 @@ class Calculation : public QObject {
 
   [[nodiscard]] bool running() const { return running_; }
   [[nodiscard]] bool converged() const;
-  /// How far the solve is or how it went; empty before the first solve of a project and after it was changed.
+  /// The progress or the outcome of the solve; empty before the first solve of a project and after it was changed.
   [[nodiscard]] QString outcome() const;
 
   /// The residual after each step of the solve that `outcome` tells of, relative to the load.
   [[nodiscard]] QList<double> residuals() const { return running_ || solved_ ? residuals_ : QList<double>(); }
   [[nodiscard]] double tolerance() const { return Project::convergenceTolerance; }
 
-  /// What the last check has found: "consequence", "title" and "text" to be shown, and whether it "endsProgram",
+  /// The findings of the last check: "consequence", "title" and "text" to be shown, and whether it "endsProgram",
   /// "isSerious", "canMakeLinear".
   [[nodiscard]] QVariantList findings() const;
 
-  /// Whether the findings are more than doubts.
+  /// Whether a finding makes a result impossible or unreliable.
   [[nodiscard]] bool hasSeriousFindings() const;
   /// Whether the project was checked since it was opened or begun, and whether it was changed after that.
   [[nodiscard]] bool checked() const { return checked_; }
@@ -58,17 +58,17 @@ class Calculation : public QObject {
   /// Why a solve that was asked for would end the process, while `answer` is waited for; otherwise empty.
   [[nodiscard]] QString reasonToEnd() const { return reasonToEnd_; }
 
-  /// Checks, and unless something serious is found publishes the solved project. With `checks` off findings are passed
-  /// over as in `runAnyway`.
+  /// Checks the project and, unless something serious is found, publishes the solved project. With `checks` off the
+  /// findings are ignored as in `runAnyway`.
   Q_INVOKABLE void run();
 
-  /// Publishes the solved project whatever the check has found; gives `reasonToEnd` if there is no solution.
+  /// Publishes the solved project in spite of the findings; sets `reasonToEnd` if there is no solution.
   Q_INVOKABLE void runAnyway();
 
-  /// Whether to solve although that ends the process.
+  /// The user's answer to `reasonToEnd`: whether to solve although that ends the process.
   Q_INVOKABLE void answer(bool solvesAnyway);
 
-  /// Points a finding's nodes and elements out in the 3D area.
+  /// Highlights a finding's nodes and elements in the 3D area.
   Q_INVOKABLE void markFinding(int index);
 
   /// Makes a finding's trusses linear.
@@ -101,7 +101,7 @@ class Calculation : public QObject {
   bool checked_ = false;
   bool checkOutdated_ = false;
   QString reasonToEnd_;
-  StructureCheck trial_;     // of the structure as it is, and otherwise without a solution
-  QList<double> residuals_;  // one a step
+  StructureCheck trial_;     // has a solution only while the structure is unchanged
+  QList<double> residuals_;  // one for each step
   QElapsedTimer sinceRepaint_;
 };

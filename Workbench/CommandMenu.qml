@@ -5,7 +5,7 @@ import QtQuick.Controls
 Menu {
     id: root
 
-    /// Actions and menus; null is a line between them.
+    /// Actions and menus; null stands for a separator.
     property var entries: []
     readonly property Component separator: MenuSeparator {}
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-/// How the 3D view is moved.
+/// Lists the mouse and key controls of the 3D view.
 Dialog {
     id: root
 

@@ -3,7 +3,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.Views
 
-/// How a solve went: the residual of each step, relative to the load, over the steps, and the numbers.
+/// The convergence of a solve: a plot and a list of the residual of each step, relative to the load.
 Item {
     id: root
 
@@ -11,8 +11,8 @@ Item {
     required property var residuals
     required property real tolerance
 
-    /// The exponents of the powers of ten between which all residuals and the tolerance lie; what has no logarithm is left
-    /// out.
+    /// The exponents of the powers of ten between which all residuals and the tolerance lie; values without a
+    /// logarithm are left out.
     readonly property var decades: {
         const exponents = residuals.concat(tolerance).filter(drawable).map(Math.log10);
         return { least: Math.floor(Math.min(...exponents)), greatest: Math.ceil(Math.max(...exponents)) };

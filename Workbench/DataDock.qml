@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import Gavrel.PreviewContent
 import Gavrel.Workbench
 
-/// What the structure is in words and numbers, below the 3D area: findings, nodes, elements.
+/// The panel below the 3D area with the findings and the tables of nodes and elements.
 Pane {
     id: root
 

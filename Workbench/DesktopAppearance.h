@@ -5,8 +5,8 @@
 #include <QObject>
 #include <QVariant>
 
-/// Whether the desktop asks for dark windows, kept up to date: what its settings portal says or, where there is none,
-/// what the palette of its theme looks like.
+/// Whether the desktop asks for dark windows, kept up to date: as its settings portal says or, without a portal,
+/// as the palette of its theme shows.
 class DesktopAppearance : public QObject {
   Q_OBJECT
   QML_ELEMENT

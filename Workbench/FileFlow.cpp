@@ -282,7 +282,7 @@ Prompt FileFlow::saveQuestion() {
           .onDefault = [this] { save(); }};
 }
 
-/// Shows the latest prompt or, when nothing else is to be answered or chosen, the question about unsaved changes.
+/// Shows the latest prompt or, if there is none and no file panel is open, the question about unsaved changes.
 void FileFlow::showNextPrompt() {
   Prompt next;
   if (!prompts_.empty())
@@ -291,7 +291,7 @@ void FileFlow::showNextPrompt() {
     next = saveQuestion();
   if (next.question != shown_.question || next.text != shown_.text) {
     shown_ = {};
-    emit changed();  // each is shown in a sheet of its own
+    emit changed();  // closes the old sheet: each prompt has a sheet of its own
     shown_ = std::move(next);
   }
   emit changed();

@@ -16,11 +16,11 @@
 #include "Workbench/Prompt.h"
 #include "Workbench/Recovery.h"
 
-/// What a user does with files. Each operation asks what has to be asked first, has the files chosen, does what it is
-/// for, and tells how that went. What would lose unsaved changes asks about them.
+/// The user's file operations: new, open, save, import, export, quit. Each asks its questions first (about unsaved
+/// changes, for a file), then runs, then reports.
 ///
-/// It shows nothing itself: a view shows `prompt`, a panel for `filesWanted` and a form for `filesToImport`, and gives
-/// back what its user has answered, chosen and filled in.
+/// It shows nothing itself: a view shows `prompt`, a file panel upon `filesWanted` and a form for `filesToImport`, and
+/// passes the user's input back to `answer`, `takeFiles` and `importFiles`.
 class FileFlow : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -39,11 +39,11 @@ class FileFlow : public QObject {
   [[nodiscard]] ProjectViewModel* projectViewModel() const { return viewModel_; }
   void setProjectViewModel(ProjectViewModel* value);
 
-  /// What the user is to read and answer now; without texts if there is nothing.
+  /// The question or notice to show now; its texts are empty if there is none.
   [[nodiscard]] const Prompt& prompt() const { return shown_; }
-  /// Whether there is something to read or to answer but the question about unsaved changes.
+  /// Whether a prompt other than the question about unsaved changes is waiting.
   [[nodiscard]] bool interrupted() const { return !prompts_.empty(); }
-  /// The files for which the form of the import is to be shown; none if there are none.
+  /// The files for which to show the import form; empty for no form.
   [[nodiscard]] const QList<QUrl>& filesToImport() const { return filesToImport_; }
   /// Whether something waits for the user.
   [[nodiscard]] bool busy() const;
@@ -53,11 +53,11 @@ class FileFlow : public QObject {
   Q_INVOKABLE void open(const QUrl& file);
   /// Opens a project file, or asks how to import tables and drawings.
   Q_INVOKABLE void drop(const QList<QUrl>& files);
-  /// Brings back what a file that could not be read has replaced.
+  /// Restores the structure that was open before a file could not be read.
   Q_INVOKABLE void restorePrevious();
-  /// Brings back what the recovery offers.
+  /// Restores the structure that the recovery offers.
   Q_INVOKABLE void restore(Recovery* recovery);
-  /// Whether the program may end now. Otherwise `quitConfirmed` follows if the user wants it after all.
+  /// Whether the program may end now. Otherwise the user is asked, and `quitConfirmed` follows if they agree.
   [[nodiscard]] Q_INVOKABLE bool mayQuit();
 
   /// Saves to the current file; asks for a file if there is none.
@@ -65,19 +65,19 @@ class FileFlow : public QObject {
   Q_INVOKABLE void showSavePanel();
 
   Q_INVOKABLE void showImportPanel();
-  /// Imports `filesToImport`; members of which they tell neither get this cross-section and Young's modulus.
+  /// Imports `filesToImport`. Members without a cross-section or Young's modulus in the files get the given one.
   Q_INVOKABLE void importFiles(double area, double youngModulus, bool isNonLinear);
 
   Q_INVOKABLE void exportNodes();
   Q_INVOKABLE void exportElements();
   Q_INVOKABLE void exportVtu();
-  /// Asks for a file, and then by `pictureWanted` for the picture to write.
+  /// Asks for a file, then emits `pictureWanted`, upon which the view calls `writePicture`.
   Q_INVOKABLE void exportPicture();
   Q_INVOKABLE void writePicture(const QImage& picture, const QUrl& file);
 
-  /// What the user answers to `prompt`.
+  /// Takes the user's answer to `prompt`.
   Q_INVOKABLE void answer(Answer given);
-  /// What the user has chosen upon `filesWanted`; no files if nothing.
+  /// Takes the files chosen upon `filesWanted`; none if the user cancelled.
   Q_INVOKABLE void takeFiles(const QList<QUrl>& files);
 
  signals:
@@ -85,7 +85,7 @@ class FileFlow : public QObject {
   void filesWanted(const FileRequest& request);
   void pictureWanted(const QUrl& file);
   void quitConfirmed();
-  void importedIntoEmpty();  ///< an import into an empty structure has ended, whatever it brought
+  void importedIntoEmpty();  ///< after an import into an empty structure, even a failed one
 
  private:
   using Action = std::function<void()>;

@@ -63,7 +63,7 @@ void FilePanel::open(const FileRequest& request) {
   connect(dialog_, &QFileDialog::finished, this, &FilePanel::finish);
 
   dialog_->setWindowModality(Qt::ApplicationModal);
-  dialog_->winId();  // makes the window, so that it can be tied to the one that it belongs to
+  dialog_->winId();  // creates the window, so that its owner can be set
   dialog_->windowHandle()->setTransientParent(owner());
   dialog_->show();
   dialog_->activateWindow();
@@ -78,7 +78,7 @@ void FilePanel::finish(int result) {
   const QList<QUrl> files = dialog_->selectedUrls();
   dialog_->deleteLater();
   dialog_.clear();
-  if (owner() != nullptr) owner()->requestActivate();  // not every window manager gives it the keyboard again
+  if (owner() != nullptr) owner()->requestActivate();  // some window managers do not return the keyboard focus
   if (result == QDialog::Accepted && !files.isEmpty()) {
     emit accepted(files);
   } else {

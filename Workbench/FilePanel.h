@@ -12,8 +12,8 @@ class QFileDialog;
 class QWindow;
 
 /// The panel in which a user chooses files: the desktop's own where it has one, Qt's otherwise. It never asks whether
-/// an existing file may be replaced, since some desktops ask before the suffix is added and some not at all: that is
-/// for the panel's owner. While it is open, the program's windows take no input.
+/// an existing file may be replaced, since some desktops ask before the suffix is added and some not at all: the
+/// panel's owner asks. While it is open, the program's windows take no input.
 class FilePanel : public QObject {
   Q_OBJECT
   QML_ELEMENT

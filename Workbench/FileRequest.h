@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QUrl>
 
-/// Files that a user is to choose, and what the panel for it says.
+/// What the file panel is to ask for: the kind of files and the texts that it shows.
 struct FileRequest {
   Q_GADGET
 
@@ -16,7 +16,7 @@ struct FileRequest {
   QString title = {};
   QString acceptLabel = {};
   QStringList nameFilters = {};
-  QString suffix = {};  ///< of a file to be written, where its user gives none
-  QString name = {};    ///< proposed for a file to be written
-  QUrl folder = {};     ///< whose files are shown first
+  QString suffix = {};  ///< added to the name of a file to write if the user gives none
+  QString name = {};    ///< proposed name of a file to write
+  QUrl folder = {};     ///< the folder to begin in
 };

@@ -5,7 +5,7 @@ import Gavrel.PreviewContent
 import Gavrel.Views
 import Gavrel.Workbench
 
-/// What the check of the structure has found. A click on a finding points its nodes and elements out in the 3D area.
+/// The findings of the check. A click on one highlights its nodes and elements in the 3D area.
 Item {
     id: root
 
@@ -43,7 +43,7 @@ Item {
         target: root.projectViewModel
 
         function onMarksChanged() {
-            root.selected = -1;  // others are pointed out now, or none
+            root.selected = -1;  // something else, or nothing, is highlighted now
         }
     }
 
@@ -118,7 +118,7 @@ Item {
                         visible: finding.modelData.canMakeLinear
                         text: qsTr("Make Linear")
                         horizontalPadding: 10
-                        // Later, since checking again makes the list, and this button with it, anew.
+                        // Later, since checking again rebuilds the list with this button.
                         onClicked: Qt.callLater(root.makeLinear, finding.index)
                     }
                 }

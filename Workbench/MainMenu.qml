@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import Gavrel.Workbench
 
-/// The menu bar of the main window. While a sheet or panel is open, nothing but Quit, which asks, can be chosen.
+/// The menu bar of the main window. While a sheet or panel is open, only Quit is enabled, since it asks first.
 MenuBar {
     id: root
 
@@ -37,12 +37,12 @@ MenuBar {
                 MenuItem {
                     required property string modelData
 
-                    // An ampersand would mark a key.
+                    // A single ampersand would mark a mnemonic key.
                     text: modelData.substring(modelData.lastIndexOf("/") + 1).replace(/&/g, "&&")
                     ToolTip.text: modelData
                     ToolTip.visible: hovered
                     ToolTip.delay: 600
-                    // Later: opening makes the list anew, and the menu must have closed before.
+                    // Later: opening rebuilds the list, and the menu must have closed first.
                     onTriggered: Qt.callLater(root.actions.files.open, root.recentFiles.url(modelData))
                 }
             }

@@ -3,13 +3,13 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.Views
 
-/// A text that its user should read.
+/// A text for the user to read, closed by a button; a second button may offer an action.
 Item {
     id: root
 
     required property string text
     property string closeText: qsTr("Close")
-    /// What there is to do about it, if anything.
+    /// The text of the button that offers an action; empty for none.
     property string action: ""
 
     signal dismiss()

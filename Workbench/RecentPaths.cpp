@@ -17,7 +17,7 @@ QStringList RecentPaths::all() const {
 }
 
 void RecentPaths::add(const QString& path) {
-  settings_.sync();  // what other copies have added
+  settings_.sync();  // takes in what other running copies have added
   QStringList paths = settings_.value(key).toStringList();
   paths.removeAll(path);
   paths.prepend(path);

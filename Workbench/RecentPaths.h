@@ -9,7 +9,7 @@ class RecentPaths {
   /// `settings`: the file to keep them in.
   explicit RecentPaths(const QString& settings) : settings_(settings, QSettings::IniFormat) {}
 
-  /// Those where there still is a file.
+  /// The paths at which there still is a file.
   [[nodiscard]] QStringList all() const;
   void add(const QString& path);
   void clear();

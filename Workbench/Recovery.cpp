@@ -19,11 +19,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr qint64 pausesForACopy = 5;  // so that copying takes a sixth of the main thread's time at most
-// Milliseconds between copies. Without the former, quick changes would keep the disk flushing without a rest.
+constexpr qint64 pausesForACopy = 5;  // so that copying takes at most a sixth of the main thread's time
+// Milliseconds between copies. Without the shortest pause, quick changes would flush to the disk all the time.
 constexpr qint64 shortestPause = 50;
 constexpr qint64 longestPause = 250;
-// A process that was killed may take a moment to go.
+// A killed process may hold its lock for a moment longer.
 constexpr int retries = 5;
 constexpr int retryDelay = 1000;  // milliseconds
 constexpr const char* extension = ".recovery";
@@ -32,7 +32,7 @@ fs::path lockPath(const fs::path& file) {
   return file.string() + ".lock";
 }
 
-/// Beside a recovery file: why its process has ended, where that is known.
+/// The file beside a recovery file that says why the process has ended, if that is known.
 fs::path reasonPath(const fs::path& file) {
   return file.string() + ".reason";
 }
@@ -75,7 +75,7 @@ Recovery::~Recovery() {
 void Recovery::edited() {
   pending_ = true;
   if (soon_.isActive()) return;
-  // At once, before it is drawn, which takes its time; but one change after the other does not copy without a pause.
+  // The first change is copied at once, before the slower drawing; quick changes after it wait for the pause.
   const qint64 pause = std::clamp(copyTime_ * pausesForACopy, shortestPause, longestPause);
   const qint64 rest = sinceCopy_.isValid() ? pause - sinceCopy_.elapsed() : 0;
   soon_.start(static_cast<int>(std::max<qint64>(rest, 0)));
@@ -107,7 +107,7 @@ void Recovery::writeLatest() {
     const std::scoped_lock guard(latestMutex_);
     latest.swap(latest_);
   }
-  if (!latest) return;  // it went along with the one before
+  if (!latest) return;  // an earlier run has written it
   const auto failure = writeRecovery(file_, *latest);
   const auto reason = failure ? QString::fromStdString(failure->reason) : QString();
   QMetaObject::invokeMethod(
@@ -115,7 +115,7 @@ void Recovery::writeLatest() {
 }
 
 void Recovery::written(const QString& failure) {
-  pending_ |= !failure.isEmpty();  // to be tried again with the next change, or before the next danger
+  pending_ |= !failure.isEmpty();  // the next change or flush tries again
   if (std::exchange(failure_, failure) != failure) emit failureChanged();
 }
 
@@ -128,14 +128,14 @@ void Recovery::flush() {
 
 void Recovery::finishWriting() {
   writer_.waitForDone();
-  QCoreApplication::sendPostedEvents(this);  // what it has to tell
+  QCoreApplication::sendPostedEvents(this);  // delivers the writer's result to `written`
 }
 
 void Recovery::forget() {
   pending_ = false;
   soon_.stop();
   finishWriting();
-  pending_ = false;  // set again where the last writing has failed
+  pending_ = false;  // a failed last write has set it again
   std::error_code ignored;
   fs::remove(file_, ignored);
   fs::remove(reasonPath(file_), ignored);

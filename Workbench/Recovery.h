@@ -17,12 +17,12 @@
 #include "PreviewContent/ProjectViewModel.h"
 #include "Workbench/RecoveryFile.h"
 
-/// Keeps what has not been saved in a file of its own, so that no end of the process loses more than the last second,
-/// and offers what former processes have left so.
+/// Keeps unsaved changes in a recovery file, so that a crash loses at most the last second, and offers the recovery
+/// files that former processes have left.
 ///
-/// A change is written at once after it was made, by another thread, which the drawing of it does not hold up. The file
-/// goes when the structure is saved or given up. Each process has a file and a lock of its own: what is locked belongs
-/// to a process that still runs.
+/// Another thread writes each change at once, without waiting for it to be drawn. The file is removed when the
+/// structure is saved or discarded. Each process has a file and a lock of its own: a locked file belongs to a running
+/// process.
 class Recovery : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -37,24 +37,25 @@ class Recovery : public QObject {
   Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
 
  public:
-  /// Watches the view model, which outlives this. `folder` is made when there is something to keep.
+  /// Watches the view model, which outlives this. `folder` is created by the first write.
   Recovery(ProjectViewModel& viewModel, std::filesystem::path folder, QObject* parent = nullptr);
   ~Recovery() override;
 
-  /// Has all changes on the disk when it returns, or `failure` set.
+  /// Writes all changes to the disk before it returns, or sets `failure`.
   Q_INVOKABLE void flush();
 
-  /// Looks for what a process that is gone has left, the newest first, and offers it.
+  /// Looks for recovery files of ended processes and offers the newest.
   Q_INVOKABLE void lookForOffer();
   void restoreOffer();
   Q_INVOKABLE void discardOffer();
-  /// Leaves it for another time.
+  /// Keeps the offered file, which the next start offers again.
   Q_INVOKABLE void postponeOffer();
 
-  /// Declares the unsaved changes worthless.
+  /// Removes this process's recovery file: its unsaved changes are not needed any more.
   Q_INVOKABLE void forget();
 
-  /// Keeps a line that tells why this process ends, for who is offered what it leaves. Nothing where it leaves nothing.
+  /// Writes beside the recovery file why this process ends, to be shown with the offer. Does nothing without such a
+  /// file.
   void keepReason(std::string_view reason) const;
 
   [[nodiscard]] bool hasOffer() const { return offer_.has_value(); }
@@ -63,11 +64,11 @@ class Recovery : public QObject {
   [[nodiscard]] QString offeredTime() const;
   [[nodiscard]] qint64 offeredNodes() const;
   [[nodiscard]] qint64 offeredElements() const;
-  /// Why the process that left it has ended; empty where it could not tell.
+  /// Why the process that left the offered file has ended; empty if unknown.
   [[nodiscard]] QString offeredReason() const;
-  /// Why drawing it ends the process; empty if it does not.
+  /// Why drawing the offered structure would end the process; empty if it would not.
   [[nodiscard]] QString offeredDanger() const;
-  /// Why the last change could not be kept; empty if it is.
+  /// Why the last change could not be written; empty if it was.
   [[nodiscard]] const QString& failure() const { return failure_; }
 
  signals:
@@ -83,7 +84,7 @@ class Recovery : public QObject {
   };
 
   void edited();
-  /// Hands the writer a copy, in the place of one that it has not begun with.
+  /// Hands the writer a copy, which replaces one that it has not begun to write.
   void write();
   void writeLatest();
   void written(const QString& failure);
@@ -101,8 +102,8 @@ class Recovery : public QObject {
   QTimer soon_;
   QElapsedTimer sinceCopy_;  // since the last copy was begun
   qint64 copyTime_ = 0;      // how long it took, in milliseconds
-  bool pending_ = false;     // there are changes that no thread has yet been told to write
+  bool pending_ = false;     // there are changes not yet handed to the writer
   std::mutex latestMutex_;
-  std::optional<RecoveredProject> latest_;  // to be written; shared with the writer
-  QThreadPool writer_;                      // one thread; last, so that it is done before anything else goes
+  std::optional<RecoveredProject> latest_;  // the copy to write; shared with the writer
+  QThreadPool writer_;  // one thread; declared last, so that it ends before what it uses is destroyed
 };

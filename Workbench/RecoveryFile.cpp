@@ -83,7 +83,7 @@ class SectionWriter {
   const ByteSink& sink_;
 };
 
-/// Thrown by SectionReader for what is not there.
+/// Thrown by SectionReader for missing content.
 struct Missing {
   std::string key;
 };
@@ -133,7 +133,7 @@ class SectionReader {
       const std::string_view bytes = text(column);
       if (elements.empty()) elements.resize(bytes.size() / sizeof(Value));
       if (bytes.size() != elements.size() * sizeof(Value)) throw Missing{column};
-      // Other bytes than those of true and false are no bool.
+      // Only the bytes 0 and 1 are valid as bool.
       if (std::is_same_v<Value, bool> && bytes.find_first_not_of(std::string_view("\0\1", 2)) != bytes.npos)
         throw Missing{column};
       for (std::size_t i = 0; i < elements.size(); ++i)

@@ -10,11 +10,11 @@
 #include "Platform/FileStamp.h"
 #include "Platform/Result.h"
 
-/// A structure that has not been saved, as it is kept for the case that the process ends unforeseen.
+/// A structure that has not been saved, as kept in case the process ends unexpectedly.
 struct RecoveredProject {
   std::shared_ptr<Project> project;
   std::optional<std::filesystem::path> file;  ///< where it was opened or last saved
-  std::optional<FileStamp> stamp;             ///< of that file when it was
+  std::optional<FileStamp> stamp;             ///< of that file at that time
   QDateTime time;                             ///< of its last change
 };
 
@@ -27,5 +27,5 @@ struct RecoveredProject {
 [[nodiscard]] std::optional<Failure> writeRecovery(const std::filesystem::path& path,
                                                    const RecoveredProject& recovered);
 
-/// The same read back. Fails, with the reason, on any file but one that writeRecovery wrote, whole and unchanged.
+/// Reads such a file. Fails, with the reason, on any file but one that writeRecovery wrote, whole and unchanged.
 [[nodiscard]] Result<RecoveredProject> readRecovery(const std::filesystem::path& path);

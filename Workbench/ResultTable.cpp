@@ -9,7 +9,7 @@
 
 namespace {
 
-/// In lower case, as searches want it.
+/// In lower case, because searches ignore case.
 std::string shownText(const Cell& cell) {
   constexpr int shownDigits = 6;
   const auto* number = std::get_if<double>(&cell);

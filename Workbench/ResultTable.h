@@ -10,8 +10,8 @@
 #include "Exchange/TableColumn.h"
 #include "PreviewContent/ProjectViewModel.h"
 
-/// The nodes or the elements of the project as a table that its user sorts and searches. It follows the project while
-/// it is `active`. A row of the table is one thing, the position of its node or element another.
+/// The nodes or the elements of the project as a table to sort and search. It follows the project while it is `active`.
+/// Sorting and searching change rows; the position of a node or element is its place in the project.
 class ResultTable : public QAbstractTableModel {
   Q_OBJECT
   QML_ELEMENT
@@ -38,7 +38,7 @@ class ResultTable : public QAbstractTableModel {
   [[nodiscard]] int sortColumn() const { return sortColumn_; }
   [[nodiscard]] bool descending() const { return descending_; }
   [[nodiscard]] int rows() const { return static_cast<int>(positions_.size()); }
-  [[nodiscard]] int size() const;  ///< rows without a search
+  [[nodiscard]] int size() const;  ///< number of rows if nothing is searched for
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -46,18 +46,19 @@ class ResultTable : public QAbstractTableModel {
   [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
                                     int role = Qt::DisplayRole) const override;
   [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
-  /// Whether the column is to be set flush right.
+  /// Whether the column is aligned to the right.
   [[nodiscard]] Q_INVOKABLE bool holdsNumbers(int column) const;
   [[nodiscard]] Q_INVOKABLE int columnWidth(int column) const { return columnAt(column).width; }  ///< in pixels
 
-  /// Sorts by a column, or the other way round if it is sorted by it. What is empty or not a number comes last.
+  /// Sorts by a column, or reverses the order if it is the sort column. Empty cells and those that are not a number
+  /// come last.
   Q_INVOKABLE void sortBy(int column);
   [[nodiscard]] Q_INVOKABLE qint64 positionAt(int row) const { return positions_[static_cast<std::size_t>(row)]; }
-  /// -1 if it is not shown.
+  /// The row of the node or element at this position; -1 if it is not shown.
   [[nodiscard]] Q_INVOKABLE int findRow(qint64 position) const;
   /// The row of the first bar or beam with this identifier, which need not be its position; -1 if it is not shown.
   [[nodiscard]] Q_INVOKABLE int findElementRow(bool isBeam, qint64 identifier) const;
-  /// Points the row's node or element out in the 3D area.
+  /// Highlights the row's node or element in the 3D area.
   Q_INVOKABLE void mark(int row) const;
 
  signals:
@@ -70,7 +71,7 @@ class ResultTable : public QAbstractTableModel {
   }
   [[nodiscard]] const TableColumn& columnAt(int column) const { return columns()[static_cast<std::size_t>(column)]; }
   [[nodiscard]] QString textAt(std::int64_t position, int column) const;
-  /// What the project has there, but no results before it was solved.
+  /// The cell's value; empty for results before the project was solved.
   [[nodiscard]] Cell cellAt(std::int64_t position, const TableColumn& column) const;
   void arrange();
   void sortPositions();
@@ -79,7 +80,7 @@ class ResultTable : public QAbstractTableModel {
   bool showsElements_ = false;
   bool active_ = false;
   QString search_;
-  int sortColumn_ = -1;  // none: in the order of the project
+  int sortColumn_ = -1;  // -1: in the order of the project
   bool descending_ = false;
   std::vector<std::int64_t> positions_;  // of each row
 };

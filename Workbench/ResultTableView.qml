@@ -2,14 +2,14 @@ import QtQuick
 import QtQuick.Controls
 import Gavrel.Workbench
 
-/// A table of nodes or elements. A click on a heading sorts, a click on a row points it out in the 3D area; the arrow
+/// A table of nodes or elements. A click on a heading sorts, a click on a row highlights it in the 3D area; the arrow
 /// keys go from row to row, the page keys further, Home and End to the first and the last.
 Item {
     id: root
 
     required property ResultTable table
     property int selectedPosition: -1
-    // Depends on `rows`, which is announced whenever the rows are arranged anew.
+    // Depends on `rows`, which is announced whenever the rows change.
     readonly property int selectedRow: table.rows > 0 && selectedPosition >= 0 ? table.findRow(selectedPosition) : -1
 
     readonly property int rowHeight: 22

@@ -4,13 +4,13 @@ import QtQuick.Layouts
 import Gavrel.PreviewContent
 import Gavrel.Workbench
 
-/// One line below everything: what clicks do now, what the structure has, and how the last solve went.
+/// The line at the bottom of the window: what clicks do now, the size of the structure, the outcome of the last solve.
 Pane {
     id: root
 
     required property ProjectViewModel projectViewModel
     required property Calculation calculation
-    /// What the user should know at once; takes the place of the hint.
+    /// A warning shown in place of the hint.
     property string warning
     readonly property string alert: warning !== "" ? warning : projectViewModel.remark
 
@@ -52,7 +52,7 @@ Pane {
         Label {
             objectName: "hint"
             Layout.fillWidth: true
-            elide: root.alert !== "" ? Text.ElideMiddle : Text.ElideRight  // a warning's reason stands at its end
+            elide: root.alert !== "" ? Text.ElideMiddle : Text.ElideRight  // keeps the reason at the end of a warning
             text: root.alert !== "" ? root.alert : root.hint
             color: root.alert !== "" ? "#d0342c" : palette.windowText
 

@@ -5,13 +5,13 @@ import Gavrel.PreviewContent
 import Gavrel.Views
 import Gavrel.Workbench
 
-/// The working surface with everything around it: the dock, the row of commands, files, calculation, and what these ask.
+/// The working surface with the dock, the row of commands, the flow of files, the calculation and their sheets.
 ContentView {
     id: root
 
     required property Actions actions
     property bool showingConvergence: false
-    /// Set by the window while something of its own lies over this.
+    /// Set by the window while one of its own sheets is open.
     property bool covered: false
 
     readonly property alias calculation: solver
@@ -19,7 +19,7 @@ ContentView {
     readonly property alias files: flow
     readonly property bool compact: width < 1000
     readonly property bool narrow: width < 790
-    /// Whether a sheet or panel is open, so that what lies behind it has to wait.
+    /// Whether a sheet or panel is open, so that the commands behind it are disabled.
     readonly property bool blocked: covered || showingSheet || flow.busy
         || [convergence, endQuestion].some(sheet => sheet.presented)
 
@@ -33,7 +33,7 @@ ContentView {
         objectName: "dock"
         SplitView.preferredHeight: Math.min(240, 0.4 * root.height)
         SplitView.minimumHeight: 110
-        SplitView.maximumHeight: root.heightOfPanels - 110  // what a dock that was drawn up leaves to the 3D area
+        SplitView.maximumHeight: root.heightOfPanels - 110  // the 3D area keeps at least 110 pixels
         projectViewModel: root.projectViewModel
         calculation: solver
     }
