@@ -12,7 +12,7 @@
 #include "Workbench/RecentFiles.h"
 #include "Workbench/Recovery.h"
 
-/// The bundle that the program runs from or, where it runs from none, the name and version that it was built with.
+/// The bundle that the program runs from; without one, the name and version that it was built with.
 [[nodiscard]] BundleInfo mainBundle();
 
 /// The application: owns the objects that live as long as the process, and its one window.
@@ -33,7 +33,7 @@ class GavrelApp : public QObject {
   RecentFiles recentFiles;
 
  private:
-  /// Why what is not saved would be lost if the program ended now; empty if it would be offered at the next start.
+  /// Why unsaved changes would be lost if the program ended now; empty if the next start would offer them.
   [[nodiscard]] QString whyNotToBeEnded();
   /// Ends the program without a question. Stays, and tells why, if something would be lost.
   void restart();

@@ -18,7 +18,7 @@ ApplicationWindow {
     /// Why the program has not ended for an update that is installed.
     property string staysBecause
 
-    // Of the window, not of an item in it: the shortcuts of those that may be chosen then work below a sheet, too.
+    // Children of the window, not of an item in it, so that the shortcuts of enabled actions work below a sheet, too.
     readonly property Actions actions: Actions {
         content: content
         updateManager: window.updateManager
@@ -128,7 +128,7 @@ ApplicationWindow {
         }
     }
 
-    // Put away by hand it leaves the update as it is, and comes back with the next panel.
+    // Closing the sheet does not change the update; the sheet opens again with the next panel.
     Sheet {
         id: updateSheet
 

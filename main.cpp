@@ -21,7 +21,7 @@ Q_IMPORT_QML_PLUGIN(Gavrel_WorkbenchPlugin)
 
 namespace {
 
-/// Qt ends the process without a display; a line and an exit status are kinder.
+/// Checked first, since Qt aborts the process without a display: this prints a line and gives an exit status instead.
 bool hasDisplay() {
   const auto isSet = [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); };
   if (isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) return true;
@@ -29,7 +29,7 @@ bool hasDisplay() {
   return false;
 }
 
-/// An application of widgets would leave without asking windows that are none.
+/// QApplication asks only windows of widgets before it quits; QGuiApplication asks all windows.
 class Application : public QApplication {
  public:
   using QApplication::QApplication;
@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
   const Options& options = std::get<Options>(asked);
 
   if (!hasDisplay()) return 1;
-  // Before anything asks where the program stands, which this may change.
+  // Before anything asks for the program's location, which this may change.
   if (!options.screenshot)
     if (const auto failure = settleInstallation(runningProgram()))
       std::fprintf(stderr, "gavrel: %s\n", failure->reason.c_str());
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName(QStringLiteral("gavrel"));
 
   if (options.screenshot) return writeScreenshot(options);
-  // The window lives on when nobody reads its standard output any more.
+  // The window goes on when its standard output is closed.
   std::signal(SIGPIPE, SIG_IGN);
   GavrelApp app;
   if (!app.start(options.file, options.updateFailure)) return 1;

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Gavrel.PreviewContent
 import Gavrel.Views
 
-/// The form for a chain of beams over the collected nodes. Both rows of second moments of area bear the same label; the
+/// The form for a chain of beams over the collected nodes. Both rows of second moments of area have the same label; the
 /// upper one is about the local y axis, the lower one about z.
 Item {
     id: root
@@ -22,7 +22,7 @@ Item {
     implicitWidth: 340
     implicitHeight: layout.implicitHeight + 20
 
-    Component.onCompleted: nodeIDs = nodeIDs.slice()  // a copy: what is collected later is not for this form
+    Component.onCompleted: nodeIDs = nodeIDs.slice()  // a copy: nodes collected later do not belong to this form
 
     function cancel() {
         dismiss();

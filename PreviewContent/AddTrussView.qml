@@ -20,7 +20,7 @@ Item {
     implicitHeight: layout.implicitHeight + 20
 
     Component.onCompleted: {
-        nodeIDs = nodeIDs.slice();  // a copy: what is collected later is not for this form
+        nodeIDs = nodeIDs.slice();  // a copy: nodes collected later do not belong to this form
         Precondition.require(nodeIDs.length >= 2, "A truss form needs two nodes");
     }
 

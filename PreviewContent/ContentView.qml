@@ -14,11 +14,11 @@ Item {
     property bool showingTrussConfigSheet: false
     property bool showingBeamConfigSheet: false
     property real displacementMagnification: 1.0
-    /// Whether the 3D area leaves what changes undrawn for a while.
+    /// Whether the 3D area does not draw changes for now.
     property alias paused: view.paused
-    /// What stands below the 3D area, with a handle between them.
+    /// The panels below the 3D area, separated from it by a handle.
     property alias panels: split.contentData
-    /// What stands below that.
+    /// The rows below the panels.
     property alias rows: column.data
 
     readonly property alias visualization: view

@@ -43,7 +43,7 @@ SceneKitView::Coordinator::Coordinator(Scene scene_, std::shared_ptr<Project> in
 
 void SceneKitView::Coordinator::handleClick(const std::vector<HitTestResult>& hits) {
   if (hits.empty() || !hits.front().node->name) return clearSelection();
-  // A copy, since the bindings below may lead to a new scene.
+  // A copy, since the bindings below may replace the scene.
   const std::string name = *hits.front().node->name;
 
   if (!name.empty() && name.back() >= '0' && name.back() <= '9') selectedElementBinding.set(name.back() - '0');

@@ -8,7 +8,7 @@
 #include "PreviewContent/SceneKitView.h"
 #include "Scene/HitTest.h"
 
-/// Owns the scene for as long as the 3D area stands, and turns clicks into selections.
+/// Owns the scene while the 3D area exists, and turns clicks into selections.
 class SceneKitView::Coordinator {
  public:
   Scene scene;
@@ -26,7 +26,7 @@ class SceneKitView::Coordinator {
               Binding<AppMode> appModeBinding, Binding<std::vector<std::int64_t>> selectedNodesForTrussBinding,
               Binding<bool> isStrainVisualizationActive);
 
-  /// Answers a click that met these shapes, nearest first; only the first counts.
+  /// Handles a click that hit these shapes, nearest first; only the first counts.
   ///
   /// A name that ends in a digit selects the element of that number, a node's name included; a name "element_" and a
   /// number then selects that element, and a name that is a number selects that node or, while an element is being

@@ -10,7 +10,7 @@ Item {
 
     required property var nodeID
     required property ProjectViewModel projectViewModel
-    /// The selection that opened the sheet; null when the sheet is done with it.
+    /// The selection that opened the sheet; the sheet sets it to null when it is closed.
     required property var selectedNodeForSheet
     property string loadX: "0.0"
     property string loadY: "0.0"

@@ -16,7 +16,7 @@
 
 namespace {
 
-// The bar that ties a new node to the one before, whatever the truss form proposes.
+// The bar that connects a new node to the one before, independent of the values in the truss form.
 constexpr double automaticArea = 25.0;
 constexpr double automaticYoungModulus = 100000.0;
 
@@ -103,7 +103,7 @@ bool ProjectViewModel::saveProject(const std::optional<std::filesystem::path>& t
     return false;
   }
   const auto failure = writeProject(**project, *currentFileUrl);
-  // After a failure, too: its user has agreed to replace what stands there.
+  // After a failure, too: the user has agreed to replace this file.
   currentFileStamp_ = FileStamp::read(*currentFileUrl);
   if (failure) return report(*failure);
   setFileThatHoldsIt(currentFileUrl);
@@ -132,7 +132,7 @@ bool ProjectViewModel::load(const std::optional<std::filesystem::path>& source, 
     return false;
   }
   emit changesAtRisk();
-  const auto stamp = FileStamp::read(*source);  // before it is read, so that a change meanwhile is noticed
+  const auto stamp = FileStamp::read(*source);  // before reading, so that a change during it is noticed
   auto loaded = readProject(*source);
   if (!loaded) {
     printLine("Failed to load project: " + loaded.failure().reason);
@@ -309,7 +309,7 @@ void ProjectViewModel::set(Published<Value>& property, Value value, void (Projec
   emit(this->*changed)();
 }
 
-/// Elements are often added several at a time, so that a remark on the first outlives the others.
+/// Without a new remark the old one stays: of several elements added in one go, often only the first causes a remark.
 bool ProjectViewModel::makeArraysFit() {
   const auto filled = fitArrays(**project);
   std::string text;

@@ -46,14 +46,14 @@ class ProjectViewModel : public QObject {
   Q_PROPERTY(QString remark READ remark NOTIFY remarkChanged)
 
  public:
-  /// Nodes and elements, by their position, that are pointed out in the 3D area.
+  /// Nodes and elements, by their position, that are highlighted in the 3D area.
   struct Marks {
     std::vector<std::int64_t> nodes = {};
     std::vector<std::int64_t> trusses = {};
     std::vector<std::int64_t> beams = {};
   };
 
-  /// The file that a structure came from, as it then was.
+  /// The file that a structure came from, and the file's state at that time.
   struct Origin {
     std::optional<std::filesystem::path> file;
     std::optional<FileStamp> stamp;
@@ -99,8 +99,8 @@ class ProjectViewModel : public QObject {
   bool loadProject(const std::optional<std::filesystem::path>& source);
   Q_INVOKABLE bool loadProject(const QUrl& source);
 
-  /// The same for a user: what would end the process as soon as it is drawn is held back, and nothing changes, until
-  /// `openAnyway` is called.
+  /// As loadProject, but a project that would end the process as soon as it is drawn is held back: nothing changes
+  /// until `openAnyway` is called.
   bool openProject(const std::optional<std::filesystem::path>& source);
   Q_INVOKABLE bool openProject(const QUrl& source);
   void openAnyway() { loadProject(heldBack_); }
@@ -108,26 +108,26 @@ class ProjectViewModel : public QObject {
   /// Starts again with an empty project without a file, in normal mode with nothing selected.
   Q_INVOKABLE void newProject();
 
-  /// Publishes a project that is not kept in a file as it is, but may have come from one.
+  /// Publishes a project with unsaved changes, which may have come from a file.
   void restore(std::shared_ptr<Project> structure, const Origin& origin);
 
-  /// Brings back what a file that could not be read has replaced.
+  /// Restores the project that was open before a file could not be read.
   void restorePrevious();
   [[nodiscard]] bool hasPrevious() const { return previous_.has_value(); }
 
-  /// What others have done to the current file since it was read or written here: "changed", "removed" or nothing.
+  /// What other programs did to the current file since it was read or written here: "changed", "removed" or "".
   [[nodiscard]] QString changeOnDisk() const;
   /// The current file and its state when it was last read or written.
   [[nodiscard]] Origin origin() const { return {currentFileUrl, currentFileStamp_}; }
   [[nodiscard]] QString projectName() const;
-  /// Without its folder; empty if there is none.
+  /// The current file's name without its folder; empty if there is no current file.
   [[nodiscard]] QString currentFileName() const;
-  /// Where the user's files are likely to be: beside the current one, or among the documents.
+  /// The folder in which file panels begin: that of the current file, or the user's documents.
   [[nodiscard]] QUrl currentFolder() const;
   /// Whether the current file, if there is one, has ever held this structure: not if it could not be written.
   [[nodiscard]] bool currentFileHoldsIt() const { return currentFileUrl == fileThatHoldsIt_; }
 
-  /// Takes the structure as it is for one that need not be saved.
+  /// Marks the structure as having no unsaved changes.
   Q_INVOKABLE void discardChanges() { setHasUnsavedChanges(false); }
   /// Whether the structure has changed since it was opened, saved or begun. A solve changes results only.
   [[nodiscard]] bool hasUnsavedChanges() const { return hasUnsavedChanges_; }
@@ -157,14 +157,14 @@ class ProjectViewModel : public QObject {
   [[nodiscard]] bool hasMarks() const;
   Q_INVOKABLE void clearMarks();
 
-  /// Takes the displacements, strains and forces of the project for those of the structure as it is.
+  /// Marks the project's displacements, strains and forces as results of the present structure.
   void announceResults() { setResults(Results::current); }
-  /// Whether the project was solved since it was opened or begun. What a file keeps of bars is of an earlier solve.
+  /// Whether the project was solved since it was opened or begun. Strains and forces read from a file do not count.
   [[nodiscard]] bool hasResults() const { return results_ != Results::none; }
   /// Whether the structure was changed since it was solved.
   [[nodiscard]] bool resultsOutdated() const { return results_ == Results::outdated; }
 
-  /// What the last edit did to the structure's arrays, or why it was refused; empty if it had nothing to tell.
+  /// What the last edit did to the structure's arrays, or why it was refused; empty if there is nothing to report.
   [[nodiscard]] QString remark() const { return remark_; }
 
   /// Publishes a project: another one, or the same after a change in place.
@@ -182,8 +182,8 @@ class ProjectViewModel : public QObject {
   void appModeChanged();
   void selectedNodesForTrussChanged();
   void lastUsedChanged();
-  void projectChanged();  ///< the project is another one, or something in it has changed
-  void projectLoaded();   ///< the project is another one
+  void projectChanged();  ///< the project was replaced, or something in it has changed
+  void projectLoaded();   ///< the project was replaced
   void isStrainVisualizationActiveChanged();
   void currentFileChanged();
   void currentFileHoldsItChanged();
@@ -191,7 +191,7 @@ class ProjectViewModel : public QObject {
   void openFailed(const QString& file, const QString& reason);
   void openHeldBack(const QString& file, const QString& reason);
   void fileUsed();         ///< the current file was read or written
-  void structureEdited();  ///< not by opening or beginning another
+  void structureEdited();  ///< not when another project is opened or begun
   void unsavedChangesChanged();
   void marksChanged();
   void resultsChanged();
@@ -202,7 +202,7 @@ class ProjectViewModel : public QObject {
  private:
   enum class Results { none, current, outdated };
 
-  /// A project and what is known of it.
+  /// The project that opening a file replaced, with its state.
   struct Previous {
     std::shared_ptr<Project> project;
     Origin origin;

@@ -54,7 +54,7 @@ void SceneContents::schedule() {
 
 void SceneContents::update() {
   scheduled_ = false;
-  // What happens during a pause is drawn when `paused` changes.
+  // Changes during a pause are drawn when it ends.
   if (!viewModel_ || paused_) return;
   view_.project = *viewModel_->project;
   observeProject();
@@ -98,7 +98,7 @@ void SceneContents::click(const Ray& ray) {
   const SceneNode* node = picked(hits);
   const auto source = node == nullptr ? std::nullopt : node->source;
   if (!source) viewModel_->clearMarks();
-  coordinator_->handleClick(hits);  // may lead to another scene
+  coordinator_->handleClick(hits);  // may replace the scene
   if (!source) return;
   if (source->kind == Source::Kind::node)
     emit nodeClicked(source->number);
@@ -107,7 +107,7 @@ void SceneContents::click(const Ray& ray) {
 }
 
 void SceneContents::showMarks() {
-  if (scheduled_ || !view_.project) return;  // the update shows them
+  if (scheduled_ || !view_.project) return;  // the update draws the marks
   const auto& marks = viewModel_->marks();
   drawMarks(view_.buildShapes(marks.nodes, marks.trusses, marks.beams));
 }

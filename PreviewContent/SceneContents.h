@@ -31,8 +31,8 @@ class SceneContents : public DrawnScene {
 
   [[nodiscard]] const Scene& scene() const override { return coordinator_->scene; }
 
-  /// "shown": whether there are trusses to colour; "min", "max": the extreme strains; "colors": from that of the
-  /// largest strain to that of the smallest, evenly spaced.
+  /// "shown": whether there are trusses to colour; "min", "max": the extreme strains; "colors": from that of
+  /// the largest strain to that of the smallest, evenly spaced.
   [[nodiscard]] QVariantMap strainLegend() const;
 
   /// Passes a click along a ray on to the coordinator.
@@ -41,7 +41,7 @@ class SceneContents : public DrawnScene {
   /// Whether the loads act along z rather than along y, so that z is likely to be upright.
   [[nodiscard]] Q_INVOKABLE bool loadsActAlongZ() const;
 
-  /// Does at once what is scheduled.
+  /// Runs a scheduled update at once.
   Q_INVOKABLE void update();
 
  signals:

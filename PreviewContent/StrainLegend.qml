@@ -2,7 +2,7 @@ import QtQuick
 import Gavrel.PreviewContent
 import Gavrel.Views
 
-/// What the colours of bars say: the extreme strains in numbers, with the colours between them.
+/// The legend of the colours of bars: the extreme strains as numbers, with the colours between them.
 Rectangle {
     id: root
 

@@ -22,7 +22,7 @@ Item {
     implicitWidth: 300
     implicitHeight: 200
 
-    /// Leaves the selection as it is where there was no truss to show.
+    /// Keeps the selection if there was no truss to show.
     function cancel() {
         if (truss.found)
             selectedElementForSheet = null;

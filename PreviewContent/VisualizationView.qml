@@ -18,7 +18,7 @@ Item {
     property var selectedElement: null
     property bool showingNodeDetailSheet: false
     property bool showingElementDetailSheet: false
-    // What the sheets are about: the selections at the time of their opening.
+    // The selections that opened the sheets.
     property var shownNode: null
     property var shownElement: null
 
@@ -34,11 +34,11 @@ Item {
 
     onSelectedNodeChanged: showingNodeDetailSheet = projectViewModel.appMode === AppMode.normal && selectedNode !== null
     onSelectedElementChanged: showingElementDetailSheet = selectedElement !== null
-    // Later, when a click has made both of its selections.
+    // Later, when the click has set both selections.
     onShowingNodeDetailSheetChanged: Qt.callLater(present)
     onShowingElementDetailSheetChanged: Qt.callLater(present)
 
-    // Only a change of value counts; assigning the same value would tell of a change, too.
+    // Compares values, since assigning the same value emits a change, too.
     function selectNode(node) {
         if (node !== selectedNode)
             selectedNode = node;

@@ -10,7 +10,7 @@ struct Arm {
   QString letter;
   QColor color;
   QPointF direction;  // on the picture, length 1 for an axis across the line of sight
-  double towards;     // the viewer
+  double towards;     // component towards the viewer
 };
 
 }  // namespace
@@ -20,7 +20,7 @@ void AxisTriad::paint(QPainter* painter) {
   std::array<Arm, 3> arms{{{QStringLiteral("x"), QColor(0xff, 0x5a, 0x4f), {right.x, -up.x}, back.x},
                            {QStringLiteral("y"), QColor(0x7d, 0xe0, 0x6b), {right.y, -up.y}, back.y},
                            {QStringLiteral("z"), QColor(0x6d, 0xb4, 0xff), {right.z, -up.z}, back.z}}};
-  // What points away from the viewer is painted first.
+  // Axes that point away from the viewer are painted first.
   std::ranges::sort(arms, {}, &Arm::towards);
 
   const QPointF middle(width() / 2, height() / 2);

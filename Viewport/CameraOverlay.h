@@ -6,7 +6,7 @@
 
 #include "Viewport/ViewCamera.h"
 
-/// Something flat that is painted over the 3D area anew whenever the camera or the scene changes.
+/// A 2D item over the 3D area that is repainted whenever the camera or the scene changes.
 class CameraOverlay : public QQuickPaintedItem {
   Q_OBJECT
   QML_ANONYMOUS

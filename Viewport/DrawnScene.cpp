@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr double highlightGrowth = 1.05;  // so that it covers what it is drawn over
+constexpr double highlightGrowth = 1.05;  // so that it covers the shape below it
 constexpr double highlightWhite = 0.55;
 constexpr double markGrowth = 1.6;
 constexpr Color markColor{1, 0, 0.85, 1};
@@ -90,7 +90,7 @@ void DrawnScene::showHighlight(const SceneNode* node) {
   for (InstanceTable* table : {&highlightedBall_, &highlightedTube_}) table->publish();
 }
 
-/// Shapes of nodes and elements stand in the scene itself, not in a group.
+/// Shapes of nodes and elements are children of the scene's root, not of a group.
 void DrawnScene::append(InstanceTable& balls, InstanceTable& tubes, const SceneNode& node, double growth,
                         const Color& color) {
   const bool isBall = std::holds_alternative<Sphere>(node.content);

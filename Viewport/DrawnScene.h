@@ -9,7 +9,7 @@
 #include "Scene/HitTest.h"
 #include "Viewport/InstanceTable.h"
 
-/// A scene as tables for the renderer. A class derived from it says what the scene holds and what a click does.
+/// A scene as tables for the renderer. Derived classes provide the scene's content and the effect of a click.
 class DrawnScene : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -27,7 +27,7 @@ class DrawnScene : public QObject {
   using QObject::QObject;
 
   [[nodiscard]] virtual const Scene& scene() const = 0;
-  /// Around all shapes.
+  /// The bounds of all shapes.
   [[nodiscard]] const Bounds& bounds() const { return bounds_; }
   [[nodiscard]] std::vector<Vector3> shapeCentres() const;
   /// The point of the scene that the renderer draws at its own zero.
@@ -42,10 +42,10 @@ class DrawnScene : public QObject {
   [[nodiscard]] InstanceTable* markedTubes() { return &markedTubes_; }
   [[nodiscard]] QColor background() const;
 
-  /// Answers a click along a ray.
+  /// Handles a click along a ray.
   virtual void click(const Ray& ray) = 0;
 
-  /// Draws what a click along the ray would pick in a lighter colour. True if there is something.
+  /// Draws the shape that a click along the ray would pick in a lighter colour. True if there is one.
   bool highlight(const Ray& ray);
   Q_INVOKABLE void clearHighlight();
 
@@ -56,9 +56,9 @@ class DrawnScene : public QObject {
   [[nodiscard]] static QColor toQColor(const Color& color);
   /// The nearest shape, if it shows a node or an element: parts of arrows have no source.
   [[nodiscard]] static const SceneNode* picked(const std::vector<HitTestResult>& hits);
-  /// Takes the scene as it is into the tables. Nothing is highlighted then.
+  /// Rebuilds the tables from the scene and removes the highlight.
   void fillTables();
-  /// Draws these shapes, the children of a group, in the colour of marks.
+  /// Draws these shapes, the children of a group, in the colour of marked shapes.
   void drawMarks(const SceneNode& shapes);
 
  private:

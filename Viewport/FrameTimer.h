@@ -9,7 +9,7 @@
 #include <memory>
 
 /// Measures how long a window takes for a frame: from the synchronization with its items until the picture has been
-/// handed over. The time that passes without a reason to draw does not count.
+/// handed over. Time in which nothing has to be drawn does not count.
 class FrameTimer : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -21,11 +21,11 @@ class FrameTimer : public QObject {
   ~FrameTimer() override { setWindow(nullptr); }
 
   [[nodiscard]] QQuickWindow* window() const { return window_; }
-  /// Which window to measure; null for none.
+  /// The window to measure; null for none.
   void setWindow(QQuickWindow* value);
 
-  /// Of a recent frame, in tenths; 0 before the first. Renewed a few times a second at most. The frame after a renewal
-  /// is left out: it may be there for nothing but to show the figure, and would lead to another.
+  /// Time of a recent frame, in tenths; 0 before the first. Updated at most a few times a second. The frame after an
+  /// update is not measured: it may only show the new figure, and would cause another update.
   [[nodiscard]] double milliseconds() const { return milliseconds_; }
 
  signals:

@@ -3,8 +3,8 @@
 #include <qqml.h>
 #include <QQuickItem>
 
-/// Whether pictures are drawn by a graphics processor or computed by the main one. Known when the item's window draws
-/// for the first time; until then the slower is assumed.
+/// Whether a graphics processor draws the pictures or the CPU computes them. Known once the item's window has drawn its
+/// first picture; until then the CPU is assumed.
 class GraphicsHardware : public QQuickItem {
   Q_OBJECT
   QML_ELEMENT

@@ -1,7 +1,7 @@
 import QtQuick
 import Gavrel.Viewport
 
-/// How fast the window draws, and how much of it is in the 3D area.
+/// The frame time of the window and the numbers of shapes and triangles in the 3D area.
 Rectangle {
     id: root
 

@@ -13,7 +13,7 @@ Item {
     property bool showsElementNumbers: false
     property bool showsStatistics: false
     readonly property alias camera: viewCamera
-    // Corners of a tube's section, by the number of tubes and by who draws them.
+    // Corners of a tube's section, by the number of tubes and whether graphics hardware draws them.
     readonly property int shapeSides: {
         const tubes = root.contents.tubes.size;
         const fine = tubes <= 2000 ? 20 : tubes <= 20000 ? 12 : 8;

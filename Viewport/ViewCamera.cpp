@@ -8,7 +8,7 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 constexpr double turnPerHeight = pi;    // of a drag from the picture's lower edge to its upper one
-constexpr double thinnestPixels = 2.5;  // radius of what is thinnestLength thick, as it is drawn at least
+constexpr double thinnestPixels = 2.5;  // smallest drawn radius of a shape that is thinnestLength thick
 constexpr double thinnestLength = 0.1;
 
 QVector3D single(const Vector3& v) {
@@ -82,7 +82,7 @@ void ViewCamera::pan(double dx, double dy) {
 void ViewCamera::zoom(double factor, double x, double y) {
   auto reference = hitAt(x, y);
   if (!reference) {
-    // Beside everything: as deep as the middle of the structure.
+    // No shape there: takes the depth of the structure's centre.
     const Ray ray = rayAt(x, y);
     const double depthOfUnitDistance = camera_.depth(ray.at(1));
     reference = ray.at(std::abs(camera_.depth(contents_->bounds().centre())) / depthOfUnitDistance);

@@ -10,7 +10,7 @@
 #include "Scene/OrbitCamera.h"
 #include "Viewport/DrawnScene.h"
 
-/// The user's camera: what mouse, trackpad, keys and menu do to it, and what the renderer needs to know of it.
+/// The user's camera: its movements by mouse, trackpad, keys and menu, and the values that the renderer takes.
 class ViewCamera : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -52,7 +52,7 @@ class ViewCamera : public QObject {
   [[nodiscard]] double fieldOfView() const { return OrbitCamera::fieldOfView; }
   [[nodiscard]] double clipNear() const;
   [[nodiscard]] double clipFar() const;
-  /// How many times as thick as it is a shape is drawn, per unit of distance, so that it is seen from afar; see Ray.
+  /// Factor on a shape's thickness per unit of distance, so that thin shapes stay visible from afar; see Ray.
   [[nodiscard]] double thickening() const;
 
   /// Begins a drag at a point of the picture: what is there stays under the pointer or in the middle of the turn.
@@ -60,7 +60,7 @@ class ViewCamera : public QObject {
   /// Turns the camera as if the pointer, moved by (dx, dy) pixels, turned the structure.
   Q_INVOKABLE void orbit(double dx, double dy);
   Q_INVOKABLE void pan(double dx, double dy);
-  /// Looks `factor` times as large at what is at this point of the picture.
+  /// Magnifies by `factor` about this point of the picture.
   Q_INVOKABLE void zoom(double factor, double x, double y);
 
   /// Turns to a standard direction and fits.
@@ -83,6 +83,6 @@ class ViewCamera : public QObject {
 
   QPointer<DrawnScene> contents_;
   OrbitCamera camera_;
-  Vector3 reference_;  // what the present drag is about
+  Vector3 reference_;  // the point that the present drag moves or turns about
   bool fitted_ = false;
 };

@@ -1,6 +1,6 @@
 .pragma library
 
-/// The numbers in the fields, or null if a text is none; the first such field then gets the focus.
+/// The numbers in the fields, or null if one is not a number; the first such field then gets the focus.
 function numbers(fields) {
     const values = fields.map(field => field.check());
     const wrong = values.indexOf(undefined);

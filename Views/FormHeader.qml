@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-/// What a form of a new element is for, and between which nodes the element will stand.
+/// The header of a form for new elements: its title and the nodes that the elements will connect.
 ColumnLayout {
     id: root
 
@@ -21,7 +21,7 @@ ColumnLayout {
     Label {
         objectName: "nodes"
         Layout.fillWidth: true
-        // As wide as the fields below, not as the list of nodes.
+        // Only as wide as the fields below; the list of nodes may be longer.
         Layout.preferredWidth: 1
         wrapMode: Text.Wrap
         maximumLineCount: 6

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import Gavrel.Views
 
-/// A text that is to be a number. It is marked from a failed check() until it is edited.
+/// A field for a number. A failed check() marks it as wrong until it is edited.
 TextField {
     id: root
 
@@ -20,7 +20,7 @@ TextField {
             selectAll();
     }
 
-    /// The number, or undefined if the text is none.
+    /// The number, or undefined if the text is not a number.
     function check() {
         const number = NumberFormat.parse(text);
         invalid = number === undefined;
@@ -34,7 +34,7 @@ TextField {
         color: root.palette.base
         border {
             width: root.invalid || root.activeFocus ? 2 : 1
-            // A red that can be told from light and dark surroundings.
+            // A red that is visible on light and dark backgrounds.
             color: root.invalid ? "#e5484d" : root.activeFocus ? root.palette.highlight
                  : Qt.alpha(root.palette.text, 0.3)
         }

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 
-/// A button filled with the accent colour: the one that a window or sheet is there for.
+/// A button filled with the accent colour: the main action of a window or sheet.
 Button {
     id: root
 

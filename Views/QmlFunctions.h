@@ -22,7 +22,7 @@ class NumberFormat : public QObject {
   [[nodiscard]] Q_INVOKABLE QString significant(double number, int digits) const;
 };
 
-/// Lines for whoever reads the program's standard output.
+/// Prints lines to standard output.
 class StandardOutput : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -32,13 +32,13 @@ class StandardOutput : public QObject {
   Q_INVOKABLE void print(const QString& line) const;
 };
 
-/// What callers owe: a programming error ends the process.
+/// Checks of preconditions: a programming error ends the process.
 class Precondition : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_SINGLETON
 
  public:
-  /// Fatal, with `what` as its line, unless it holds.
+  /// Ends the process with the line `what` unless the condition holds.
   Q_INVOKABLE void require(bool holds, const QString& what) const;
 };

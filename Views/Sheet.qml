@@ -57,7 +57,7 @@ Popup {
     }
 
     function confirm(event) {
-        // A key held down since before the sheet came confirms nothing.
+        // A key that was already down when the sheet opened does not confirm.
         if (event.isAutoRepeat)
             return;
         const focused = frame.Window.activeFocusItem;
@@ -75,7 +75,7 @@ Popup {
         implicitWidth: 200
         implicitHeight: 100
 
-        // The shadow: ever wider and fainter, and a little lower than the sheet.
+        // The shadow: layers of growing width and falling opacity, a little lower than the sheet.
         Repeater {
             model: 8
 

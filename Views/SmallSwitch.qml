@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 
-/// A switch that goes with its text into tight rows.
+/// A compact switch with a text, for narrow rows.
 Switch {
     id: root
 

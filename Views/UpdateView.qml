@@ -3,7 +3,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.Views
 
-/// Shows how far an update is, one panel a state, and offers what moves it forward or abandons it.
+/// Shows the progress of an update, one panel for each state, with buttons to continue or cancel.
 Item {
     id: root
 
