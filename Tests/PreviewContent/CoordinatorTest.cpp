@@ -9,7 +9,7 @@ namespace {
 
 using Number = std::optional<std::int64_t>;
 
-/// A coordinator whose selections start as 77, so that what is left alone is told from what is cleared.
+/// A coordinator whose selections start as 77, so that an unchanged selection differs from a cleared one.
 struct Clicks {
   Number node = 77, element = 77;
   std::vector<Number> elements;  // every value that the element selection took

@@ -267,7 +267,7 @@ TEST(ProjectViewModel, AFailedSaveKeepsItsTargetAndWhatIsUnsaved) {
   EXPECT_FALSE(model.saveProject(QUrl()));
   EXPECT_EQ(changes, 0) << "it counted as saved for a while, and what is kept for recovery was given up";
 
-  // What no file can hold is refused before a location is looked at.
+  // A structure that no file can hold is refused before the location is checked.
   model.addNode({0, 1, 2}, false);
   model.addNode({0, std::numeric_limits<double>::quiet_NaN(), 0}, false);
   EXPECT_THAT(printed([&] { EXPECT_FALSE(model.saveProject(folder / "nan.json")); }),
@@ -315,7 +315,7 @@ TEST(ProjectViewModel, EachChangeOfTheStructureIsUnsavedAndToldOf) {
     EXPECT_GT(edits, 0);
   }
 
-  // What was saved before a failed open is so after it was brought back, and its file is that again.
+  // A structure that was saved before a failed open counts as saved, in the same file, after it was restored.
   const auto file = folder / "saved.json";
   model.saveProject(file);
   const auto stamp = model.origin().stamp;
@@ -352,7 +352,7 @@ TEST(ProjectViewModel, SeesWhatOthersHaveDoneToItsFile) {
   second.loadProject(file);
   EXPECT_EQ(second.changeOnDisk(), "");
 
-  // What stands at the place of a save that failed was to be replaced.
+  // The user has agreed to replace the file at the place of a failed save.
   std::filesystem::create_directory(folder / "folder");
   model.saveProject(folder / "folder");
   EXPECT_EQ(model.changeOnDisk(), "");

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <cstdio>
 
-/// What the program prints on standard output while a test looks.
+/// Captures what the program prints on standard output.
 class CapturedOutput : public QObject {
   Q_OBJECT
 
@@ -19,7 +19,7 @@ class CapturedOutput : public QObject {
     ::dup2(::fileno(file_), STDOUT_FILENO);
   }
 
-  /// Lets standard output go where it went before; returns the lines that were printed since start().
+  /// Restores standard output; returns the lines that were printed since start().
   Q_INVOKABLE QStringList stop() {
     std::fflush(stdout);
     ::dup2(former_, STDOUT_FILENO);

@@ -1,6 +1,6 @@
 import QtQuick
 
-/// Opens the content of a sheet by itself, presses its buttons, and notes what it asks its owner for.
+/// Opens the content of a sheet by itself, presses its buttons, and records the signals to its owner.
 ProjectCase {
     id: test
 

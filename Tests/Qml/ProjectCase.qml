@@ -39,7 +39,7 @@ TestCase {
         return standardOutput.stop();
     }
 
-    /// Nodes along x, each with a bar to the one before if so told.
+    /// Nodes along x, each with a bar to the one before if `tied`.
     function addNodes(count, tied, y = 0) {
         for (let i = 0; i < count; ++i)
             model.addNode(i, y, 0, tied);

@@ -90,7 +90,7 @@ TEST(ViewCamera, TurnsMovesAndZoomsAboutWhatIsUnderThePointer) {
   area.contents.update();
   EXPECT_EQ(changes, 2) << "other shapes need other planes to cut at";
 
-  // Beside everything: about the middle of the structure, and as deep as it.
+  // No shape there: at the depth of the structure's centre.
   const Vector3 middle = area.contents.bounds().centre();
   const auto before = at(middle);
   area.camera.grab(5, 5);

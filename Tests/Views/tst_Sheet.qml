@@ -48,7 +48,7 @@ Item {
 
                     function cancel() {
                         test.happened.push("cancel");
-                        test.chosen = null;  // what closing it takes away must not matter
+                        test.chosen = null;  // the sheet must not use what closing has destroyed
                         dismiss();
                     }
                     function confirm() {

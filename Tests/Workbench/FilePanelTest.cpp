@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Qt's own panel, as it is where the desktop brings none, on a folder with three files.
+/// Qt's own panel, which is used if the desktop has none, on a folder with three files.
 class FilePanelTest : public testing::Test {
  protected:
   FilePanelTest() {

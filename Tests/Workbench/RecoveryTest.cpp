@@ -94,7 +94,7 @@ TEST_F(RecoveryTest, ATextThatIsNotWholeIsRefused) {
 TEST_F(RecoveryTest, ChangesAreKeptWithinASecondUntilTheyAreSaved) {
   RunningCopy copy(folder);
   EXPECT_FALSE(fs::exists(folder));
-  /// Whether what is on the disk after a second at most is what is in memory.
+  /// Whether the disk holds what is in memory within a second.
   const auto isKept = [&] {
     const auto holds = [&] {
       const auto kept = recoveryFiles(folder);
@@ -115,11 +115,11 @@ TEST_F(RecoveryTest, ChangesAreKeptWithinASecondUntilTheyAreSaved) {
   copy.viewModel.setLoadAndRestraint(0, 1, 2, 3, false, false, false);
   EXPECT_TRUE(isKept());
 
-  // A save that fails leaves it.
+  // A failed save keeps the recovery file.
   EXPECT_FALSE(copy.viewModel.saveProject(files / "missing/saved.json"));
   EXPECT_TRUE(isKept());
 
-  // Another process leaves it alone.
+  // Another process does not touch it.
   RunningCopy other(folder);
   other.recovery.lookForOffer();
   EXPECT_FALSE(other.recovery.hasOffer());
@@ -165,9 +165,9 @@ TEST_F(RecoveryTest, WhatAProcessHasLeftIsOfferedOnce) {
   EXPECT_EQ(next->viewModel.origin().file, "/somewhere/bridge.json");
   EXPECT_EQ(next->viewModel.origin().stamp, (FileStamp{1, 2, 3, 4}));
   EXPECT_TRUE(next->viewModel.hasUnsavedChanges());
-  EXPECT_EQ(recoveryFiles(folder).size(), 1);  // it is kept anew, and the old file gone
+  EXPECT_EQ(recoveryFiles(folder).size(), 1);  // a new file keeps it, and the old one is removed
 
-  // It is still there if the process ends again, and not when it is given up.
+  // It is offered again if the process ends again, but not after it was discarded.
   next.emplace(folder);
   next->recovery.lookForOffer();
   ASSERT_TRUE(next->recovery.hasOffer());

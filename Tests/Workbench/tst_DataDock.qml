@@ -109,7 +109,7 @@ ProjectCase {
         keyClick(Qt.Key_Escape);
         compare(content.calculation.reasonToEnd, "");
 
-        // What was found before an edit decides on nothing.
+        // Findings from before an edit have no effect.
         model.addTruss(3, 2, 25, 1e5);
         model.setLoadAndRestraint(3, 0, 0, 0, true, true, true);
         makeLinear(0, 1, 2);
@@ -128,7 +128,7 @@ ProjectCase {
         mouseClick(findChild(content, "calculate"));
         const list = findChild(content, "findings");
         const ways = [
-            () => mouseClick(view, 5, view.height - 120),  // where nothing is
+            () => mouseClick(view, 5, view.height - 120),  // beside all shapes
             () => keyClick(Qt.Key_Escape),
             () => mouseClick(findChild(content, "closeDock")),
             () => content.calculation.run(),

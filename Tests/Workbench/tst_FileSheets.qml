@@ -4,7 +4,7 @@ import QtTest
 import Gavrel.Workbench
 import "../Qml"
 
-/// The sheets in which the flow of files asks and tells.
+/// The sheets in which the flow of files asks and reports.
 ProjectCase {
     id: test
 

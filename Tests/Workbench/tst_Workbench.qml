@@ -2,7 +2,7 @@ import QtQuick
 import Gavrel.PreviewContent
 import "../Qml"
 
-/// The working surface with what stands around it, with real clicks. The camera starts so that the point (0, 5, 0) is in the middle.
+/// The working surface and the panels around it, with real clicks. The camera starts so that the point (0, 5, 0) is in the middle.
 ProjectCase {
     id: test
 
