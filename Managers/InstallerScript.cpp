@@ -36,23 +36,31 @@ std::string linuxInstallerScript(const std::filesystem::path& current, const std
   return "#!/bin/bash\nC=" + shellWord(current) + "\nN=" + shellWord(replacement) +
          "\nexecutable=" + shellWord(executable) + "\nchecked=" + shellWord(digest) + "\ndigest() { " +
          std::string(treeDigestCommand) + "; }" + R"script(
+variables=("${!GAVREL_OWN_@}")
+[ ${#variables[@]} -eq 0 ] || export -n "${variables[@]}"  # tools have no use for them, and the room for arguments is short
 open() {
+    [ -e "$C.new" ] || [ -e "$C.old" ] || rm -f -- "$C.update"
     local variable own=()
-    for variable in "${!GAVREL_OWN_@}"; do own+=("${!variable}"); done
+    for variable in "${variables[@]}"; do own+=("${!variable}"); done
     # Without nice, which changes nothing here, env would take a path with "=" for a variable.
-    exec env -i -- "${own[@]}" nice -n 0 -- "$C/$executable" "$@" 9<&-
+    exec /usr/bin/env -i -- "${own[@]}" /usr/bin/nice -n 0 -- "$C/$executable" "$@" 9<&-
 }
 # What tells whose it is goes last, so that the rest of a removal that is cut off is still known.
 remove() {
     (cd -- "$1" && find . -mindepth 1 ! -path ./Info.plist -delete)
     rm -rf -- "$1"
 }
+giveUp() {
+    local reason=${1:-A tool was ended from outside.}
+    open --update-failed="${reason:0:1000}"
+}
 fail() {
     remove "$C.new"
-    open --update-failed="${1:0:1000}"
+    giveUp "$1"
 }
 sleep 2
-reason=$(mkdir -- "$C.new" 2>&1) || open --update-failed="${reason:0:1000}"
+reason=$(mkdir -- "$C.new" 2>&1) || giveUp "$reason"
+: >"$C.update"  # what is left over is ours
 exec 9<"$C.new"
 flock -n 9
 cp -- "$N/Info.plist" "$C.new/" 2>/dev/null

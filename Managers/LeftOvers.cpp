@@ -38,6 +38,16 @@ bool isThisUsers(const fs::path& folder) {
   return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
 }
 
+bool isThere(const fs::path& path) {
+  return fs::exists(fs::symlink_status(path));
+}
+
+/// The file beside a bundle that an installation makes, and removes when nothing else of it is left. Without it, a
+/// folder of the names that installations use is somebody's own.
+fs::path markBeside(const fs::path& bundle) {
+  return bundle.string() + ".update";
+}
+
 /// Whether nothing is there that would be lost: a copy that was just begun, or the last of a removal.
 bool hasNoContent(const fs::path& folder) {
   return std::ranges::all_of(fs::directory_iterator(folder), [](const fs::directory_entry& entry) {
@@ -60,13 +70,20 @@ std::optional<Failure> removeCopies(const BundleInfo& bundle) {
   const auto identifier = bundle.text(identifierKey);
   const FolderLock whole(*bundle.url);  // an installation keeps its lock until the very end
   if (!identifier || !whole.isOurs()) return {};
+  const fs::path mark = markBeside(*bundle.url);
+  const bool isMarked = fs::is_regular_file(fs::symlink_status(mark));
+  bool isSettled = true;
   for (const char* ending : {".new", ".old"}) {
     const fs::path folder = bundle.url->string() + ending;
+    if (!isThere(folder)) continue;
     const FolderLock lock(folder);
+    isSettled = isSettled && lock.isOurs();
     if (!lock.isOurs() || !isThisUsers(folder)) continue;
-    if (BundleInfo::read(folder).text(identifierKey) != identifier && !hasNoContent(folder)) continue;
+    const bool isOurs = isMarked && BundleInfo::read(folder).text(identifierKey) == identifier;
+    if (!isOurs && !hasNoContent(folder)) continue;
     if (auto failure = removeBundle(folder)) return failure;
   }
+  if (isMarked && isSettled) fs::remove(mark);
   return {};
 }
 
@@ -89,7 +106,7 @@ std::optional<Failure> settleInstallation(const fs::path& program) try {
   const fs::path proper = name.substr(0, name.size() - ending.size());
   const fs::path copy = proper.string() + ".new";
   const bool isInstalling = fs::is_directory(copy) && !FolderLock(copy).isOurs();
-  if (fs::exists(fs::symlink_status(proper)) || isInstalling) return {};
+  if (isThere(proper) || isInstalling || !isThere(markBeside(proper))) return {};
   if (::rename(name.c_str(), proper.c_str()) != 0)
     return systemFailure("an update was interrupted; please rename \"" + name + "\" to", proper, errno);
   return removeLeftOvers(BundleInfo::findAround(proper / renamed.executable));

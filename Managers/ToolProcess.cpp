@@ -6,6 +6,7 @@
 #include <QProcessEnvironment>
 #include <array>
 #include <csignal>
+#include <cstring>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -43,7 +44,8 @@ std::optional<Failure> startScript(const std::filesystem::path& script) {
   for (const auto& [name, value] : toolVariables) environment.push_back(std::string(name) + "=" + value);
   // Not QProcess: that would change values that are no UTF-8.
   for (char** own = ::environ; *own != nullptr; ++own)
-    environment.push_back("GAVREL_OWN_" + std::to_string(environment.size()) + "=" + *own);
+    if (std::strchr(*own, '=') != nullptr)  // anything else would be taken for the program
+      environment.push_back("GAVREL_OWN_" + std::to_string(environment.size()) + "=" + *own);
   std::vector<std::string> arguments{"/bin/bash", script.string()};
 
   posix_spawnattr_t attributes;

@@ -163,9 +163,10 @@ TEST_F(Update, ReplacesTheBundleAndRestarts) {
 TEST_F(Update, AnInterruptedOneIsPutRightAtTheStart) {
   fs::rename(bundle, bundle.string() + ".old");
   fs::create_directory(bundle.string() + ".new");
+  std::ofstream(bundle.string() + ".update").put('\n');
   desktop.emplace(std::vector<std::string>{}, bundle.string() + ".old/bin/gavrel");
   EXPECT_EQ(version(), "gavrel 1.0.0\n");
-  for (const char* ending : {".old", ".new"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
+  for (const char* ending : {".old", ".new", ".update"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
 }
 
 TEST_F(Update, IsNotLookedForAtStartsOnceThatIsSwitchedOff) {
@@ -199,7 +200,7 @@ TEST_F(Update, AFailedCopyIsToldOfByTheFormerVersion) {
   installTheUpdate();
   EXPECT_THAT(follower(), testing::StartsWith("--update-failed=cp: cannot stat"));
   EXPECT_EQ(version(), "gavrel 1.0.0\n");
-  for (const char* ending : {".old", ".new"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
+  for (const char* ending : {".old", ".new", ".update"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
   // The sheet tells of it; "OK" ends that.
   Desktop::focusWindow();
   Desktop::keys("Tab space");

@@ -147,13 +147,16 @@ TEST_F(Installer, ToolsDoNotObeyTheUsersEnvironmentWhichTheNewProgramGets) {
   files.put("evil", "exit 1\n");
   files.put("cp", "#!/bin/sh\nexit 1\n");
   fs::permissions(files / "cp", fs::perms(0755));
+  fs::copy(files / "cp", files / "nice");
   const std::string path = std::getenv("PATH");
-  const std::map<std::string, std::string> variables = {{"PATH", files.path().string() + ":" + path},
-                                                        {"BASH_FUNC_mkdir%%", "() { exit 1; }"},
-                                                        {"UNZIP", "-t"},
-                                                        {"TAR_OPTIONS", "--exclude=bin"},
-                                                        {"BASH_ENV", files / "evil"},
-                                                        {"NO_UTF8", "\xff\n"}};
+  std::map<std::string, std::string> variables = {{"PATH", files.path().string() + ":" + path},
+                                                  {"BASH_FUNC_mkdir%%", "() { exit 1; }"},
+                                                  {"UNZIP", "-t"},
+                                                  {"TAR_OPTIONS", "--exclude=bin"},
+                                                  {"BASH_ENV", files / "evil"},
+                                                  {"NO_UTF8", "\xff\n"}};
+  // Together more than half of what a program's arguments and environment may take.
+  for (char c = 'A'; c <= 'L'; ++c) variables[std::string("LARGE_") + c] = std::string(100000, c);
   for (const auto& [name, value] : variables) ::setenv(name.c_str(), value.c_str(), 1);
   std::set<std::string> own;
   for (char** variable = ::environ; *variable != nullptr; ++variable) own.insert(*variable);

@@ -42,6 +42,7 @@ class LeftOvers : public testing::Test {
   const fs::path bundle = files / "Gavrel.app";
   const fs::path former = files / "Gavrel.app.old";
   const fs::path copy = files / "Gavrel.app.new";
+  const fs::path mark = files / "Gavrel.app.update";  // of an installation, beside what it makes
 };
 
 TEST_F(LeftOvers, AreRemovedWhereTheyAreOursAndNobodyNeedsThem) {
@@ -51,22 +52,27 @@ TEST_F(LeftOvers, AreRemovedWhereTheyAreOursAndNobodyNeedsThem) {
       {"a copy", "Gavrel.app", [&] { writeBundle(copy); }},
       {"empty folders", "Gavrel.app", [&] { fs::create_directory(copy), fs::create_directory(former); }},
       {"a copy hardly begun", "Gavrel.app", [&] { fs::create_directory(copy), put(copy / "Info.plist", ""); }},
+      {"somebody's own copies", "Gavrel.app Gavrel.app.new Gavrel.app.old",
+       [&] { writeBundle(former), writeBundle(copy), fs::remove(mark); }},
       {"another program", "Gavrel.app Gavrel.app.old", [&] { writeBundle(former, "org.other"); }},
       {"a drawing", "Gavrel.app Gavrel.app.new", [&] { fs::create_directory(copy), put(copy / "drawing.json", "{}"); }},
-      {"a file", "Gavrel.app Gavrel.app.old", [&] { put(former, ""); }},
-      {"a link", "Gavrel.app Gavrel.app.old Other",
+      {"a file", "Gavrel.app Gavrel.app.old Gavrel.app.update", [&] { put(former, ""); }},
+      {"a link", "Gavrel.app Gavrel.app.old Gavrel.app.update Other",
        [&] { writeBundle(files / "Other"), fs::create_symlink("Other", former); }},
   };
   for (const auto& [name, left, make] : cases) {
     SCOPED_TRACE(name);
     writeBundle(bundle);
+    put(mark, "");
     make();
     EXPECT_EQ(settle(bundle), left);
     for (const auto& entry : fs::directory_iterator(files.path())) fs::remove_all(entry);
   }
+  writeBundle(former);
+  EXPECT_EQ(settle(former), "Gavrel.app.old") << "kept by hand";
   if (::geteuid() != 0) return;
   writeBundle(bundle);
-  writeBundle(former);
+  put(mark, "");
   ASSERT_EQ(::chown(former.c_str(), 65534, 65534), 0);
   EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.old") << "somebody else's";
 }
@@ -78,20 +84,22 @@ TEST_F(LeftOvers, StayWhileAnInstallationGoesOn) {
     return file;
   };
   writeBundle(copy);
+  std::ofstream(mark).put('\n');
   {
     const auto copying = lock(copy);
     writeBundle(bundle);
-    EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.new");
+    EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.new Gavrel.app.update");
     fs::rename(bundle, former);
-    EXPECT_EQ(settle(former), "Gavrel.app.new Gavrel.app.old");
+    EXPECT_EQ(settle(former), "Gavrel.app.new Gavrel.app.old Gavrel.app.update");
     fs::rename(copy, bundle);
-    EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.old");
+    EXPECT_EQ(settle(bundle), "Gavrel.app Gavrel.app.old Gavrel.app.update");
   }
-  EXPECT_EQ(settle(former), "Gavrel.app Gavrel.app.old") << "started by hand beside a whole one";
+  EXPECT_EQ(settle(former), "Gavrel.app Gavrel.app.old Gavrel.app.update") << "started by hand beside a whole one";
   EXPECT_EQ(settle(bundle), "Gavrel.app");
 
   fs::rename(bundle, former);
   writeBundle(copy);
+  std::ofstream(mark).put('\n');
   EXPECT_EQ(settle(former), "Gavrel.app") << "which gets its name back";
   EXPECT_EQ(settle(files / "no bundle"), "Gavrel.app");
 }
@@ -123,6 +131,15 @@ TEST_F(LeftOvers, AnInstallationThatIsKilledAtAnyStepLeavesAWholeBundle) {
   }
   EXPECT_EQ(seen.size(), 3u) << "former in its place, former renamed, new";
   EXPECT_GT(step, 20);
+}
+
+TEST_F(LeftOvers, AToolThatDiesWithoutAWordHasTheFormerProgramStarted) {
+  writeBundle(bundle);
+  std::ofstream(bundle / "bin/gavrel") << "#!/bin/sh\necho \"$*\" >\"${0%/*}/started\"\n";
+  files.put("install.sh", linuxInstallerScript(bundle, bundle, "bin/gavrel", ""));
+  files.put("run.sh", "sleep() { :; }; cp() { return 137; }; source ./install.sh\n");
+  EXPECT_EQ(std::system(("cd " + files.path().string() + " && GAVREL_OWN_1=A=b exec /bin/bash ./run.sh").c_str()), 0);
+  EXPECT_EQ(files.get("Gavrel.app/bin/started"), "--update-failed=A tool was ended from outside.\n");
 }
 
 }  // namespace
