@@ -191,6 +191,7 @@ void UpdateManager::fetchSignature(const QString& location) {
       session_, pendingVersionInfo->downloadUrl,
       TransferLimits{.bytes = signatureSize, .silence = setup_.silence, .whole = setup_.deadline});
   connect(signatureTask_.get(), &SignatureTransfer::finished, this, [this, location] {
+    if (state->kind != State::downloading) return post(UpdateState::error(Error::invalidResponse));
     if (const auto& failure = signatureTask_->failure())
       return didCompleteWithError(tr("The update's signature: %1").arg(*failure));
     signature_ = signatureTask_->signature();

@@ -211,6 +211,16 @@ TEST_F(SignedDownload, IsStoredOnlyWithItsMakersSignature) {
   }
 }
 
+TEST_F(SignedDownload, IsLostWhenTheStateHasMovedOnBeforeItsSignatureComes) {
+  server.answers["/a.zip.sig"] = {.drip = 1};
+  start();
+  download();
+  ASSERT_TRUE(happens([&] { return server.isDripping(); }));
+  manager->skipUpdate();
+  ASSERT_TRUE(becomes("error"));
+  EXPECT_EQ(description(), "Invalid server response");
+}
+
 TEST_F(SignedDownload, IsSilentFromTheMomentOfItsCancelling) {
   server.answers["/versions.json"] = {.drip = 1};
   start();
