@@ -5,6 +5,7 @@
 #include "Exchange/Export.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
+#include "Platform/OutputFiles.h"
 #include "Platform/ShownText.h"
 #include "PreviewContent/FileUrl.h"
 #include "Workbench/PngFile.h"
@@ -54,10 +55,16 @@ QString FileExchange::exportPicture(const QImage& picture, const QUrl& file) {
   const auto png = encodePng(picture);
   if (!png) return tr("The picture is too large.");
   const auto path = *toPath(file);
+  if (const auto refused = whyNotExportable(path)) return report(refused, path);
   return report(replaceFile(path, *png), path);
 }
 
 QString FileExchange::write(Write write, const QUrl& file) {
   const auto path = *toPath(file);
+  if (const auto refused = whyNotExportable(path)) return report(refused, path);
   return report(write(**viewModel_.project, path, viewModel_.hasResults() ? Results::written : Results::leftOut), path);
+}
+
+std::optional<Failure> FileExchange::whyNotExportable(const std::filesystem::path& file) const {
+  return whyNotWritable({file}, {viewModel_.currentFileUrl.value_or(std::filesystem::path())});
 }

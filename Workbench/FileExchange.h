@@ -29,6 +29,8 @@ class FileExchange {
  private:
   using Write = std::optional<Failure> (*)(const Project&, const std::filesystem::path&, Results);
   QString write(Write write, const QUrl& file);
+  /// Why an export may not replace `file`: above all because it is the file of the project that is open.
+  [[nodiscard]] std::optional<Failure> whyNotExportable(const std::filesystem::path& file) const;
 
   ProjectViewModel& viewModel_;
 };

@@ -233,7 +233,7 @@ TEST_F(FileFlowTest, QuittingWaitsForTheQuestionThatIsOpen) {
 }
 
 TEST_F(FileFlowTest, ExportsAreNamedAndTheirFailuresTold) {
-  edit();
+  openAndEdit();
   (*model.project)->name.edit() = "Halle 1/2";
   const std::pair<void (FileFlow::*)(), std::string> exports[] = {{&FileFlow::exportNodes, "nodes.csv"},
                                                                   {&FileFlow::exportElements, "elements.csv"},
@@ -242,6 +242,12 @@ TEST_F(FileFlowTest, ExportsAreNamedAndTheirFailuresTold) {
   QObject::connect(&flow, &FileFlow::pictureWanted,
                    [this](const QUrl& file) { flow.writePicture(QImage(2, 2, QImage::Format_RGB32), file); });
   for (const auto& [run, name] : exports) {
+    (flow.*run)();
+    flow.takeFiles({url("model.json")});
+    flow.answer(FileFlow::Destructive);
+    EXPECT_THAT(text(), HasSubstr("model.json\", which is read: choose another file"));
+    EXPECT_EQ(nodesIn("model.json"), 2) << "an export does not replace the project's file";
+    flow.answer(FileFlow::Reject);
     for (const std::string folder : {"", "none/"}) {
       (flow.*run)();
       EXPECT_EQ(requests.back().name.toStdString(), name);
