@@ -70,18 +70,25 @@ void FileFlow::restore(Recovery* recovery) {
 }
 
 bool FileFlow::mayQuit() {
-  if (!viewModel_->hasUnsavedChanges()) return true;
+  const bool agreed = std::exchange(quitAgreed_, false);
+  if (!viewModel_->hasUnsavedChanges() && (agreed || !wouldLoseTheProject())) return true;
   doOnceSavedOrDiscarded([this] {
     viewModel_->discardChanges();
+    quitAgreed_ = true;  // a file that was removed is still missing when the window closes
     emit quitConfirmed();
   });
   return false;
 }
 
 void FileFlow::doOnceSavedOrDiscarded(Action action) {
-  if (!viewModel_->hasUnsavedChanges()) return action();
+  if (!wouldLoseTheProject()) return action();
   waitingAction_ = std::move(action);
   showNextPrompt();
+}
+
+bool FileFlow::wouldLoseTheProject() const {
+  return viewModel_->hasUnsavedChanges() ||
+         (*viewModel_->numberOfNodes > 0 && viewModel_->changeOnDisk() == QStringLiteral("removed"));
 }
 
 void FileFlow::runWaitingAction() {
@@ -272,8 +279,12 @@ void FileFlow::tellOfFailedOpen(const QString& file, const QString& reason) {
 
 Prompt FileFlow::saveQuestion() {
   const QString file = viewModel_->currentFileName();
-  return {.question = tr("Save the changes to “%1”?").arg(file.isEmpty() ? viewModel_->projectName() : file),
-          .text = tr("They are lost otherwise."),
+  const bool changed = viewModel_->hasUnsavedChanges();
+  return {.question = (changed ? tr("Save the changes to “%1”?") : tr("Save “%1”?"))
+                          .arg(file.isEmpty() ? viewModel_->projectName() : file),
+          .text = changed ? tr("They are lost otherwise.")
+                          : tr("Since it was opened or saved here, the file was removed or renamed. "
+                               "If it was removed, the structure is lost otherwise."),
           .destructiveText = tr("Discard"),
           .rejectText = tr("Cancel"),
           .defaultText = tr("Save"),

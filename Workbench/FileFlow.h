@@ -96,6 +96,8 @@ class FileFlow : public QObject {
     Use use;
   };
 
+  /// Whether no file holds the project as it is: it has unsaved changes, or its file was removed.
+  [[nodiscard]] bool wouldLoseTheProject() const;
   void doOnceSavedOrDiscarded(Action action);
   void runWaitingAction();
   void write();
@@ -116,7 +118,8 @@ class FileFlow : public QObject {
   void showNextPrompt();
 
   QPointer<ProjectViewModel> viewModel_;
-  Action waitingAction_;  // until unsaved changes are saved or discarded
+  Action waitingAction_;     // until unsaved changes are saved or discarded
+  bool quitAgreed_ = false;  // since `quitConfirmed` was emitted, until the window asks again
   QString saveFailure_;
   std::optional<Choice> choice_;  // that the user has yet to make
   QList<QUrl> filesToImport_;

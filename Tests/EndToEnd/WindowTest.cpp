@@ -239,6 +239,13 @@ TEST(Window, WhatAnotherProgramHasWrittenIsNotOverwrittenUnasked) {
   desktop.keys("Tab space");  // Overwrite
   desktop.expectLine("Project saved successfully to model.json");
   EXPECT_EQ((*readProject(file))->nodeCount(), 2);
+  std::filesystem::remove(file);
+  desktop.keys("ctrl+q");
+  desktop.keys("Escape");
+  desktop.expectTitle("^model.json");
+  desktop.keys("ctrl+q");
+  desktop.keys("Tab space");  // Discard
+  EXPECT_EQ(desktop.exitStatus(), 0);
 }
 
 TEST(Window, AFileThatEndsTheProgramWhenShownIsAskedForFirst) {

@@ -187,7 +187,8 @@ TEST_F(FileFlowTest, WhatLosesChangesAsksFirst) {
       {[this] { flow.showOpenPanel(); }, [this] { return requests.size() == 1; }},
       {[this] { flow.open(url("other.json")); }, [this] { return *model.numberOfNodes == 7; }},
       {[this] { flow.drop({url("other.json")}); }, [this] { return *model.numberOfNodes == 7; }},
-      {[this] { EXPECT_EQ(flow.mayQuit(), !model.hasUnsavedChanges()); }, [this] { return quits.size() == 1; }},
+      {[this] { EXPECT_EQ(flow.mayQuit(), *model.numberOfNodes == 0); },
+       [this] { return quits.size() == 1 && flow.mayQuit(); }},
   };
   for (const auto& [begin, done] : ways) {
     for (const auto answer : {FileFlow::Reject, FileFlow::Destructive, FileFlow::Default}) {
@@ -201,6 +202,20 @@ TEST_F(FileFlowTest, WhatLosesChangesAsksFirst) {
       EXPECT_EQ(done(), answer != FileFlow::Reject);
       EXPECT_EQ(nodesIn("model.json"), answer == FileFlow::Default ? 3 : 2);
       EXPECT_EQ(question(), "");
+      flow.takeFiles({});
+
+      model.openProject(projectFile("model.json", 2));
+      fs::remove(files / "model.json");
+      requests.clear();
+      quits.clear();
+      begin();
+      EXPECT_EQ(question(), "Save “model.json”?") << "the only copy";
+      EXPECT_FALSE(model.hasUnsavedChanges());
+      flow.answer(answer);
+      if (answer == FileFlow::Default) flow.answer(FileFlow::Destructive);  // writes it anew
+      EXPECT_EQ(done(), answer != FileFlow::Reject);
+      EXPECT_EQ(nodesIn("model.json"), answer == FileFlow::Default ? 2 : -1);
+      EXPECT_FALSE(flow.prompt().text.size());
       flow.takeFiles({});
     }
     model.newProject();
