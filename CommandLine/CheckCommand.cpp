@@ -3,6 +3,7 @@
 
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
+#include "CommandLine/FileName.h"
 #include "Diagnosis/StructureCheck.h"
 #include "Platform/JsonWriter.h"
 
@@ -64,7 +65,7 @@ int check(const CheckOptions& options) {
 void addCheckCommand(CLI::App& app, int& status) {
   auto* command = app.add_subcommand("check", "Tell what a solve of a project would stumble over, and what to do");
   auto options = std::make_shared<CheckOptions>();
-  command->add_option("MODEL", options->model, "Project file")->required();
+  command->add_option("MODEL", options->model, "Project file")->required()->check(fileName());
   command->add_flag("--json", options->json, "Print one JSON array for scripts");
   command->footer("Example:\n  gavrel-cli check Examples/ten-bar-truss.json");
   command->callback([options, &status] { status = check(*options); });

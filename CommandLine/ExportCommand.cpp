@@ -8,6 +8,7 @@
 
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
+#include "CommandLine/FileName.h"
 #include "DataModel/ArrayLengths.h"
 #include "Exchange/Export.h"
 #include "Platform/Console.h"
@@ -89,12 +90,14 @@ int exportModel(const ExportOptions& options) {
 void addExportCommand(CLI::App& app, int& status) {
   auto* command = app.add_subcommand("export", "Solve a project and write its results for other programs");
   auto options = std::make_shared<ExportOptions>();
-  command->add_option("MODEL", options->model, "Project file")->required();
+  command->add_option("MODEL", options->model, "Project file")->required()->check(fileName());
   auto* files = command->add_option_group("files");
-  files->add_option("--nodes", options->nodes, "Table of nodes with displacements (CSV)");
-  files->add_option("--elements", options->elements, "Table of elements with strains and forces (CSV)");
-  files->add_option("--vtu", options->vtu, "Grid for ParaView (VTK XML)");
-  auto* png = files->add_option("--png", options->png, "Picture (PNG); needs a display and the program gavrel");
+  files->add_option("--nodes", options->nodes, "Table of nodes with displacements (CSV)")->check(fileName());
+  files->add_option("--elements", options->elements, "Table of elements with strains and forces (CSV)")
+      ->check(fileName());
+  files->add_option("--vtu", options->vtu, "Grid for ParaView (VTK XML)")->check(fileName());
+  auto* png = files->add_option("--png", options->png, "Picture (PNG); needs a display and the program gavrel")
+                  ->check(fileName());
   files->require_option(1, 0);
   command->add_option("--size", options->size, "Size of the picture in pixels (1600x1000)")->needs(png);
   command->add_flag("--strain", options->strain, "Colour the picture's bars by strain")->needs(png);

@@ -3,6 +3,7 @@
 
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
+#include "CommandLine/FileName.h"
 #include "CommandLine/NumberOption.h"
 #include "CommandLine/Structures/Bridge.h"
 #include "CommandLine/Structures/CableNet.h"
@@ -24,7 +25,7 @@ class Kind {
   Kind(CLI::App& generate, const std::string& name, const std::string& description, const std::string& example)
       : command_(generate.add_subcommand(name, description)) {
     command_->footer("Example:\n  gavrel-cli generate " + name + " " + example);
-    command_->add_option("-o,--output", *output_, "Project file to write")->required();
+    command_->add_option("-o,--output", *output_, "Project file to write")->required()->check(fileName());
     length("--area", structure_->bars.area, "Cross-section area of the bars");
     length("--modulus", structure_->bars.youngModulus, "Young's modulus of the bars");
     command_

@@ -4,6 +4,7 @@
 
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
+#include "CommandLine/FileName.h"
 #include "CommandLine/NumberOption.h"
 #include "DataModel/ProjectFile.h"
 #include "Exchange/Import.h"
@@ -49,9 +50,10 @@ void addImportCommand(CLI::App& app, int& status) {
   auto options = std::make_shared<ImportOptions>();
   const auto finite = exactNumber("finite number", [](double) { return true; });
   const auto positive = exactNumber("positive number", [](double value) { return value > 0; });
-  command->add_option("FILES", options->files, "Tables of nodes or members, drawings")->required();
-  command->add_option("-o,--output", options->output, "Project file to write")->required();
-  command->add_option("--into", options->into, "Project file to add to; without it a new project begins");
+  command->add_option("FILES", options->files, "Tables of nodes or members, drawings")->required()->check(fileName());
+  command->add_option("-o,--output", options->output, "Project file to write")->required()->check(fileName());
+  command->add_option("--into", options->into, "Project file to add to; without it a new project begins")
+      ->check(fileName());
   command->add_option("--name", options->name, "Name of the project; that of the first file if it is new");
   command->add_option("--area", options->settings.area, "Cross-section of bars of which a file tells none")
       ->transform(finite)

@@ -2,6 +2,7 @@
 
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
+#include "CommandLine/FileName.h"
 #include "CommandLine/ModelFacts.h"
 
 namespace {
@@ -24,7 +25,7 @@ int info(const InfoOptions& options) {
 void addInfoCommand(CLI::App& app, int& status) {
   auto* command = app.add_subcommand("info", "Describe a project: counts, extents, loads and likely mistakes");
   auto options = std::make_shared<InfoOptions>();
-  command->add_option("MODEL", options->model, "Project file")->required();
+  command->add_option("MODEL", options->model, "Project file")->required()->check(fileName());
   command->add_flag("--json", options->json, "Print one JSON object for scripts");
   command->footer("Example:\n  gavrel-cli info Examples/ten-bar-truss.json --json");
   command->callback([options, &status] { status = info(*options); });

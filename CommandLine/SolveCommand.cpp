@@ -7,6 +7,7 @@
 
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
+#include "CommandLine/FileName.h"
 #include "CommandLine/SolveResult.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Console.h"
@@ -81,8 +82,9 @@ int solve(const SolveOptions& options) {
 void addSolveCommand(CLI::App& app, int& status) {
   auto* command = app.add_subcommand("solve", "Solve a project and print the relative residual norm of each step");
   auto options = std::make_shared<SolveOptions>();
-  command->add_option("MODEL", options->model, "Project file")->required();
-  command->add_option("-o,--output", options->output, "Write displacements, residuals and elements to this JSON file");
+  command->add_option("MODEL", options->model, "Project file")->required()->check(fileName());
+  command->add_option("-o,--output", options->output, "Write displacements, residuals and elements to this JSON file")
+      ->check(fileName());
   command->add_flag("--strict", options->strict, "Exit with status 2 if the solve does not converge");
   command->add_flag("--summary", options->summary, "Print a short summary on standard error");
   command->footer("Example:\n  gavrel-cli solve Examples/ten-bar-truss.json --output result.json --strict");
