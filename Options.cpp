@@ -5,10 +5,10 @@
 #include <string>
 
 #include "CommandLine/NumberOption.h"
+#include "CommandLine/ParseEnd.h"
 
 namespace {
 
-constexpr int usageError = 64;
 constexpr int largestPicture = 16384;  // pixels a side, what every graphics driver takes
 
 /// "1600x1000" as width and height.
@@ -59,7 +59,7 @@ std::variant<Options, int> readOptions(int argc, char** argv, const std::string&
     app.parse(argc, argv);
     if (options.screenshot && !options.file) throw CLI::RequiredError("MODEL.json");
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : usageError;
+    return endAfterParsing(app, error);
   }
   return options;
 }

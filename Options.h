@@ -17,6 +17,6 @@ struct Options {
   std::string updateFailure;  ///< why the update was not installed for which the program had ended
 };
 
-/// Reads the arguments, or prints help, the version or what is wrong with them and returns the exit code: 0, or 64 for
-/// arguments that make no sense.
+/// Reads the arguments, or prints help, the version or what is wrong with them and returns the exit code: 0, 64 for
+/// arguments that make no sense, or 1 if the help could not be written.
 [[nodiscard]] std::variant<Options, int> readOptions(int argc, char** argv, const std::string& version);

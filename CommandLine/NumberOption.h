@@ -7,13 +7,14 @@
 #include <string>
 
 #include "Platform/NumberText.h"
+#include "Platform/ShownText.h"
 
 /// To be given to an option's `transform`, which otherwise rounds twice and takes 010 for 8. Accepts the finite numbers
 /// for which `allowed` holds and hands on the one double that parseNumber reads; `kind` says what is wanted otherwise.
 [[nodiscard]] inline CLI::Validator exactNumber(const std::string& kind, std::function<bool(double)> allowed) {
   return {[kind, allowed = std::move(allowed)](std::string& text) -> std::string {
             const auto value = parseNumber(text);
-            if (!value || !std::isfinite(*value) || !allowed(*value)) return "'" + text + "' is not a " + kind;
+            if (!value || !std::isfinite(*value) || !allowed(*value)) return shownQuoted(text) + " is not a " + kind;
             text = numberText(*value);
             return "";
           },
@@ -27,7 +28,7 @@
             int value = 0;
             const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
             if (error != std::errc() || end != text.data() + text.size() || value < least || value > most)
-              return "'" + text + "' is not a whole number in " + range;
+              return shownQuoted(text) + " is not a whole number in " + range;
             text = std::to_string(value);
             return "";
           },

@@ -1,9 +1,8 @@
 #include <cstdio>
 #include <exception>
-#include <iostream>
-#include <sstream>
 
 #include "CommandLine/Commands.h"
+#include "CommandLine/ParseEnd.h"
 #include "Platform/KernelResources.h"
 #include "Platform/ShownText.h"
 #include "Platform/Signals.h"
@@ -28,17 +27,10 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    std::stringstream lines;
-    const int code = app.exit(error, std::cout, lines);
-    for (std::string line; std::getline(lines, line);)
-      std::fprintf(stderr, "%s\n", shownText(line, std::string::npos).c_str());
-    return code == 0 ? exitStatus::success : exitStatus::usage;
+    return endAfterParsing(app, error);
   }
-  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    std::fputs("Failed to write to standard output.\n", stderr);
-    return exitStatus::failure;
-  }
-  return status;
+  const int flushed = flushOutput();
+  return flushed == exitStatus::success ? status : flushed;
 }
 
 [[gnu::section(".preinit_array"), gnu::used]] void (*const beforeLibraries)(int, char**, char**) = fitThreadsToMemory;

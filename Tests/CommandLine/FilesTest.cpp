@@ -35,8 +35,9 @@ TEST(Files, ResultsThatCannotBeWrittenAreReported) {
   EXPECT_EQ(outcome.output, "") << "solved before it was known whether the result can be kept";
   EXPECT_THAT(outcome.errors, AllOf(StartsWith("Failed to save result: "), HasSubstr("No such file or directory")));
   EXPECT_EQ(gavrelCli({"generate", "dome", "-o", folder / "none/dome.json"}).status, 1);
-  for (const char* command : {"solve", "info"}) {
-    const auto full = gavrelCli({command, model}, {.outputPath = "/dev/full", .errorsToTerminal = false});
+  for (const std::vector<std::string>& command : std::initializer_list<std::vector<std::string>>{
+           {"solve", model}, {"info", model}, {"--help"}, {"--version"}, {"solve", "--help"}}) {
+    const auto full = gavrelCli(command, {.outputPath = "/dev/full", .errorsToTerminal = false});
     EXPECT_EQ(full.status, 1);
     EXPECT_EQ(full.errors, "Failed to write to standard output.\n");
   }

@@ -61,6 +61,21 @@ TEST(Usage, ACommandLineThatIsNotUnderstoodWritesNothing) {
   EXPECT_EQ(folder.entries(), 0);
 }
 
+TEST(Usage, ArgumentsAreShownInOneShortLine) {
+  const std::string forged = "x\nFatal error\x1b[31m", shown = "x\\nFatal error\\x1b[31m", tooLong(10000, 'y');
+  for (const auto& [arguments, part] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+           {{"solve", "--" + forged, "a"}, "--" + shown},
+           {{"solve", "a", tooLong}, "yyy…"},
+           {{"generate", "dome", "-o", "x", "--span", forged}, shown + "\" is not a positive number"},
+           {{"generate", "dome", "-o", "x", "--rings=" + tooLong}, "yyy…\" is not a whole number in [1 - 500]"}}) {
+    const auto outcome = gavrelCli(arguments);
+    EXPECT_EQ(outcome.status, 64);
+    EXPECT_LT(outcome.errors.size(), 300);
+    EXPECT_THAT(outcome.errors, testing::HasSubstr(part + "\nRun with --help for more information.\n"));
+    EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 2);
+  }
+}
+
 TEST(Usage, NumbersAreReadInDecimalAndRoundedOnce) {
   const TemporaryFolder folder;
   const std::string file = folder / "x.json";
