@@ -14,6 +14,7 @@
 #include "Platform/Console.h"
 #include "Platform/Destination.h"
 #include "Platform/OutputFiles.h"
+#include "Platform/ShownText.h"
 
 namespace {
 
@@ -32,6 +33,13 @@ struct ExportOptions {
 std::string pathForAnother(const std::string& picture) {
   const auto own = ownDescriptor(picture);
   return own ? "/proc/self/fd/" + std::to_string(::dup(*own)) : picture;
+}
+
+/// Whether the window's program cannot read the model once more: what came through a pipe is used up.
+bool isReadOnce(const std::string& model) {
+  std::error_code unknown;
+  const auto status = std::filesystem::status(model, unknown);
+  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
 }
 
 /// The window's program draws pictures; it lies beside this one, or where programs are looked for. Its lines are not
@@ -67,6 +75,8 @@ int drawPicture(const ExportOptions& options) {
 int exportModel(const ExportOptions& options) {
   if (const auto refused = whyNotWritable({options.nodes, options.elements, options.vtu, options.png}, {options.model}))
     return printFailure("Failed to export", *refused);
+  if (!options.png.empty() && isReadOnce(options.model))
+    return printFailure("No picture", {shownPath(options.model) + " is no regular file, and --png reads it twice"});
   const auto loaded = readOrPrintFailure(options.model);
   if (!loaded) return exitStatus::failure;
   Project& project = *loaded;

@@ -22,6 +22,11 @@ TEST(Exchange, ExportsAndImports) {
   EXPECT_EQ(gavrelCli({"export", model}).status, 64);
   EXPECT_EQ(gavrelCli({"export", model, "--vtu", folder / "none" / "bar.vtu"}).status, 1);
 
+  const auto piped = gavrelCli({"export", "/dev/null", "--png", folder / "p.png", "--nodes", folder / "p.csv"});
+  EXPECT_EQ(piped.status, 1);
+  EXPECT_EQ(piped.errors, "No picture: \"/dev/null\" is no regular file, and --png reads it twice\n");
+  EXPECT_FALSE(std::filesystem::exists(std::string(folder / "p.csv")));
+
   std::string surplus = singleBarJson();
   surplus.insert(surplus.find("\"F_I\": [") + 8, "0,");
   const auto warned =
