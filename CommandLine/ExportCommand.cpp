@@ -32,7 +32,7 @@ struct ExportOptions {
 /// A path under which a program that this one starts writes to the picture: it has another standard output.
 std::string pathForAnother(const std::string& picture) {
   const auto own = ownDescriptor(picture);
-  return own ? "/proc/self/fd/" + std::to_string(::dup(*own)) : picture;
+  return own ? descriptorPath(::dup(*own)).string() : picture;
 }
 
 /// Whether the window's program cannot read the model once more: what came through a pipe is used up.

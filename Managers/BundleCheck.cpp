@@ -7,14 +7,11 @@
 
 #include "Managers/BundleVersion.h"
 #include "Managers/LeftOvers.h"
+#include "Managers/Paths.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-QString shown(const fs::path& path) {
-  return QString::fromStdString(path.string());
-}
 
 QString shown(const BundleVersion& version) {
   return QObject::tr("%1 (build %2)").arg(version.version).arg(version.build);
@@ -32,10 +29,6 @@ bool leadsOutside(const fs::path& folder) {
   });
 }
 
-bool isThere(const fs::path& path) {
-  return fs::exists(fs::symlink_status(path));
-}
-
 }  // namespace
 
 std::optional<QString> whyNotReplaceable(const BundleInfo& current, const fs::path& replacement) {
@@ -43,15 +36,15 @@ std::optional<QString> whyNotReplaceable(const BundleInfo& current, const fs::pa
   if (fs::is_symlink(replacement) || !fs::is_directory(replacement) || leadsOutside(replacement))
     return QObject::tr("The update is not a self-contained application bundle.");
   if (!fs::is_regular_file(replacement / current.executable))
-    return QObject::tr("The update does not contain the program %1.").arg(shown(current.executable));
+    return QObject::tr("The update does not contain the program %1.").arg(toText(current.executable));
   if (replacement.filename() != url.filename())
     return QObject::tr("The application's folder must be called %1 to be updated; it is called %2.")
-        .arg(shown(replacement.filename()), shown(url.filename()));
+        .arg(toText(replacement.filename()), toText(url.filename()));
   if (const auto failure = removeLeftOvers(current)) return QString::fromStdString(failure->reason);
   for (const char* ending : {".old", ".new"})
-    if (isThere(url.string() + ending)) return QObject::tr("%1 is in the way.").arg(shown(url.string() + ending));
+    if (isThere(url.string() + ending)) return QObject::tr("%1 is in the way.").arg(toText(url.string() + ending));
   if (::access(url.parent_path().c_str(), W_OK) != 0)
-    return QObject::tr("You may not write to the folder %1.").arg(shown(url.parent_path()));
+    return QObject::tr("You may not write to the folder %1.").arg(toText(url.parent_path()));
   return {};
 }
 

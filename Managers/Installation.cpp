@@ -12,6 +12,7 @@
 #include "Managers/ArchiveCheck.h"
 #include "Managers/BundleCheck.h"
 #include "Managers/InstallerScript.h"
+#include "Managers/Paths.h"
 #include "Managers/ToolProcess.h"
 #include "Managers/TreeDigest.h"
 #include "Managers/Unpacking.h"
@@ -31,10 +32,6 @@ UpdateError failed(const QString& reason) {
 
 UpdateError failed(const Failure& failure) {
   return failed(QString::fromStdString(failure.reason));
-}
-
-QString shown(const fs::path& path) {
-  return QString::fromStdString(path.string());
 }
 
 std::string installerScript(const BundleInfo& current, const fs::path& replacement,
@@ -65,7 +62,8 @@ Outcome startInstaller(const Installation& installation) try {
   // One opening for all: what is checked is what is unpacked, whatever takes the file's name meanwhile.
   const FileDescriptor archive(::open(installation.archive.toStdString().c_str(), O_RDONLY | O_CLOEXEC));
   const bool mustBeSigned = !installation.publicKeys.empty();
-  if (mustBeSigned && !isFileSigned(shown(descriptorPath(archive)), installation.signature, installation.publicKeys))
+  if (mustBeSigned &&
+      !isFileSigned(toText(descriptorPath(archive.get())), installation.signature, installation.publicKeys))
     return UpdateError{UpdateError::Case::downloadFailed, wrongSignature()};
   if (!archive.isOpen()) return failed(cannotExtract);
 
@@ -74,7 +72,7 @@ Outcome startInstaller(const Installation& installation) try {
   std::error_code ignored;
   fs::remove_all(extracted, ignored);
   fs::create_directories(extracted);
-  const auto content = readContent(descriptorPath(archive));
+  const auto content = readContent(descriptorPath(archive.get()));
   if (!content) return failed(content.failure());
   if (const auto reason = whyNoRoom(*content, extracted, current.url->parent_path())) return failed(*reason);
   if (const auto reason = unpack(archive, *content, extracted)) return failed(*reason);

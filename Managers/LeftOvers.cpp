@@ -10,6 +10,7 @@
 #include <system_error>
 #include <vector>
 
+#include "Managers/Paths.h"
 #include "Platform/FileBytes.h"
 #include "Platform/FileDescriptor.h"
 
@@ -36,10 +37,6 @@ class FolderLock {
 bool isThisUsers(const fs::path& folder) {
   struct stat status {};
   return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
-}
-
-bool isThere(const fs::path& path) {
-  return fs::exists(fs::symlink_status(path));
 }
 
 /// The file beside a bundle that an installation makes, and removes when nothing else of it is left. Without it, a

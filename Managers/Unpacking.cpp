@@ -38,10 +38,6 @@ void limitFiles(std::uint64_t bytes) {
 
 }  // namespace
 
-fs::path descriptorPath(const FileDescriptor& file) {
-  return "/proc/self/fd/" + std::to_string(file.get());
-}
-
 std::optional<QString> whyNoRoom(const ArchiveContent& content, const fs::path& folder, const fs::path& destination) {
   struct stat here {};
   struct stat there {};
@@ -68,7 +64,7 @@ std::optional<QString> unpack(const FileDescriptor& archive, const ArchiveConten
     ::fcntl(archive.get(), F_SETFD, 0);  // stays open in unzip
   });
   unzip.setProcessChannelMode(QProcess::MergedChannels);
-  unzip.start("/usr/bin/unzip", {"-q", QString::fromStdString(descriptorPath(archive).string()), "-d",
+  unzip.start("/usr/bin/unzip", {"-q", QString::fromStdString(descriptorPath(archive.get()).string()), "-d",
                                  QString::fromStdString(folder.string())});
   if (!unzip.waitForStarted()) return "/usr/bin/unzip: " + unzip.errorString();
   constexpr int milliseconds = 200;

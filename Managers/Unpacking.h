@@ -7,9 +7,6 @@
 #include "Managers/ArchiveCheck.h"
 #include "Platform/FileDescriptor.h"
 
-/// The path by which a process opens the file of one of its own descriptors, whatever has become of its name.
-[[nodiscard]] std::filesystem::path descriptorPath(const FileDescriptor& file);
-
 /// Why there is no room on the disk for `content` both in `folder` and, once more, in `destination`.
 [[nodiscard]] std::optional<QString> whyNoRoom(const ArchiveContent& content, const std::filesystem::path& folder,
                                                const std::filesystem::path& destination);

@@ -7,6 +7,7 @@
 #include "Managers/Installation.h"
 #include "Managers/ManifestDate.h"
 #include "Managers/ManifestTransfer.h"
+#include "Managers/Paths.h"
 #include "Managers/UpdateSignature.h"
 #include "Platform/PrivateFolder.h"
 
@@ -23,10 +24,6 @@ using State = UpdateState::Case;
 using Error = UpdateError::Case;
 
 constexpr int httpOk = 200;
-
-QString shown(const fs::path& path) {
-  return QString::fromStdString(path.string());
-}
 
 }  // namespace
 
@@ -111,15 +108,15 @@ void UpdateManager::handleManifest(const QByteArray& json, bool isExplicitCheck)
   // A date to come, once remembered, would shut out all right ones.
   if (newest != date && isPossible(*date, today)) settings_.setValue(newestManifestKey, date->toString(Qt::ISODate));
   const auto reason = whyNoProof(*date, today);
-  if (reason && !isOffer(info)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
+  if (reason && !isNewerThanRunning(info)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
   handleVersionInfo(info);
 }
 
 void UpdateManager::handleVersionInfo(const VersionInfo& info) {
-  set(isOffer(info) ? UpdateState{.kind = State::updateAvailable, .info = info} : UpdateState());
+  set(isNewerThanRunning(info) ? UpdateState{.kind = State::updateAvailable, .info = info} : UpdateState());
 }
 
-bool UpdateManager::isOffer(const VersionInfo& info) const {
+bool UpdateManager::isNewerThanRunning(const VersionInfo& info) const {
   return isNewer({info.version, info.build}, {*currentVersion, *currentBuild});
 }
 
@@ -153,7 +150,7 @@ void UpdateManager::downloadUpdate(const VersionInfo& info) {
   stopDownload();
   const auto folder = privateTemporaryFolder();
   if (!folder) return didCompleteWithError(QString::fromStdString(folder.failure().reason));
-  download_ = std::make_unique<QTemporaryFile>(shown(*folder / "download-XXXXXX"));
+  download_ = std::make_unique<QTemporaryFile>(toText(*folder / "download-XXXXXX"));
   if (!download_->open()) return didCompleteWithError(download_->errorString());
   downloadTask = std::make_unique<HttpTransfer>(
       session_, *url,
@@ -207,11 +204,11 @@ void UpdateManager::storeArchive(const QString& location) {
   fs::create_directories(folder, error);
   fs::remove(archive, error);
   if (!error) fs::rename(location.toStdString(), archive, error);
-  if (error) return didCompleteWithError(shown(archive) + ": " + QString::fromStdString(error.message()));
-  updateDirectory = QUrl::fromLocalFile(shown(folder));
+  if (error) return didCompleteWithError(toText(archive) + ": " + QString::fromStdString(error.message()));
+  updateDirectory = QUrl::fromLocalFile(toText(folder));
   post(pendingVersionInfo ? UpdateState{.kind = State::downloaded,
                                         .info = *pendingVersionInfo,
-                                        .archive = QUrl::fromLocalFile(shown(archive))}
+                                        .archive = QUrl::fromLocalFile(toText(archive))}
                           : UpdateState());
 }
 

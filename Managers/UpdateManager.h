@@ -97,7 +97,7 @@ class UpdateManager : public QObject {
   void handleManifest(const QByteArray& json, bool isExplicitCheck);
   void handleVersionInfo(const VersionInfo& info);
   void failCheck(const UpdateError& error, bool isExplicitCheck);
-  [[nodiscard]] bool isOffer(const VersionInfo& info) const;
+  [[nodiscard]] bool isNewerThanRunning(const VersionInfo& info) const;
   [[nodiscard]] std::optional<QDate> newestManifest();
 
   void stopDownload();

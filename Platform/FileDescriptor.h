@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <filesystem>
+#include <string>
 #include <utility>
 
 /// Owner of an open file descriptor; -1 stands for none.
@@ -27,3 +29,8 @@ class FileDescriptor {
  private:
   int descriptor_;
 };
+
+/// The path by which a process opens the file of one of its own descriptors, whatever has become of the file's name.
+[[nodiscard]] inline std::filesystem::path descriptorPath(int descriptor) {
+  return "/proc/self/fd/" + std::to_string(descriptor);
+}

@@ -17,11 +17,6 @@ using std::filesystem::path;
 
 constexpr std::string_view prefix = ".gavrel-";
 
-/// The path under which the system lets a file without a name be given one.
-path nameless(int descriptor) {
-  return "/proc/self/fd/" + std::to_string(descriptor);
-}
-
 /// Whether `name` is that of a temporary file, and its process is not there any more or began after the file.
 bool isLeftOver(const std::string& name, const struct stat& status) {
   constexpr time_t longestPause = 600;  // of somebody who still writes, in seconds, and of clocks that differ
@@ -72,7 +67,7 @@ TemporaryFile::~TemporaryFile() {
 
 int TemporaryFile::moveTo(const path& target, bool replaces) {
   const auto link = [this](const path& to) {
-    return ::linkat(AT_FDCWD, nameless(file.get()).c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    return ::linkat(AT_FDCWD, descriptorPath(file.get()).c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) == 0;
   };
   const Uninterrupted moment;
   if (name_.empty()) {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+#include <filesystem>
+
+/// A path as a text for Qt and for messages.
+[[nodiscard]] inline QString toText(const std::filesystem::path& path) {
+  return QString::fromStdString(path.string());
+}
+
+/// Whether anything stands at the path, be it a link that leads nowhere.
+[[nodiscard]] inline bool isThere(const std::filesystem::path& path) {
+  return std::filesystem::exists(std::filesystem::symlink_status(path));
+}
