@@ -9,6 +9,8 @@
 
 #include "Platform/Fatal.h"
 
+namespace gavrel {
+
 BundleInfo mainBundle() {
   return BundleInfo::findAround(
       runningProgram(),
@@ -81,3 +83,5 @@ void GavrelApp::restart() {
   window.setProperty("asksBeforeClosing", false);
   QCoreApplication::quit();
 }
+
+}  // namespace gavrel

@@ -12,6 +12,8 @@
 #include "Workbench/RecentFiles.h"
 #include "Workbench/Recovery.h"
 
+namespace gavrel {
+
 /// The bundle that the program runs from; without one, the name and version that it was built with.
 [[nodiscard]] BundleInfo mainBundle();
 
@@ -40,3 +42,5 @@ class GavrelApp : public QObject {
 
   QQmlApplicationEngine engine_;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "CommandLine/NumberOption.h"
 #include "CommandLine/ParseEnd.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr int largestPicture = 16384;  // pixels a side, what every graphics driver takes
@@ -63,3 +65,5 @@ std::variant<Options, int> readOptions(int argc, char** argv, const std::string&
   }
   return options;
 }
+
+}  // namespace gavrel

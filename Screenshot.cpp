@@ -11,6 +11,8 @@
 #include "PreviewContent/ProjectViewModel.h"
 #include "Workbench/PngFile.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr int failure = 1;
@@ -47,3 +49,5 @@ int writeScreenshot(const Options& options) {
   if (const auto reason = replaceFile(*options.screenshot, *png)) return fail(reason->reason);
   return 0;
 }
+
+}  // namespace gavrel

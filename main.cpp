@@ -19,6 +19,8 @@ Q_IMPORT_QML_PLUGIN(Gavrel_ViewportPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_WorkbenchPlugin)
 
+using namespace gavrel;
+
 namespace {
 
 /// Checked first, since Qt aborts the process without a display: this prints a line and gives an exit status instead.

@@ -2,6 +2,8 @@
 
 #include "CommandLine/Structures/Lattice.h"
 
+namespace gavrel {
+
 /// The lattice of non-linear bars that all figures are taken on, pulled along x so strongly that a solve needs several
 /// steps.
 inline Lattice benchmarkLattice(int nodesPerEdge) {
@@ -11,3 +13,5 @@ inline Lattice benchmarkLattice(int nodesPerEdge) {
   lattice.bars.isNonLinear = true;
   return lattice;
 }
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "DataModel/Solver.h"
 #include "Diagnosis/StructureCheck.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// What looking at a structure costs beside its solve, of which the check is one.

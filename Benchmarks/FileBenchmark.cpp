@@ -7,6 +7,8 @@
 #include "Benchmarks/Stopwatch.h"
 #include "DataModel/ProjectFile.h"
 
+using namespace gavrel;
+
 namespace {
 
 void file(benchmark::State& state) {

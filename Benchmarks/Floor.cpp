@@ -6,6 +6,8 @@
 
 #include "Benchmarks/Stopwatch.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::int64_t translations = 3;
@@ -72,3 +74,5 @@ Floor Floor::measure(const CSR& H_II) {
   if (!positiveDefinite) throw std::runtime_error("CHOLMOD did not factorize the lattice");
   return floor;
 }
+
+}  // namespace gavrel

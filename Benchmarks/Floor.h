@@ -2,6 +2,8 @@
 
 #include "DataModel/CSR.h"
 
+namespace gavrel {
+
 /// What CHOLMOD alone needs for the same structure: the matrix with three unknowns a node, handed over ready made.
 struct Floor {
   double analysis = 0;
@@ -10,3 +12,5 @@ struct Floor {
 
   [[nodiscard]] static Floor measure(const CSR& H_II);
 };
+
+}  // namespace gavrel

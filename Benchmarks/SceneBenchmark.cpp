@@ -9,6 +9,8 @@
 #include "PreviewContent/SceneContents.h"
 #include "Scene/OrbitCamera.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr int picks = 50;

@@ -13,6 +13,8 @@
 #include "Benchmarks/Stopwatch.h"
 #include "Platform/SparseCholesky.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// Sends standard output nowhere while it lives, so that a solve's lines do not mix with the table.

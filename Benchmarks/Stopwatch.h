@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+namespace gavrel {
+
 class Stopwatch {
  public:
   /// Seconds since the last lap or the start.
@@ -16,3 +18,5 @@ class Stopwatch {
   using Clock = std::chrono::steady_clock;
   Clock::time_point last_ = Clock::now();
 };
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <set>
 
+namespace gavrel {
+
 namespace {
 
 struct Line {
@@ -105,3 +107,5 @@ void Table::Finalize() {
     std::printf("\n");
   }
 }
+
+}  // namespace gavrel

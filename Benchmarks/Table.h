@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 /// Collects the counters of all repetitions and prints their medians as one table: a line for each figure, a column for
 /// each lattice.
 class Table : public benchmark::BenchmarkReporter {
@@ -18,3 +20,5 @@ class Table : public benchmark::BenchmarkReporter {
   using Repetitions = std::vector<double>;
   std::map<std::string, std::map<int, Repetitions>> figures_;  // by figure, then by nodes along an edge
 };
+
+}  // namespace gavrel

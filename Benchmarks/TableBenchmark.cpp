@@ -6,6 +6,8 @@
 #include "Benchmarks/Stopwatch.h"
 #include "Workbench/ResultTable.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr double milli = 1e-3;

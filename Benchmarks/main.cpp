@@ -5,6 +5,8 @@
 
 #include "Benchmarks/Table.h"
 
+using namespace gavrel;
+
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

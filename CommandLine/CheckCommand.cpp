@@ -7,6 +7,8 @@
 #include "Diagnosis/StructureCheck.h"
 #include "Platform/JsonWriter.h"
 
+namespace gavrel {
+
 namespace {
 
 struct CheckOptions {
@@ -70,3 +72,5 @@ void addCheckCommand(CLI::App& app, int& status) {
   command->footer("Example:\n  gavrel-cli check Examples/ten-bar-truss.json");
   command->callback([options, &status] { status = check(*options); });
 }
+
+}  // namespace gavrel

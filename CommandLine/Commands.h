@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+namespace gavrel {
+
 /// Exit statuses of gavrel-cli.
 namespace exitStatus {
 inline constexpr int success = 0;
@@ -18,3 +20,5 @@ void addExportCommand(CLI::App& app, int& status);
 void addImportCommand(CLI::App& app, int& status);
 void addInfoCommand(CLI::App& app, int& status);
 void addGenerateCommand(CLI::App& app, int& status);
+
+}  // namespace gavrel

@@ -16,6 +16,8 @@
 #include "Platform/OutputFiles.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 struct ExportOptions {
@@ -116,3 +118,5 @@ void addExportCommand(CLI::App& app, int& status) {
       "Example:\n  gavrel-cli export bridge.json --nodes nodes.csv --elements elements.csv --vtu bridge.vtu");
   command->callback([options, &status] { status = exportModel(*options); });
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "CommandLine/Commands.h"
 #include "DataModel/ProjectFile.h"
 
+namespace gavrel {
+
 int printFailure(const char* what, const Failure& failure) {
   std::fprintf(stderr, "%s: %s\n", what, failure.reason.c_str());
   return exitStatus::failure;
@@ -16,3 +18,5 @@ std::shared_ptr<Project> readOrPrintFailure(const std::string& file) {
   printFailure("Failed to load project", read.failure());
   return nullptr;
 }
+
+}  // namespace gavrel

@@ -13,6 +13,8 @@
 #include "DataModel/ProjectFile.h"
 #include "Platform/OutputFiles.h"
 
+namespace gavrel {
+
 namespace {
 
 const CLI::Validator positive = exactNumber("positive number", [](double value) { return value > 0; });
@@ -164,3 +166,5 @@ void addGenerateCommand(CLI::App& app, int& status) {
   addDome(*generate, status);
   addCableNet(*generate, status);
 }
+
+}  // namespace gavrel

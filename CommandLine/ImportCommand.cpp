@@ -11,6 +11,8 @@
 #include "Platform/OutputFiles.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 struct ImportOptions {
@@ -67,3 +69,5 @@ void addImportCommand(CLI::App& app, int& status) {
   command->footer("Example:\n  gavrel-cli import nodes.csv members.csv --output frame.json");
   command->callback([options, &status] { status = import(*options); });
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "CommandLine/FileName.h"
 #include "CommandLine/ModelFacts.h"
 
+namespace gavrel {
+
 namespace {
 
 struct InfoOptions {
@@ -30,3 +32,5 @@ void addInfoCommand(CLI::App& app, int& status) {
   command->footer("Example:\n  gavrel-cli info Examples/ten-bar-truss.json --json");
   command->callback([options, &status] { status = info(*options); });
 }
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <ranges>
 
+namespace gavrel {
+
 namespace {
 
 std::optional<ModelFacts::Extents> measureExtents(const Project& project) {
@@ -50,3 +52,5 @@ ModelFacts ModelFacts::gather(const Project& project) {
   facts.arrayLengths = ArrayLengths::check(project);
   return facts;
 }
+
+}  // namespace gavrel

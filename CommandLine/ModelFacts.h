@@ -9,6 +9,8 @@
 #include "DataModel/Connectivity.h"
 #include "DataModel/Project.h"
 
+namespace gavrel {
+
 /// What can be said of a project without solving it.
 struct ModelFacts {
   struct Extents {
@@ -39,3 +41,5 @@ struct ModelFacts {
   /// the array lengths the misfits.
   [[nodiscard]] std::string toJson() const;
 };
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t labelWidth = 24;
@@ -114,3 +116,5 @@ std::string ModelFacts::toJson() const {
   json.end();
   return json.take();
 }
+
+}  // namespace gavrel

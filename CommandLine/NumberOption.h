@@ -9,6 +9,8 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 /// To be given to an option's `transform`, which otherwise rounds twice and takes 010 for 8. Accepts the finite numbers
 /// for which `allowed` holds and hands on the one double that parseNumber reads; `kind` says what is wanted otherwise.
 [[nodiscard]] inline CLI::Validator exactNumber(const std::string& kind, std::function<bool(double)> allowed) {
@@ -34,3 +36,5 @@
           },
           "INT in " + range};
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "CommandLine/Commands.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 /// Flushes standard output; exitStatus::failure, after a line on standard error, if not all of it could be written.
 [[nodiscard]] inline int flushOutput() {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return exitStatus::success;
@@ -22,3 +24,5 @@
   app.exit(error);
   return flushOutput();
 }
+
+}  // namespace gavrel

@@ -15,6 +15,8 @@
 #include "Platform/OutputFiles.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 struct SolveOptions {
@@ -90,3 +92,5 @@ void addSolveCommand(CLI::App& app, int& status) {
   command->footer("Example:\n  gavrel-cli solve Examples/ten-bar-truss.json --output result.json --strict");
   command->callback([options, &status] { status = solve(*options); });
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "DataModel/ProjectFile.h"
 
+namespace gavrel {
+
 namespace {
 
 /// The element whose axial force, times `sign`, is largest and above zero.
@@ -60,3 +62,5 @@ void SolveResult::write(JsonWriter& json) const {
   writeElements(json, *project.beamElements);
   json.end();
 }
+
+}  // namespace gavrel

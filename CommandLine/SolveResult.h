@@ -6,6 +6,8 @@
 #include "DataModel/Project.h"
 #include "Platform/JsonWriter.h"
 
+namespace gavrel {
+
 /// A project after its solve, with the norms that the solve printed.
 struct SolveResult {
   /// A value and the node or element where it occurs; index -1 if there is none.
@@ -29,3 +31,5 @@ struct SolveResult {
   /// numbers that are not finite become null.
   void write(JsonWriter& json) const;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "Platform/ShownText.h"
 #include "Platform/Signals.h"
 
+using namespace gavrel;
+
 namespace {
 
 int run(int argc, char** argv) {

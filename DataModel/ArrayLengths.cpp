@@ -1,5 +1,7 @@
 #include "DataModel/ArrayLengths.h"
 
+namespace gavrel {
+
 namespace {
 
 std::string counted(std::int64_t number, const std::string& one, const std::string& many) {
@@ -41,3 +43,5 @@ Result<std::vector<std::string>> fitArrays(Project& project) {
   }
   return lines;
 }
+
+}  // namespace gavrel

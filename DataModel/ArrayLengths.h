@@ -8,6 +8,8 @@
 #include "DataModel/Project.h"
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// How many entries X_I, F_I and D_I have beside those that the nodes need. A file may hold any number of them; what is
 /// appended to arrays that do not fit would count for other nodes than those it is meant for.
 struct ArrayLengths {
@@ -32,3 +34,5 @@ struct ArrayLengths {
 /// and returns a line for each array that was filled. Fails, and changes nothing, where there are more entries than the
 /// nodes have, since nothing tells what they belong to.
 [[nodiscard]] Result<std::vector<std::string>> fitArrays(Project& project);
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "DataModel/ElementDofs.h"
 #include "Platform/Console.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t n = 2 * dofsPerNode;
@@ -86,3 +88,5 @@ void BeamElement::makeAssembly(std::vector<double>& R_I, CSR& H_II, const std::v
   constexpr std::array<double, n> F_v{};
   H_II.makeAssembly(stiffness(*this), F_v, I_v, R_I, D_I, vv_J);
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "DataModel/ElementRecord.h"
 #include "DataModel/Vector3.h"
 
+namespace gavrel {
+
 /// A beam with bending and torsion between two nodes. The stiffness factors EA, EIz, EIy and GJ are divided by the
 /// length once; GJ is formed with `inertiaY`. The solver writes the last six fields. Only those and `isNonLinear`
 /// change after construction.
@@ -72,7 +74,9 @@ struct BeamElement {
       ElementField{"dθz", &BeamElement::dθz});
 };
 
+}  // namespace gavrel
+
 template <>
-struct std::hash<BeamElement> {
-  std::size_t operator()(const BeamElement& beam) const { return hashOfFields(beam); }
+struct std::hash<gavrel::BeamElement> {
+  std::size_t operator()(const gavrel::BeamElement& beam) const { return hashOfFields(beam); }
 };

@@ -4,6 +4,8 @@
 
 #include "Platform/Fatal.h"
 
+namespace gavrel {
+
 std::int64_t firstDof(std::int64_t node) {
   return checkedProduct(dofsPerNode, node, 0, "a node number is too large to number its degrees of freedom");
 }
@@ -53,3 +55,5 @@ void CSR::makeAssembly(std::span<const double> H_vv, std::span<const double> F_v
     }
   }
 }
+
+}  // namespace gavrel

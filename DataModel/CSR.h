@@ -4,6 +4,8 @@
 #include <span>
 #include <vector>
 
+namespace gavrel {
+
 struct TrussElement;
 struct BeamElement;
 
@@ -49,3 +51,5 @@ class CSR {
   void makeAssembly(std::span<const double> H_vv, std::span<const double> F_v, std::span<const std::int64_t> I_v,
                     std::vector<double>& R_I, const std::vector<bool>& D_I, std::vector<std::int64_t>& vv_J);
 };
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <tuple>
 
+namespace gavrel {
+
 namespace {
 
 using Positions = std::vector<std::int64_t>;
@@ -77,3 +79,5 @@ Connectivity Connectivity::examine(const Project& project) {
   }
   return found;
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 
 #include "DataModel/Project.h"
 
+namespace gavrel {
+
 /// How a project's elements join its nodes. Elements are named by their position in their list.
 struct Connectivity {
   std::vector<std::int64_t> zeroLengthTrusses;
@@ -18,3 +20,5 @@ struct Connectivity {
 
   [[nodiscard]] static Connectivity examine(const Project& project);
 };
+
+}  // namespace gavrel

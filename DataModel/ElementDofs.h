@@ -7,6 +7,8 @@
 #include "DataModel/CSR.h"
 #include "Platform/Fatal.h"
 
+namespace gavrel {
+
 /// The first `perNode` degrees of freedom of an element's two nodes.
 template <std::size_t perNode>
 struct ElementDofs {
@@ -25,3 +27,5 @@ struct ElementDofs {
     }
   }
 };
+
+}  // namespace gavrel

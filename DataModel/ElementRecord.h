@@ -7,6 +7,8 @@
 #include <tuple>
 #include <type_traits>
 
+namespace gavrel {
+
 /// What trusses and beams have in common: records whose fields, in declaration order, stand in one table that file
 /// writing, file reading and hashing walk.
 
@@ -47,3 +49,5 @@ template <class Record>
   });
   return static_cast<std::size_t>(hash);
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "Platform/Fatal.h"
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 /// Position of the first of a node's three consecutive entries in an array of the given length; none when they end
@@ -164,3 +166,5 @@ std::vector<std::int64_t> Project::positionsOut() const {
     if ((*trussElements)[i].isOut()) out.push_back(static_cast<std::int64_t>(i));
   return out;
 }
+
+}  // namespace gavrel

@@ -13,6 +13,8 @@
 #include "DataModel/Vector3.h"
 #include "Platform/Observable.h"
 
+namespace gavrel {
+
 /// The structural model in memory. Solver solves it.
 ///
 /// A node is known by its position n in creation order. `X_I` holds three coordinates per node, all other arrays six
@@ -107,3 +109,5 @@ class Project : public Observable {
 
 /// "node 3, translation along z".
 [[nodiscard]] std::string describeDof(std::int64_t dof);
+
+}  // namespace gavrel

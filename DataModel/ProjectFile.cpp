@@ -8,6 +8,8 @@
 #include "Platform/JsonReader.h"
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 std::string notFinite(const std::string& where, double number) {
@@ -186,3 +188,5 @@ Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) 
 } catch (const std::bad_alloc&) {
   return Failure{"not enough memory"};
 }
+
+}  // namespace gavrel

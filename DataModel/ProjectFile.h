@@ -12,6 +12,8 @@
 #include "Platform/JsonWriter.h"
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// What is kept of a project.
 struct ProjectContents {
   std::string name;
@@ -66,3 +68,5 @@ void writeElements(JsonWriter& json, const std::vector<Record>& elements) {
   }
   json.end();
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 /// Why a solve cannot go on.
 struct SolveFault {
   enum class Kind {
@@ -44,3 +46,5 @@ struct SolveOutcome {
   /// Whether it did all its steps for nothing.
   [[nodiscard]] bool isInVain() const { return !fault && !converged; }
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "Platform/Fatal.h"
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 double norm(const std::vector<double>& vector) {
@@ -137,3 +139,5 @@ Solver::MaybeFault Solver::LinearSolve() {
   cholesky_.dropFactor();
   return std::nullopt;
 }
+
+}  // namespace gavrel

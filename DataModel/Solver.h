@@ -7,6 +7,8 @@
 #include "DataModel/SolveOutcome.h"
 #include "Platform/SparseCholesky.h"
 
+namespace gavrel {
+
 /// One solve of a project: gives it a matrix, does the steps on its arrays, and keeps the factorization's analysis from
 /// one step to the next. Prints nothing, and tells of a structure that cannot be factorized instead of ending the
 /// process.
@@ -46,3 +48,5 @@ class Solver {
   Project& project_;
   SparseCholesky cholesky_;
 };
+
+}  // namespace gavrel

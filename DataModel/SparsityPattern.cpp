@@ -7,6 +7,8 @@
 #include "DataModel/TrussElement.h"
 #include "Platform/Fatal.h"
 
+namespace gavrel {
+
 namespace {
 
 /// Ends the process unless all unknowns of the node have a row and a 32-bit number.
@@ -80,3 +82,5 @@ std::vector<std::int32_t> CSR::DistinctAtOrdered(const std::vector<std::int32_t>
   }
   return distinct;
 }
+
+}  // namespace gavrel

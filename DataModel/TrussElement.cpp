@@ -7,6 +7,8 @@
 #include "DataModel/ElementDofs.h"
 #include "Platform/Console.h"
 
+namespace gavrel {
+
 TrussElement::TrussElement(std::int64_t id_, std::int64_t startNodeId_, std::int64_t endNodeId_,
                            const Vector3& startNodeCoordinates, const Vector3& endNodeCoordinates, double area_,
                            double youngModulus, bool isCompressionOnly_, bool isNonLinear_)
@@ -79,3 +81,5 @@ void TrussElement::makeAssembly(std::vector<double>& R_I, CSR& H_II, const std::
   }
   H_II.makeAssembly(H_vv, F_v, I_v, R_I, D_I, vv_J);
 }
+
+}  // namespace gavrel

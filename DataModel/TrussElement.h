@@ -9,6 +9,8 @@
 #include "DataModel/ElementRecord.h"
 #include "DataModel/Vector3.h"
 
+namespace gavrel {
+
 /// An axial bar between two nodes. The record keeps the undeformed geometry as a difference vector (start minus end)
 /// and section and material folded into one factor; the solver writes the last four floating fields. Only those and
 /// `isNonLinear` change after construction.
@@ -76,7 +78,9 @@ struct TrussElement {
       ElementField{"isNonLinear", &TrussElement::isNonLinear});
 };
 
+}  // namespace gavrel
+
 template <>
-struct std::hash<TrussElement> {
-  std::size_t operator()(const TrussElement& truss) const { return hashOfFields(truss); }
+struct std::hash<gavrel::TrussElement> {
+  std::size_t operator()(const gavrel::TrussElement& truss) const { return hashOfFields(truss); }
 };

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace gavrel {
+
 /// A point, displacement or force in global axes, in consistent user units.
 struct Vector3 {
   double x = 0;
@@ -30,3 +32,5 @@ struct Vector3 {
 [[nodiscard]] inline double length(const Vector3& v) {
   return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
 }
+
+}  // namespace gavrel

@@ -2,6 +2,8 @@
 
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 bool isSerious(const Finding& finding) {
   return finding.consequence != Finding::Consequence::Doubtful;
 }
@@ -58,3 +60,5 @@ std::vector<std::int64_t> collectMarked(const std::vector<bool>& marked) {
     if (marked[i]) positions.push_back(static_cast<std::int64_t>(i));
   return positions;
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gavrel {
+
 /// Something in a structure that a solve would stumble over, with the nodes and elements concerned by their position.
 struct Finding {
   /// From the worst to the mildest.
@@ -41,3 +43,5 @@ struct Finding {
 
 /// The positions that are true.
 [[nodiscard]] std::vector<std::int64_t> collectMarked(const std::vector<bool>& marked);
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "Diagnosis/StructureCheck.h"
 
+namespace gavrel {
+
 namespace {
 
 using enum Finding::Consequence;
@@ -218,3 +220,5 @@ Finding lackOfEquilibrium(const Project& solved, const SolveOutcome& outcome) {
               "there.",
           left.nodes};
 }
+
+}  // namespace gavrel

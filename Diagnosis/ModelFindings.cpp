@@ -4,6 +4,8 @@
 #include "DataModel/ArrayLengths.h"
 #include "Diagnosis/StructureCheck.h"
 
+namespace gavrel {
+
 namespace {
 
 using enum Finding::Consequence;
@@ -161,3 +163,5 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
   addBeams(Doubtful, "Repeated beams", connectivity.repeatedBeams, repeated);
   return findings;
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "DataModel/Solver.h"
 #include "Diagnosis/StructureCheck.h"
 
+namespace gavrel {
+
 namespace {
 
 /// Where the elimination leaves no less than this of each stiffness, it leaves no mechanism unseen.
@@ -59,3 +61,5 @@ std::optional<Finding> inspectMovement(const Project& project, const SolveOutcom
                      "brace or support it there.",
                  {node}};
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "DataModel/Solver.h"
 #include "Diagnosis/StructureCheck.h"
 
+namespace gavrel {
+
 namespace {
 
 using enum Finding::Consequence;
@@ -239,3 +241,5 @@ std::vector<Finding> inspectStiffness(const Project& solved, const SolveOutcome&
   if (!freedom.parts.empty()) findings.push_back(freedom.describe(solved, looseEnds ? EndsProgram : ofLoss));
   return findings;
 }
+
+}  // namespace gavrel

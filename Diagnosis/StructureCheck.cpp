@@ -4,6 +4,8 @@
 
 #include "DataModel/Solver.h"
 
+namespace gavrel {
+
 namespace {
 
 using enum Finding::Consequence;
@@ -54,3 +56,5 @@ StructureCheck StructureCheck::inspectAndSolve(const Project& project, const Pro
   std::ranges::stable_sort(check.findings, {}, &Finding::consequence);
   return check;
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "DataModel/SolveOutcome.h"
 #include "Diagnosis/Finding.h"
 
+namespace gavrel {
+
 /// A look at a structure before it is solved, and the solve itself on a copy, which ends nothing.
 struct StructureCheck {
   std::vector<Finding> findings;  ///< the worst first
@@ -62,3 +64,5 @@ struct Freedom {
 
 /// What a solve in vain has left over, where nothing else explains it.
 [[nodiscard]] Finding lackOfEquilibrium(const Project& solved, const SolveOutcome& outcome);
+
+}  // namespace gavrel

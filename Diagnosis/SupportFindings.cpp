@@ -5,6 +5,8 @@
 
 #include "Diagnosis/StructureCheck.h"
 
+namespace gavrel {
+
 namespace {
 
 using Movement = std::array<double, 6>;  // of a rigid body: translations along x, y, z and turns about x, y, z
@@ -156,3 +158,5 @@ Finding Freedom::describe(const Project& project, Finding::Consequence consequen
   return {consequence, anyRestraint ? "Too few supports" : "No supports",
           what + describeEnding(consequence) + "restrain more directions.", std::move(nodes)};
 }
+
+}  // namespace gavrel

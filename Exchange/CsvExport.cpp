@@ -2,6 +2,8 @@
 #include "Exchange/TableColumn.h"
 #include "Platform/AtomicFile.h"
 
+namespace gavrel {
+
 namespace {
 
 std::optional<Failure> writeTable(const Project& project, std::span<const TableColumn> columns, std::int64_t rows,
@@ -38,3 +40,5 @@ std::optional<Failure> exportNodes(const Project& project, const std::filesystem
 std::optional<Failure> exportElements(const Project& project, const std::filesystem::path& path, Results results) {
   return writeTable(project, elementColumns(), elementCount(project), path, results);
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 /// Reads the fields of one row by the names of their columns.
@@ -178,3 +180,5 @@ void addMembers(const CsvTable& table, Draft& draft) {
   });
   remarkOnUnknown(table, elementColumns(), draft);
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "Exchange/Draft.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 char findSeparator(std::string_view heading) {
@@ -104,3 +106,5 @@ std::size_t CsvTable::split(std::string_view line, Row& row, std::size_t maxFiel
     line.remove_prefix(1);
   }
 }
+
+}  // namespace gavrel

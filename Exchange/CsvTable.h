@@ -9,6 +9,8 @@
 
 #include "Exchange/Lines.h"
 
+namespace gavrel {
+
 /// A file of values with a heading. It keeps the file's text alone: rows are taken out of it one by one.
 class CsvTable {
  public:
@@ -51,3 +53,5 @@ class CsvTable {
   std::vector<std::string> names_;
   char separator_ = ',';
 };
+
+}  // namespace gavrel

@@ -12,6 +12,8 @@
 #include "Exchange/CsvTable.h"
 #include "Exchange/Import.h"
 
+namespace gavrel {
+
 /// What files add to a project, before it is added. Nodes are numbered as they will be in the project.
 struct Draft {
   struct Node {
@@ -52,3 +54,5 @@ struct ImportError : std::runtime_error {
 void addNodes(const CsvTable& table, Draft& draft);
 void addMembers(const CsvTable& table, Draft& draft);
 void addDrawing(std::string_view dxf, Draft& draft);
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 DxfGroup DxfGroup::read(Lines& lines) {
   const auto code = lines.next();
   if (!code) throw ImportError("line " + std::to_string(lines.number()) + ": the file ends before its EOF");
@@ -110,3 +112,5 @@ bool DxfEntities::next(DxfEntity& entity) {
   }
   return false;
 }
+
+}  // namespace gavrel

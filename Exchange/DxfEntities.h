@@ -8,6 +8,8 @@
 #include "DataModel/Vector3.h"
 #include "Exchange/Lines.h"
 
+namespace gavrel {
+
 /// A line with a group code and the line with its value.
 struct DxfGroup {
   int code = 0;
@@ -69,3 +71,5 @@ class DxfEntities {
   bool ended_ = false;
   DxfGroup start_;  // of the next entity; without a line before there is one
 };
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "Exchange/Places.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 /// A row of points that lines join.
@@ -156,3 +158,5 @@ void addDrawing(std::string_view dxf, Draft& draft) {
   remark(withoutLength, "lines without length left out.");
   remark(repeated, "lines left out that join two nodes again.");
 }
+
+}  // namespace gavrel

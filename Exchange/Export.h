@@ -6,6 +6,8 @@
 #include "DataModel/Project.h"
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// What becomes of displacements, strains and forces: of a project that was not solved they say nothing.
 enum class Results { written, leftOut };
 
@@ -31,3 +33,5 @@ enum class Results { written, leftOut };
 /// compression-only bar, 2 beam). Elements that name unknown nodes are left out.
 [[nodiscard]] std::optional<Failure> exportVtu(const Project& project, const std::filesystem::path& path,
                                                Results results = Results::written);
+
+}  // namespace gavrel

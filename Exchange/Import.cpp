@@ -10,6 +10,8 @@
 #include "Platform/FileBytes.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 bool isDrawing(const std::filesystem::path& file) {
@@ -113,3 +115,5 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
     return Failure{"not enough memory"};
   }
 }
+
+}  // namespace gavrel

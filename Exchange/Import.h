@@ -9,6 +9,8 @@
 #include "DataModel/Project.h"
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// Properties of imported members whose file does not give them.
 struct ImportSettings {
   double area = 25;
@@ -38,3 +40,5 @@ struct ImportOutcome {
 /// the project. Columns are those of exportNodes and exportElements, in any order and case; results are passed over.
 [[nodiscard]] Result<ImportOutcome> importFiles(Project& project, const std::vector<std::filesystem::path>& files,
                                                 const ImportSettings& settings);
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace gavrel {
+
 /// The lines of a text, one after the other. What it gives are views of that text.
 class Lines {
  public:
@@ -49,3 +51,5 @@ class Lines {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   return result;
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+namespace gavrel {
+
 namespace {
 
 using Wide = std::numeric_limits<long double>;
@@ -133,3 +135,5 @@ std::size_t Places::Hash::operator()(const Cube& cube) const {
   }
   return hash;
 }
+
+}  // namespace gavrel

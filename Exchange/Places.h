@@ -9,6 +9,8 @@
 
 #include "DataModel/Vector3.h"
 
+namespace gavrel {
+
 /// From one point to another; exact where the squares of coordinates are too large or too small for a double.
 [[nodiscard]] double distance(const Vector3& a, const Vector3& b);
 
@@ -66,3 +68,5 @@ class Places {
   std::vector<Box> boxes_;  // the parts of box i are 2i + 1 and 2i + 2
   std::unordered_map<Cube, std::vector<Node>, Hash> cubes_;
 };
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 template <class Array>
@@ -196,3 +198,5 @@ std::string formatCell(const Cell& cell) {
   if (const auto* text = std::get_if<std::string>(&cell)) return *text;
   return {};
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 
 #include "DataModel/Project.h"
 
+namespace gavrel {
+
 /// One entry of a table: nothing, a whole number, a number or a text.
 using Cell = std::variant<std::monostate, std::int64_t, double, std::string>;
 
@@ -43,3 +45,5 @@ inline constexpr std::array<std::string_view, dofsPerNode> heldWords{"x", "y", "
 
 /// The shortest text that reads back to the same number; empty for nothing.
 [[nodiscard]] std::string formatCell(const Cell& cell);
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "Exchange/Export.h"
 #include "Platform/AtomicFile.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::int8_t vtkLine = 3;
@@ -169,3 +171,5 @@ std::optional<Failure> exportVtu(const Project& project, const std::filesystem::
     sink(bytes);
   });
 }
+
+}  // namespace gavrel

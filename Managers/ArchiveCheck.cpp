@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+namespace gavrel {
+
 namespace {
 
 Failure refused(const QString& reason) {
@@ -43,3 +45,5 @@ Result<ArchiveContent> readContent(const std::filesystem::path& archive) {
     return refused(QObject::tr("it has more than %1 times its size when unpacked").arg(maxBytesPerPackedByte));
   return content;
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// What the directory of a zip archive says that is in it. It may lie.
 struct ArchiveContent {
   std::uint64_t entries = 0;
@@ -23,3 +25,5 @@ inline constexpr const char* cannotExtract = "Failed to extract update";
 /// What is in the archive, from its directory; or why it must not be unpacked: it is no archive, is beyond the limits,
 /// or has a name with control characters.
 [[nodiscard]] Result<ArchiveContent> readContent(const std::filesystem::path& archive);
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "Managers/LeftOvers.h"
 #include "Managers/Paths.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -65,3 +67,5 @@ std::optional<QString> whyNotOffered(const BundleInfo& current, const VersionInf
         .arg(shown(version), shown(readVersion(current)));
   return {};
 }
+
+}  // namespace gavrel

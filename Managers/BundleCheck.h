@@ -7,6 +7,8 @@
 #include "Managers/BundleInfo.h"
 #include "Managers/VersionInfo.h"
 
+namespace gavrel {
+
 /// Why the running bundle `current`, which has a folder, cannot be replaced by the one in the folder `replacement`.
 [[nodiscard]] std::optional<QString> whyNotReplaceable(const BundleInfo& current,
                                                        const std::filesystem::path& replacement);
@@ -15,3 +17,5 @@
 /// another version than `offered`, or one that is no newer than the running one.
 [[nodiscard]] std::optional<QString> whyNotOffered(const BundleInfo& current, const VersionInfo& offered,
                                                    const std::filesystem::path& replacement);
+
+}  // namespace gavrel

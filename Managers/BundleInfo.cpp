@@ -9,6 +9,8 @@
 
 #include "Platform/FileBytes.h"
 
+namespace gavrel {
+
 namespace {
 
 /// The file's bytes; nothing if it is no file or too large for what a program says of itself.
@@ -71,3 +73,5 @@ std::filesystem::path runningProgram() {
   std::error_code unknown;
   return std::filesystem::read_symlink("/proc/self/exe", unknown);
 }
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace gavrel {
+
 /// What an application bundle says of itself. On Linux a bundle is a folder "NAME.app" that holds the program, its
 /// resources and a property list "Info.plist", and that can be moved, copied and replaced as a whole.
 struct BundleInfo {
@@ -37,3 +39,5 @@ struct BundleInfo {
 
 /// The file that the running process executes, free of symbolic links; empty where the system does not tell.
 [[nodiscard]] std::filesystem::path runningProgram();
+
+}  // namespace gavrel

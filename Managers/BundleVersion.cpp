@@ -4,6 +4,8 @@
 
 #include "Managers/VersionInfo.h"
 
+namespace gavrel {
+
 BundleVersion readVersion(const BundleInfo& bundle) {
   BundleVersion found{.version = QString::fromStdString(bundle.text("CFBundleShortVersionString").value_or(""))};
   const std::string build = bundle.text("CFBundleVersion").value_or("");
@@ -18,3 +20,5 @@ bool isNewer(const BundleVersion& candidate, const BundleVersion& current) {
   return isNewerVersion(candidate.version, current.version) ||
          (candidate.version == current.version && candidate.build > current.build);
 }
+
+}  // namespace gavrel

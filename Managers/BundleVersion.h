@@ -4,6 +4,8 @@
 
 #include "Managers/BundleInfo.h"
 
+namespace gavrel {
+
 /// Which version of the program a bundle is.
 struct BundleVersion {
   QString version;   ///< dotted; empty if the bundle does not tell
@@ -16,3 +18,5 @@ struct BundleVersion {
 
 /// Whether `candidate` is a later version than `current`, or a later build of the same version.
 [[nodiscard]] bool isNewer(const BundleVersion& candidate, const BundleVersion& current);
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <QNetworkRequest>
 #include <QSslConfiguration>
 
+namespace gavrel {
+
 namespace {
 
 /// The certificates that the system trusts and, as for other programs, those in the file that SSL_CERT_FILE names.
@@ -96,3 +98,5 @@ std::optional<QUrl> secureUrl(const QString& address) {
   const QUrl url(address, QUrl::StrictMode);
   return url.isValid() && url.scheme() == "https" && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
 }
+
+}  // namespace gavrel

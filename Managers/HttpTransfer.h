@@ -11,6 +11,8 @@
 #include <chrono>
 #include <optional>
 
+namespace gavrel {
+
 /// Bounds of one transfer.
 struct TransferLimits {
   qint64 bytes;                           ///< more are a failure
@@ -59,3 +61,5 @@ class HttpTransfer : public QObject {
 
 /// `address` as a URL with TLS and a host, if it is one.
 [[nodiscard]] std::optional<QUrl> secureUrl(const QString& address);
+
+}  // namespace gavrel

@@ -20,6 +20,8 @@
 #include "Platform/AtomicFile.h"
 #include "Platform/FileDescriptor.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -96,3 +98,5 @@ Outcome startInstaller(const Installation& installation) try {
 } catch (const fs::filesystem_error& error) {
   return failed(QString::fromLocal8Bit(error.what()));
 }
+
+}  // namespace gavrel

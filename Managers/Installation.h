@@ -8,6 +8,8 @@
 #include "Managers/BundleInfo.h"
 #include "Managers/UpdateState.h"
 
+namespace gavrel {
+
 /// What is to be installed, and in place of what.
 struct Installation {
   QString archive;                     ///< zip file; its folder takes what is made on the way
@@ -20,3 +22,5 @@ struct Installation {
 /// Unpacks the archive and starts the script that replaces the bundle of the running program, which the caller is to
 /// end at once. Returns why nothing was started.
 [[nodiscard]] std::optional<UpdateError> startInstaller(const Installation& installation);
+
+}  // namespace gavrel

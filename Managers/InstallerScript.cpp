@@ -4,6 +4,8 @@
 
 #include "Managers/TreeDigest.h"
 
+namespace gavrel {
+
 namespace {
 
 /// A path as one word of the shell that stands for itself, whatever characters it has.
@@ -78,3 +80,5 @@ else
     fail "$reason"
 fi)script";
 }
+
+}  // namespace gavrel

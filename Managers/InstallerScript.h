@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 /// The first of the names in a folder whose extension is exactly "app".
 [[nodiscard]] std::optional<std::string> firstAppEntry(const std::vector<std::string>& names);
 
@@ -23,3 +25,5 @@
 [[nodiscard]] std::string linuxInstallerScript(const std::filesystem::path& current,
                                                const std::filesystem::path& replacement,
                                                const std::filesystem::path& executable, const std::string& digest);
+
+}  // namespace gavrel

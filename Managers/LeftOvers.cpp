@@ -14,6 +14,8 @@
 #include "Platform/FileBytes.h"
 #include "Platform/FileDescriptor.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -110,3 +112,5 @@ std::optional<Failure> settleInstallation(const fs::path& program) try {
 } catch (const fs::filesystem_error& error) {
   return Failure{error.what()};
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include <QJsonObject>
 #include <QObject>
 
+namespace gavrel {
+
 namespace {
 
 constexpr int longestAge = 90;  // days
@@ -46,3 +48,5 @@ std::optional<QString> whyNoProof(QDate manifest, QDate today) {
       .arg(longestAge)
       .arg(written(today));
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <QString>
 #include <optional>
 
+namespace gavrel {
+
 /// The date that a manifest's entry for an application bears. Absent unless it is there and written "YYYY-MM-DD".
 [[nodiscard]] std::optional<QDate> manifestDate(const QByteArray& json, const QString& application);
 
@@ -17,3 +19,5 @@
 
 /// Why a manifest of this date cannot prove that there is no newer version.
 [[nodiscard]] std::optional<QString> whyNoProof(QDate manifest, QDate today);
+
+}  // namespace gavrel

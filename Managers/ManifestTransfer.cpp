@@ -4,6 +4,8 @@
 
 #include "Managers/UpdateSignature.h"
 
+namespace gavrel {
+
 using Error = UpdateError::Case;
 
 ManifestTransfer::ManifestTransfer(QNetworkAccessManager& session, const QUrl& url, std::vector<QByteArray> publicKeys,
@@ -34,3 +36,5 @@ void ManifestTransfer::finish(const std::optional<UpdateError>& failure) {
   failure_ = failure;
   emit finished();
 }
+
+}  // namespace gavrel

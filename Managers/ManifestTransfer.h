@@ -14,6 +14,8 @@
 #include "Managers/SignatureTransfer.h"
 #include "Managers/UpdateState.h"
 
+namespace gavrel {
+
 /// Fetches the manifest and, where there are keys, proves that the owner of one has signed it. Cancelled silently when
 /// destroyed.
 class ManifestTransfer : public QObject {
@@ -42,3 +44,5 @@ class ManifestTransfer : public QObject {
   std::unique_ptr<HttpTransfer> manifest_;
   std::unique_ptr<SignatureTransfer> signature_;
 };
+
+}  // namespace gavrel

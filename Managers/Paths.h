@@ -3,6 +3,8 @@
 #include <QString>
 #include <filesystem>
 
+namespace gavrel {
+
 /// A path as a text for Qt and for messages.
 [[nodiscard]] inline QString toText(const std::filesystem::path& path) {
   return QString::fromStdString(path.string());
@@ -12,3 +14,5 @@
 [[nodiscard]] inline bool isThere(const std::filesystem::path& path) {
   return std::filesystem::exists(std::filesystem::symlink_status(path));
 }
+
+}  // namespace gavrel

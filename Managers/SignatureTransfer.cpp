@@ -2,6 +2,8 @@
 
 #include "Managers/UpdateSignature.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr int httpOk = 200;
@@ -28,3 +30,5 @@ SignatureTransfer::SignatureTransfer(QNetworkAccessManager& session, const QStri
     emit finished();
   });
 }
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 
 #include "Managers/HttpTransfer.h"
 
+namespace gavrel {
+
 /// Fetches the signature of a file on the server. It stands at the file's address with ".sig" behind it. Cancelled
 /// silently when destroyed.
 class SignatureTransfer : public QObject {
@@ -32,3 +34,5 @@ class SignatureTransfer : public QObject {
   std::optional<QString> failure_;
   std::unique_ptr<HttpTransfer> transfer_;
 };
+
+}  // namespace gavrel

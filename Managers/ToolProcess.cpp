@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 using Variable = std::pair<const char*, const char*>;
@@ -62,3 +64,5 @@ std::optional<Failure> startScript(const std::filesystem::path& script) {
   if (error == 0) return {};
   return Failure{arguments.front() + ": " + std::generic_category().message(error)};
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "Managers/ToolProcess.h"
 
+namespace gavrel {
+
 Result<std::string> treeDigest(const std::filesystem::path& folder) {
   QProcess bash;
   isolate(bash);
@@ -15,3 +17,5 @@ Result<std::string> treeDigest(const std::filesystem::path& folder) {
     return bash.readAllStandardOutput().trimmed().toStdString();
   return Failure{bash.readAllStandardError().trimmed().toStdString()};
 }
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// The shell command that prints the digest of the folder "$1": of the names, types, links and contents of all that is
 /// in it. Modes do not count, an installation sets them all; nor do times and owners. It fails if anything cannot be
 /// read.
@@ -15,3 +17,5 @@ inline constexpr std::string_view treeDigestCommand =
 
 /// What the command prints, without the line's end.
 [[nodiscard]] Result<std::string> treeDigest(const std::filesystem::path& folder);
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 
 #include "Managers/ToolProcess.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -75,3 +77,5 @@ std::optional<QString> unpack(const FileDescriptor& archive, const ArchiveConten
   if (isWhole && !hasMoreThan(content, folder)) return {};
   return cannotExtract;
 }
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "Managers/ArchiveCheck.h"
 #include "Platform/FileDescriptor.h"
 
+namespace gavrel {
+
 /// Why there is no room on the disk for `content` both in `folder` and, once more, in `destination`.
 [[nodiscard]] std::optional<QString> whyNoRoom(const ArchiveContent& content, const std::filesystem::path& folder,
                                                const std::filesystem::path& destination);
@@ -16,3 +18,5 @@
 /// all is there.
 [[nodiscard]] std::optional<QString> unpack(const FileDescriptor& archive, const ArchiveContent& content,
                                             const std::filesystem::path& folder);
+
+}  // namespace gavrel

@@ -11,6 +11,8 @@
 #include "Managers/UpdateSignature.h"
 #include "Platform/PrivateFolder.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -231,3 +233,5 @@ void UpdateManager::installUpdate(const VersionInfo&, const QUrl& archive) {
 void UpdateManager::installationFailed(const QString& reason) {
   post(UpdateState::error(Error::installationFailed, reason));
 }
+
+}  // namespace gavrel

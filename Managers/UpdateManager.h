@@ -22,11 +22,13 @@
 #include "Managers/UpdateState.h"
 #include "Platform/Observable.h"
 
+namespace gavrel {
+
 /// Finds newer versions on the update server, downloads and installs them. How far this is stands in `state`, which
 /// changes on the main thread only; every failure ends there. Observers of `objectWillChange` are told before a change.
 class UpdateManager : public QObject {
   Q_OBJECT
-  Q_PROPERTY(UpdateState state READ currentState NOTIFY stateChanged)
+  Q_PROPERTY(gavrel::UpdateState state READ currentState NOTIFY stateChanged)
   Q_PROPERTY(QString currentVersion READ version CONSTANT)
   Q_PROPERTY(QString bundleName READ bundleName CONSTANT)
   Q_PROPERTY(bool checksAtStart READ checksAtStart WRITE setChecksAtStart NOTIFY checksAtStartChanged)
@@ -120,3 +122,5 @@ class UpdateManager : public QObject {
   QByteArray signature_;
   QThreadPool worker_;  // last, so that it is done before anything else goes
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <memory>
 
+namespace gavrel {
+
 namespace {
 
 const unsigned char* bytes(QByteArrayView array) {
@@ -42,3 +44,5 @@ bool isFileSigned(const QString& file, const QByteArray& signature, const std::v
 QString wrongSignature() {
   return QCoreApplication::translate("UpdateSignature", "The update is not signed by the makers of this program.");
 }
+
+}  // namespace gavrel

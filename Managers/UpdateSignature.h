@@ -5,6 +5,8 @@
 #include <QString>
 #include <vector>
 
+namespace gavrel {
+
 /// Sizes of an Ed25519 key and signature in bytes.
 inline constexpr qsizetype publicKeySize = 32;
 inline constexpr qsizetype signatureSize = 64;
@@ -20,3 +22,5 @@ inline constexpr qsizetype signatureSize = 64;
 
 /// The line for the user where it is not.
 [[nodiscard]] QString wrongSignature();
+
+}  // namespace gavrel

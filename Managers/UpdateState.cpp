@@ -2,6 +2,8 @@
 
 #include <QMetaEnum>
 
+namespace gavrel {
+
 QString UpdateError::errorDescription() const {
   switch (kind) {
     case Case::networkError:
@@ -27,3 +29,5 @@ QString UpdateError::errorDescription() const {
 QString UpdateState::name() const {
   return QMetaEnum::fromType<Case>().valueToKey(static_cast<int>(kind));
 }
+
+}  // namespace gavrel

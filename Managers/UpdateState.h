@@ -8,6 +8,8 @@
 
 #include "Managers/VersionInfo.h"
 
+namespace gavrel {
+
 /// Why an update did not come about.
 struct UpdateError {
   enum class Case {
@@ -33,7 +35,7 @@ struct UpdateError {
 struct UpdateState {
   Q_GADGET
   Q_PROPERTY(QString name READ name)
-  Q_PROPERTY(VersionInfo info MEMBER info)
+  Q_PROPERTY(gavrel::VersionInfo info MEMBER info)
   Q_PROPERTY(double progress MEMBER progress)
   Q_PROPERTY(QUrl archive MEMBER archive)
   Q_PROPERTY(QString errorDescription READ errorDescription)
@@ -57,3 +59,5 @@ struct UpdateState {
 
   friend bool operator==(const UpdateState&, const UpdateState&) = default;
 };
+
+}  // namespace gavrel

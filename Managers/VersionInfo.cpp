@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 /// A JSON number that is a whole number of 64 bits.
@@ -83,3 +85,5 @@ bool isNewerVersion(const QString& candidate, const QString& current) {
   theirs.resize(length);
   return theirs > ours;
 }
+
+}  // namespace gavrel

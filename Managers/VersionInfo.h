@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <optional>
 
+namespace gavrel {
+
 /// One version of the program as the update server's manifest tells of it.
 struct VersionInfo {
   Q_GADGET
@@ -34,3 +36,5 @@ struct VersionInfo {
 /// Whether version `candidate` is later than `current`, comparing dotted numbers from the left; missing ones count as 0
 /// and pieces that are no whole numbers are left out.
 [[nodiscard]] bool isNewerVersion(const QString& candidate, const QString& current);
+
+}  // namespace gavrel

@@ -14,6 +14,8 @@
 #include "Platform/Signals.h"
 #include "Platform/TemporaryFile.h"
 
+namespace gavrel {
+
 namespace {
 
 using std::filesystem::path;
@@ -164,3 +166,5 @@ std::optional<Failure> replaceFile(const path& requested, const Producer& produc
   if (directory.isOpen()) ::fsync(directory.get());  // the new name itself; some file systems cannot, the file is whole
   return std::nullopt;
 }
+
+}  // namespace gavrel

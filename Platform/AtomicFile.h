@@ -7,6 +7,8 @@
 
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// Replaces the content of the file at `requested` by `bytes` in one step: a reader, a crash or a full disk sees the
 /// old file or the new one, never a part. The bytes are written to a TemporaryFile, flushed to the disk and moved to
 /// its place, and the folder is flushed too. Symbolic links are followed and kept; permission bits and, where the user
@@ -31,3 +33,5 @@ using ByteSink = std::function<void(std::string_view piece)>;
 /// The reason for which replaceFile would refuse this path at once, if there is one: to be asked before long work whose
 /// result is to go there. Writing may still fail later.
 [[nodiscard]] std::optional<Failure> whyNotReplaceable(const std::filesystem::path& requested);
+
+}  // namespace gavrel

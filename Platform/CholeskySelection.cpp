@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace gavrel {
+
 namespace {
 
 /// Marks the stored entries that are not zero or were selected before.
@@ -101,3 +103,5 @@ bool CholeskySelection::gather(const SymmetricMatrix& matrix, std::span<double> 
   }
   return inside == std::ranges::count_if(matrix.values, [](double value) { return value != 0.0; });
 }
+
+}  // namespace gavrel

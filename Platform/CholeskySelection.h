@@ -4,6 +4,8 @@
 #include <span>
 #include <vector>
 
+namespace gavrel {
+
 /// A symmetric matrix, given as its lower triangle in compressed columns: column c holds the entries
 /// starts[c] <= k < starts[c + 1], with rows indices[k] in ascending order, the diagonal first.
 struct SymmetricMatrix {
@@ -48,3 +50,5 @@ struct CholeskySelection {
   /// zero, so that the selection does not stand for the matrix.
   [[nodiscard]] bool gather(const SymmetricMatrix& matrix, std::span<double> selected) const;
 };
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+namespace gavrel {
+
 void printLine(std::string_view text) {
   const std::string line = std::string(text) + "\n";
   std::fwrite(line.data(), 1, line.size(), stdout);
@@ -13,3 +15,5 @@ void printWarning(std::string_view text) {
   const std::string line = "Warning: " + std::string(text) + "\n";
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 #include <string>
 #include <system_error>
 
+namespace gavrel {
+
 using std::filesystem::path;
 
 path followLinks(path file) {
@@ -61,3 +63,5 @@ FileDescriptor openStream(const path& file) {
   }
   return FileDescriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC));
 }
+
+}  // namespace gavrel

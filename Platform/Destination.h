@@ -5,6 +5,8 @@
 
 #include "Platform/FileDescriptor.h"
 
+namespace gavrel {
+
 /// What a path names where something is to be written.
 
 /// The folder that a path names a file of: "." where it names none.
@@ -27,3 +29,5 @@
 
 /// The number of this process's descriptor that a path leads to, open or not; none if it leads elsewhere.
 [[nodiscard]] std::optional<int> ownDescriptor(const std::filesystem::path& file);
+
+}  // namespace gavrel

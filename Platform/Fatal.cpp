@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+namespace gavrel {
+
 namespace {
 
 std::function<void(std::string_view)>& keeper() {
@@ -31,3 +33,5 @@ void fatalIndex(std::string_view array, std::int64_t index, std::int64_t size) {
   fatal("index " + std::to_string(index) + " is outside " + std::string(array) + ", which has " + std::to_string(size) +
         " entries");
 }
+
+}  // namespace gavrel

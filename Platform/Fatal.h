@@ -4,6 +4,8 @@
 #include <functional>
 #include <string_view>
 
+namespace gavrel {
+
 /// Programming errors: states that no correct caller can reach and from which nothing can be rescued.
 
 /// Prints "Fatal error: " + `what` as one line on standard error and aborts the process. Pending standard output is
@@ -35,3 +37,5 @@ template <class Container>
   }
   return result;
 }
+
+}  // namespace gavrel

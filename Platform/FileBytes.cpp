@@ -10,6 +10,8 @@
 #include "Platform/FileDescriptor.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t smallestRead = std::size_t{64} * 1024;
@@ -57,3 +59,5 @@ Result<std::string> readFile(const std::filesystem::path& path, std::uint64_t mo
   bytes.resize(filled);
   return bytes;
 }
+
+}  // namespace gavrel

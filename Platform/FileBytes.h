@@ -7,6 +7,8 @@
 
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// The whole content of the file at `path` (a regular file, a pipe or a device), or the reason why it cannot be read,
 /// with the path. One of more than `most` bytes is not read.
 [[nodiscard]] Result<std::string> readFile(const std::filesystem::path& path,
@@ -14,3 +16,5 @@
 
 /// The system's text for the error `code` (an errno value), after what was attempted on which file.
 [[nodiscard]] Failure systemFailure(const std::string& attempt, const std::filesystem::path& path, int code);
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+namespace gavrel {
+
 /// Owner of an open file descriptor; -1 stands for none.
 class FileDescriptor {
  public:
@@ -34,3 +36,5 @@ class FileDescriptor {
 [[nodiscard]] inline std::filesystem::path descriptorPath(int descriptor) {
   return "/proc/self/fd/" + std::to_string(descriptor);
 }
+
+}  // namespace gavrel

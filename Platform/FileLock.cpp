@@ -9,6 +9,8 @@
 
 #include "Platform/FileBytes.h"
 
+namespace gavrel {
+
 namespace {
 
 std::string readFirstLine(const char* file) {
@@ -83,3 +85,5 @@ std::optional<FileLock> FileLock::take(const std::filesystem::path& path) {
 FileLock::~FileLock() {
   if (isNamed_ && file_.isOpen() && ::ftruncate(file_.get(), 0) != 0) errno = 0;  // it is free when the process ends
 }
+
+}  // namespace gavrel

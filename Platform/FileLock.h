@@ -5,6 +5,8 @@
 
 #include "Platform/FileDescriptor.h"
 
+namespace gavrel {
+
 /// A lock on a file, which is made if it is not there. It is free again when its owner goes, also when the process is
 /// killed. The file stays.
 ///
@@ -25,3 +27,5 @@ class FileLock {
   FileDescriptor file_;
   bool isNamed_;  // by the content of the file, not by the system
 };
+
+}  // namespace gavrel

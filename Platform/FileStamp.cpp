@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+namespace gavrel {
+
 std::optional<FileStamp> FileStamp::read(const std::filesystem::path& path) {
   constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
   struct stat status {};
@@ -9,3 +11,5 @@ std::optional<FileStamp> FileStamp::read(const std::filesystem::path& path) {
   return FileStamp{status.st_dev, status.st_ino, status.st_size,
                    status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec};
 }
+
+}  // namespace gavrel

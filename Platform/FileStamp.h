@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <optional>
 
+namespace gavrel {
+
 /// Which file stood at a path, and in which state: what is written there or put in its place by anybody has another
 /// stamp.
 struct FileStamp {
@@ -17,3 +19,5 @@ struct FileStamp {
 
   bool operator==(const FileStamp&) const = default;
 };
+
+}  // namespace gavrel

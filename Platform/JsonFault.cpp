@@ -11,6 +11,8 @@
 
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::string_view tooLarge = "the number is beyond the range of a double";
@@ -82,3 +84,5 @@ std::optional<JsonFault> findJsonFault(std::string_view text) {
   if (bytes.Tell() < text.size()) return JsonFault{bytes.Tell(), "a zero byte"};
   return std::nullopt;
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace gavrel {
+
 /// The first place where a text stops being JSON.
 struct JsonFault {
   std::size_t offset;  ///< in bytes from the start of the text
@@ -17,3 +19,5 @@ struct JsonFault {
 /// Says where and why a text that the reader has given up on is not JSON; a leading byte order mark is skipped. Nothing
 /// if it is JSON, or if a number beyond the parser's reach stands before the fault.
 [[nodiscard]] std::optional<JsonFault> findJsonFault(std::string_view text);
+
+}  // namespace gavrel

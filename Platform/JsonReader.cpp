@@ -6,6 +6,8 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 using simdjson::ondemand::json_type;
@@ -143,3 +145,5 @@ simdjson::ondemand::array jsonArray(JsonValue json) {
   if (json.get_array().get(array) != simdjson::SUCCESS) throwUnexpected("an array", json);
   return array;
 }
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gavrel {
+
 using JsonValue = simdjson::ondemand::value;
 
 /// Why a JSON text cannot be read. The message says what and where ("F_I[5]: expected a number, found null"). It never
@@ -168,3 +170,5 @@ void readJsonObject(JsonValue json, Target& target, const std::array<JsonMember<
     if (members[i].required && !found[i]) throw JsonError("\"" + std::string(members[i].key) + "\" is missing");
   }
 }
+
+}  // namespace gavrel

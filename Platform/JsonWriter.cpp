@@ -6,6 +6,8 @@
 
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t indentationStep = 2;
@@ -137,3 +139,5 @@ void JsonWriter::table(const std::vector<bool>& truths, std::size_t perLine) {
 std::string JsonWriter::take() {
   return std::exchange(text_, {});
 }
+
+}  // namespace gavrel

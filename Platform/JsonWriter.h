@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gavrel {
+
 /// Writes one JSON value as indented text, keys in the order given. A number that is not finite becomes null, since
 /// JSON has no word for it; who must not lose it checks before.
 class JsonWriter {
@@ -52,3 +54,5 @@ class JsonWriter {
   bool empty_ = true;      // nothing stands in the innermost object or array yet
   bool afterKey_ = false;  // a key waits for its value
 };
+
+}  // namespace gavrel

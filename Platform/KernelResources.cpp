@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
@@ -70,3 +72,5 @@ void setKernelThreads(double operations) {
   static const int most = openblas_get_num_threads();  // more would be started now
   openblas_set_num_threads(operations < threadedOperations ? 1 : most);
 }
+
+}  // namespace gavrel

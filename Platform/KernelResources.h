@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gavrel {
+
 /// What the dense kernels of OpenBLAS, and the loops of CHOLMOD that OpenMP shares out, take of the machine.
 ///
 /// OpenBLAS starts its threads when the program is loaded. Each of them, and the one that calls it, maps a buffer of
@@ -15,3 +17,5 @@ void fitThreadsToMemory(int count, char** arguments, char** environment);
 
 /// Sets how many threads the kernels use for a factorization of so many operations.
 void setKernelThreads(double operations);
+
+}  // namespace gavrel

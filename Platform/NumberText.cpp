@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <limits>
 
+namespace gavrel {
+
 namespace {
 
 constexpr double wholeLimit = 9007199254740992.0;  // 2^53, the last whole number before doubles skip some
@@ -117,3 +119,5 @@ void appendJsonNumber(std::string& text, std::int64_t number) {
   auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
   text.append(buffer.data(), end);
 }
+
+}  // namespace gavrel

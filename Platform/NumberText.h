@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace gavrel {
+
 /// Text of `number` with the fewest digits that read back to the same double: positional with at least one decimal for
 /// zero and for 1e-4 <= |number| <= 2^53 ("0.0", "-2.5", "100000.0"), otherwise with an exponent of at least two digits
 /// and its sign ("1e-05", "1e+16"); "nan", "inf", "-inf".
@@ -32,3 +34,5 @@ void appendJsonNumber(std::string& text, double number);
 
 /// Appends the decimal digits of `number`.
 void appendJsonNumber(std::string& text, std::int64_t number);
+
+}  // namespace gavrel

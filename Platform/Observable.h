@@ -5,6 +5,8 @@
 #include <map>
 #include <utility>
 
+namespace gavrel {
+
 /// An object that tells its observers of a change before the change takes effect.
 class Observable {
  public:
@@ -52,3 +54,5 @@ class Published {
   Observable& owner_;
   Value value_;
 };
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "Platform/Destination.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 using std::filesystem::path;
@@ -61,3 +63,5 @@ std::optional<Failure> whyNotWritable(const std::vector<path>& outputs, const st
   }
   return std::nullopt;
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 
 #include "Platform/FileBytes.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -46,3 +48,5 @@ Result<fs::path> privateTemporaryFolder() {
   }
   return Failure{candidates.front().string() + " and all names like it are taken by others"};
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include <utility>
 #include <variant>
 
+namespace gavrel {
+
 /// Why an operation on something outside the program (a file, its text) did not succeed, as one line for its user.
 struct Failure {
   std::string reason;
@@ -26,3 +28,5 @@ class [[nodiscard]] Result {
  private:
   std::variant<Value, Failure> content_;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstdio>
 
+namespace gavrel {
+
 namespace {
 
 /// The bytes of the UTF-8 character that the text begins with; 0 if they are none.
@@ -67,3 +69,5 @@ std::string shownQuoted(std::string_view text) {
 std::string shownPath(const std::filesystem::path& path) {
   return '"' + shownText(path.string(), std::string::npos) + '"';
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace gavrel {
+
 /// A text from outside (a name, a path, what a file holds) for people to read in one line: control characters, line
 /// breaks and directional controls, which a terminal obeys, become escapes ("\n", "\x1b", "\u202e"), and so do bytes
 /// that are not UTF-8 ("\xff"). Everything else stays, backslashes included. Of a longer text the first `longest`
@@ -15,3 +17,5 @@
 
 /// shownText of the whole path in quotation marks.
 [[nodiscard]] std::string shownPath(const std::filesystem::path& path);
+
+}  // namespace gavrel

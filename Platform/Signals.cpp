@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::array endingSignals{SIGHUP, SIGINT, SIGQUIT, SIGABRT, SIGTERM, SIGXCPU};
@@ -93,3 +95,5 @@ RemovedOnSignal::RemovedOnSignal(const std::filesystem::path& file) {
 RemovedOnSignal::~RemovedOnSignal() {
   if (place_ >= 0) entries[static_cast<std::size_t>(place_)].state = Entry::free;
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+namespace gavrel {
+
 /// What the signals that end a program leave of its files.
 
 /// Has each of the signals HUP, INT, QUIT, ABRT, TERM and XCPU wait for an Uninterrupted and remove the file of each
@@ -36,3 +38,5 @@ class RemovedOnSignal {
  private:
   int place_ = -1;  // in the table; -1: there was none
 };
+
+}  // namespace gavrel

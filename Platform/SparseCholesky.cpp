@@ -10,6 +10,8 @@
 
 #include "Platform/KernelResources.h"
 
+namespace gavrel {
+
 static_assert(sizeof(SuiteSparse_long) == sizeof(std::int64_t));
 
 namespace {
@@ -300,3 +302,5 @@ double SparseCholesky::leastPart() const {
 void SparseCholesky::dropFactor() {
   state_->factor.reset();
 }
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 
 #include "Platform/CholeskySelection.h"
 
+namespace gavrel {
+
 /// Solves symmetric positive definite systems by sparse Cholesky factorization (CHOLMOD, supernodal).
 ///
 /// The analysis of the matrix's structure is kept between calls of `factorize` and made again only when entries that it
@@ -41,3 +43,5 @@ class SparseCholesky {
   struct State;
   std::unique_ptr<State> state_;
 };
+
+}  // namespace gavrel

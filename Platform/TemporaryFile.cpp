@@ -11,6 +11,8 @@
 #include <string>
 #include <system_error>
 
+namespace gavrel {
+
 namespace {
 
 using std::filesystem::path;
@@ -88,3 +90,5 @@ void sweepTemporaryFiles(const path& folder) {
       ::unlink(entry.path().c_str());
   }
 }
+
+}  // namespace gavrel

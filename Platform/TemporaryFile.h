@@ -8,6 +8,8 @@
 #include "Platform/FileDescriptor.h"
 #include "Platform/Signals.h"
 
+namespace gavrel {
+
 /// A new, empty file in a folder, open for writing, that goes with this object unless it has been moved to its place.
 ///
 /// Without a name it goes with the process, however that ends; not all file systems have such files. With one, which
@@ -44,3 +46,5 @@ class TemporaryFile {
 /// Removes what killed processes have left of named temporary files in a folder of this user alone. Those of the last
 /// minutes stay: a process of another machine may be writing them.
 void sweepTemporaryFiles(const std::filesystem::path& folder);
+
+}  // namespace gavrel

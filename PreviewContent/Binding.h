@@ -3,6 +3,8 @@
 #include <functional>
 #include <utility>
 
+namespace gavrel {
+
 /// A value that lives elsewhere: read by `get`, written by `set`.
 template <class Value>
 struct Binding {
@@ -14,3 +16,5 @@ struct Binding {
     return {[&variable] { return variable; }, [&variable](Value value) { variable = std::move(value); }};
   }
 };
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::string_view elementPrefix = "element_";
@@ -64,3 +66,5 @@ void SceneKitView::Coordinator::clearSelection() {
   if (appModeBinding.get() == AppMode::normal) selectedNodeBinding.set(std::nullopt);
   selectedElementBinding.set(std::nullopt);
 }
+
+}  // namespace gavrel

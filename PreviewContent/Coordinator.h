@@ -8,6 +8,8 @@
 #include "PreviewContent/SceneKitView.h"
 #include "Scene/HitTest.h"
 
+namespace gavrel {
+
 /// Owns the scene while the 3D area exists, and turns clicks into selections.
 class SceneKitView::Coordinator {
  public:
@@ -37,3 +39,5 @@ class SceneKitView::Coordinator {
  private:
   void clearSelection();
 };
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 bool canBeLookedUp(std::int64_t node) {
@@ -25,3 +27,5 @@ std::optional<Failure> whyNotDrawable(const Project& project) {
   if (auto fault = inspect(*project.trussElements, "trussElements")) return fault;
   return inspect(*project.beamElements, "beamElements");
 }
+
+}  // namespace gavrel

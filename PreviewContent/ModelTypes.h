@@ -5,11 +5,13 @@
 
 #include "PreviewContent/ProjectViewModel.h"
 
+namespace gavrel {
+
 /// What QML sees of the program's plain C++.
 
 struct ProjectViewModelInQml {
   Q_GADGET
-  QML_FOREIGN(ProjectViewModel)
+  QML_FOREIGN(gavrel::ProjectViewModel)
   QML_NAMED_ELEMENT(ProjectViewModel)
 };
 
@@ -27,3 +29,5 @@ class AppModeInQml : public QObject {
   [[nodiscard]] int addingTruss() const { return static_cast<int>(AppMode::addingTruss); }
   [[nodiscard]] int addingBeam() const { return static_cast<int>(AppMode::addingBeam); }
 };
+
+}  // namespace gavrel

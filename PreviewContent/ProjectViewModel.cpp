@@ -14,6 +14,8 @@
 #include "PreviewContent/Drawable.h"
 #include "PreviewContent/FileUrl.h"
 
+namespace gavrel {
+
 namespace {
 
 // The bar that connects a new node to the one before, independent of the values in the truss form.
@@ -244,7 +246,7 @@ void ProjectViewModel::makeLinear(const std::vector<std::int64_t>& positions) {
 Result<ImportOutcome> ProjectViewModel::importFiles(const std::vector<std::filesystem::path>& files,
                                                     const ImportSettings& settings) {
   setRemark({});
-  auto outcome = ::importFiles(**project, files, settings);
+  auto outcome = gavrel::importFiles(**project, files, settings);
   if (!outcome) {
     printLine("Failed to import: " + outcome.failure().reason);
     return outcome;
@@ -388,3 +390,5 @@ QUrl ProjectViewModel::currentFolder() const {
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return QUrl::fromLocalFile(QDir(documents).exists() ? documents : QDir::homePath());
 }
+
+}  // namespace gavrel

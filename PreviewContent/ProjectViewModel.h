@@ -18,6 +18,8 @@
 #include "PreviewContent/AppMode.h"
 #include "PreviewContent/SheetContents.h"
 
+namespace gavrel {
+
 /// The one observable object between the user interface and the model. Observers of `objectWillChange` are told before
 /// each change of a published property; the notifications of the Qt properties follow the change. Each operation says
 /// what it did in one line on standard output. Those that add to the structure or change loads and supports first make
@@ -245,3 +247,5 @@ class ProjectViewModel : public QObject {
   [[nodiscard]] qint64 nodeCounter() const { return *numberOfNodes; }
   [[nodiscard]] qint64 numberOfElements() const;
 };
+
+}  // namespace gavrel

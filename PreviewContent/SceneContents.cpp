@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+namespace gavrel {
+
 namespace {
 
 constexpr int legendColors = 17;
@@ -111,3 +113,5 @@ void SceneContents::showMarks() {
   const auto& marks = viewModel_->marks();
   drawMarks(view_.buildShapes(marks.nodes, marks.trusses, marks.beams));
 }
+
+}  // namespace gavrel

@@ -11,12 +11,14 @@
 #include "PreviewContent/SceneKitView.h"
 #include "Viewport/DrawnScene.h"
 
+namespace gavrel {
+
 /// The scene of a project, kept up to date: each announcement of a change schedules one
 /// update, which takes place when control is back in the event loop.
-class SceneContents : public DrawnScene {
+class SceneContents : public gavrel::DrawnScene {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel REQUIRED)
+  Q_PROPERTY(gavrel::ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel REQUIRED)
   Q_PROPERTY(double displacementMagnification MEMBER magnification_ NOTIFY inputChanged)
   Q_PROPERTY(bool isStrainVisualizationActive MEMBER strainActive_ NOTIFY inputChanged)
   Q_PROPERTY(bool paused MEMBER paused_ NOTIFY inputChanged)
@@ -68,3 +70,5 @@ class SceneContents : public DrawnScene {
   SceneKitView view_;
   std::unique_ptr<SceneKitView::Coordinator> coordinator_;
 };
+
+}  // namespace gavrel

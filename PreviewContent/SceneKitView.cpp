@@ -10,6 +10,8 @@
 #include "Platform/Fatal.h"
 #include "PreviewContent/Coordinator.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr double nodeRadius = 0.1;
@@ -278,3 +280,5 @@ Color SceneKitView::colorForStrain(double strain, double minStrain, double maxSt
   if (strain < -epsilon) return blend(strain / std::min(minStrain, -epsilon), compressionColor);
   return neutralColor;
 }
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 #include "PreviewContent/Binding.h"
 #include "Scene/Scene.h"
 
+namespace gavrel {
+
 /// What the 3D area shows of a project, and how its picture is built: a ball for each node, a tube for each bar and
 /// beam in its deformed place, arrows for loads and cones for restraints. The picture is built anew on every update.
 ///
@@ -80,3 +82,5 @@ class SceneKitView {
 
 inline constexpr SceneKitView::SCNOptions SceneKitView::SCNOptions::showsStatistics{1};
 inline constexpr SceneKitView::SCNOptions SceneKitView::SCNOptions::allowsCameraControl{2};
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <QMetaType>
 #include <QString>
 
+namespace gavrel {
+
 /// What the sheet of a node shows: zeros and false where the project has no entry.
 struct NodeContents {
   Q_GADGET
@@ -38,3 +40,5 @@ struct TrussContents {
   double area = 0;
   bool isNonLinear = false;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 
 #include "DataModel/Vector3.h"
 
+namespace gavrel {
+
 /// The box, parallel to the axes, around the points that were added; empty at first.
 struct Bounds {
   Vector3 low{infinity, infinity, infinity};
@@ -40,3 +42,5 @@ struct Bounds {
     return all;
   }
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 
 #include "Scene/Transform.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -191,3 +193,5 @@ std::vector<HitTestResult> hitTest(const Scene& scene, const Ray& ray) {
   std::ranges::stable_sort(results, {}, &HitTestResult::distance);
   return results;
 }
+
+}  // namespace gavrel

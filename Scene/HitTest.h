@@ -5,6 +5,8 @@
 #include "DataModel/Vector3.h"
 #include "Scene/Scene.h"
 
+namespace gavrel {
+
 /// A half-line from `origin` along `direction`, which needs no unit length.
 struct Ray {
   Vector3 origin;
@@ -26,3 +28,5 @@ struct HitTestResult {
 /// Every shape that the ray meets, nearest first, once each. A shape that holds the ray's origin is met where the ray
 /// leaves it. Shapes with numbers that are not finite, and shapes flattened to nothing, are never met.
 [[nodiscard]] std::vector<HitTestResult> hitTest(const Scene& scene, const Ray& ray);
+
+}  // namespace gavrel

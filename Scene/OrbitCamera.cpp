@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace gavrel {
+
 namespace {
 
 constexpr double pi = std::numbers::pi;
@@ -120,3 +122,5 @@ OrbitCamera::ClipPlanes OrbitCamera::clipPlanes(const Bounds& box) const {
 double OrbitCamera::pixelAngle() const {
   return 2 * tangentOfHalf() / height;
 }
+
+}  // namespace gavrel

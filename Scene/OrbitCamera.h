@@ -7,6 +7,8 @@
 #include "Scene/Bounds.h"
 #include "Scene/HitTest.h"
 
+namespace gavrel {
+
 /// A perspective camera that a user turns about things, with y or z kept upright. Points on the picture are in pixels
 /// from its upper left corner.
 class OrbitCamera {
@@ -66,3 +68,5 @@ class OrbitCamera {
   /// Length that a pixel covers at a distance of 1.
   [[nodiscard]] double pixelAngle() const;
 };
+
+}  // namespace gavrel

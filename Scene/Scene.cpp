@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace gavrel {
+
 void SceneNode::lookAt(const Vector3& target) {
   const Vector3 sight = target - position;
   if (sight == Vector3{}) return;
@@ -12,3 +14,5 @@ void SceneNode::lookAt(const Vector3& target) {
   const Vector3 axis{cy * sp, sy * cp, -sy * sp};
   rotation = {axis, 2 * std::atan2(length(axis), cy * cp)};
 }
+
+}  // namespace gavrel

@@ -8,6 +8,8 @@
 
 #include "DataModel/Vector3.h"
 
+namespace gavrel {
+
 /// A plain tree of named nodes with shapes, lights and a camera: what a picture shows, without anything that draws it.
 /// Lengths are those of the model; angles are in radians; colours are sRGB components from 0 to 1.
 
@@ -82,3 +84,5 @@ struct Scene {
   SceneNode rootNode;
   Color background;
 };
+
+}  // namespace gavrel

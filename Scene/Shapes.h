@@ -5,6 +5,8 @@
 #include "Scene/Scene.h"
 #include "Scene/Transform.h"
 
+namespace gavrel {
+
 [[nodiscard]] inline bool hasShape(const SceneNode& node) {
   return std::holds_alternative<Sphere>(node.content) || std::holds_alternative<Tube>(node.content) ||
          std::holds_alternative<Cone>(node.content);
@@ -25,3 +27,5 @@ void forEachShape(const SceneNode& root, const Visit& visit, const Transform* ou
     if (!node.children.empty()) forEachShape(node, visit, &world);
   }
 }
+
+}  // namespace gavrel

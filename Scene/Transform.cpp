@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace gavrel {
+
 Vector3 Transform::direction(const Vector3& v) const {
   const auto& [a, b, c] = columns;
   return a * v.x + b * v.y + c * v.z;
@@ -32,3 +34,5 @@ Transform transformOf(const SceneNode& node) {
   t.translation = node.position;
   return t;
 }
+
+}  // namespace gavrel

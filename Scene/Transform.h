@@ -5,6 +5,8 @@
 #include "DataModel/Vector3.h"
 #include "Scene/Scene.h"
 
+namespace gavrel {
+
 /// An affine map x -> M x + t of points.
 struct Transform {
   std::array<Vector3, 3> columns{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};  ///< images of the unit vectors: the columns of M
@@ -23,3 +25,5 @@ struct Transform {
 [[nodiscard]] inline bool isInParentsAxes(const SceneNode& node) {
   return node.rotation.angle == 0 && node.position == Vector3{} && node.scale == Vector3{1, 1, 1};
 }
+
+}  // namespace gavrel

@@ -12,6 +12,8 @@
 #include <cerrno>
 #include <cstddef>
 
+namespace gavrel {
+
 /// System calls that some file systems do not have.
 struct RefusedCall {
   unsigned number;
@@ -36,3 +38,5 @@ inline void refuse(const RefusedCall& call) {
   if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
     ::_exit(6);
 }
+
+}  // namespace gavrel

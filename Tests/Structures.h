@@ -4,6 +4,8 @@
 
 #include "DataModel/Project.h"
 
+namespace gavrel {
+
 /// Small structures for tests.
 
 struct BarKind {
@@ -30,3 +32,5 @@ inline void clamp(Project& project, std::int64_t node) {
   auto& D = project.D_I.edit();
   for (std::int64_t k = 0; k < dofsPerNode; ++k) D[static_cast<std::size_t>(dofsPerNode * node + k)] = true;
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <system_error>
 
+namespace gavrel {
+
 /// An empty folder that is removed with its content at the end of the test. Its files are read and written with the
 /// standard library only, so that the program's own file code can be judged by them.
 class TemporaryFolder {
@@ -46,3 +48,5 @@ class TemporaryFolder {
  private:
   std::filesystem::path path_;
 };
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 /// The parts of the text between blanks, so that a list of many short ones can be written as one.
 [[nodiscard]] inline std::vector<std::string> words(const std::string& text) {
   std::istringstream stream(text);
@@ -17,3 +19,5 @@
   std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
   return text;
 }
+
+}  // namespace gavrel

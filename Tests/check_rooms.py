@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that each folder uses only what stands below it, and that below Managers nothing uses Qt.
+"""Checks that each folder uses only what stands below it, that below Managers nothing uses Qt, and that code is in namespace gavrel.
 
 The order of the folders is that in which CMakeLists.txt adds them; README.md and CONTRIBUTING.md have to tell the same.
 Prints a line for each fault, and ends with 1 if there is one.
@@ -24,7 +24,10 @@ def faults_of_files(order):
         for file in sorted((root / folder).rglob("*")):
             if file.suffix not in (".h", ".cpp", ".qml"):
                 continue
-            for number, line in enumerate(file.read_text().splitlines(), 1):
+            text = file.read_text()
+            if file.suffix != ".qml" and "namespace gavrel {" not in text and file.name != "main.cpp":
+                yield f"{file.relative_to(root)}: stands in no namespace gavrel"
+            for number, line in enumerate(text.splitlines(), 1):
                 used = USE.match(line)
                 if not used or used[1] in below or used[2] and "Managers" in below:
                     continue

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+namespace gavrel {
+
 namespace {
 
 struct Arm {
@@ -36,3 +38,5 @@ void AxisTriad::paint(QPainter* painter) {
     painter->drawText(QRectF(letter.x() - 8, letter.y() - 8, 16, 16), Qt::AlignCenter, arm.letter);
   }
 }
+
+}  // namespace gavrel

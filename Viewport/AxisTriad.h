@@ -2,8 +2,10 @@
 
 #include "Viewport/CameraOverlay.h"
 
+namespace gavrel {
+
 /// Shows where the scene's axes point.
-class AxisTriad : public CameraOverlay {
+class AxisTriad : public gavrel::CameraOverlay {
   Q_OBJECT
   QML_ELEMENT
 
@@ -12,3 +14,5 @@ class AxisTriad : public CameraOverlay {
 
   void paint(QPainter* painter) override;
 };
+
+}  // namespace gavrel

@@ -6,11 +6,13 @@
 
 #include "Viewport/ViewCamera.h"
 
+namespace gavrel {
+
 /// A 2D item over the 3D area that is repainted whenever the camera or the scene changes.
 class CameraOverlay : public QQuickPaintedItem {
   Q_OBJECT
   QML_ANONYMOUS
-  Q_PROPERTY(ViewCamera* camera READ camera WRITE setCamera REQUIRED)
+  Q_PROPERTY(gavrel::ViewCamera* camera READ camera WRITE setCamera REQUIRED)
 
  public:
   explicit CameraOverlay(QQuickItem* parent = nullptr) : QQuickPaintedItem(parent) { setAntialiasing(true); }
@@ -25,3 +27,5 @@ class CameraOverlay : public QQuickPaintedItem {
  private:
   QPointer<ViewCamera> camera_;
 };
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "Scene/Shapes.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr double highlightGrowth = 1.05;  // so that it covers the shape below it
@@ -100,3 +102,5 @@ void DrawnScene::append(InstanceTable& balls, InstanceTable& tubes, const SceneN
   if (isBall) stretch.y *= growth;
   (isBall ? balls : tubes).append(transformOf(node), stretch, origin_, color);
 }
+
+}  // namespace gavrel

@@ -9,18 +9,20 @@
 #include "Scene/HitTest.h"
 #include "Viewport/InstanceTable.h"
 
+namespace gavrel {
+
 /// A scene as tables for the renderer. Derived classes provide the scene's content and the effect of a click.
 class DrawnScene : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("Only a class that has a scene can be drawn.")
-  Q_PROPERTY(InstanceTable* balls READ balls CONSTANT)
-  Q_PROPERTY(InstanceTable* tubes READ tubes CONSTANT)
-  Q_PROPERTY(InstanceTable* cones READ cones CONSTANT)
-  Q_PROPERTY(InstanceTable* highlightedBall READ highlightedBall CONSTANT)
-  Q_PROPERTY(InstanceTable* highlightedTube READ highlightedTube CONSTANT)
-  Q_PROPERTY(InstanceTable* markedBalls READ markedBalls CONSTANT)
-  Q_PROPERTY(InstanceTable* markedTubes READ markedTubes CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* balls READ balls CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* tubes READ tubes CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* cones READ cones CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* highlightedBall READ highlightedBall CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* highlightedTube READ highlightedTube CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* markedBalls READ markedBalls CONSTANT)
+  Q_PROPERTY(gavrel::InstanceTable* markedTubes READ markedTubes CONSTANT)
   Q_PROPERTY(QColor background READ background CONSTANT)
 
  public:
@@ -75,3 +77,5 @@ class DrawnScene : public QObject {
   InstanceTable markedBalls_;
   InstanceTable markedTubes_;
 };
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <utility>
 
+namespace gavrel {
+
 namespace {
 
 constexpr qint64 shortestShown = 200;  // milliseconds
@@ -41,3 +43,5 @@ void FrameTimer::renew() {
   sinceRenewal_.start();
   emit measured();
 }
+
+}  // namespace gavrel

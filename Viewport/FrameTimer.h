@@ -8,6 +8,8 @@
 #include <atomic>
 #include <memory>
 
+namespace gavrel {
+
 /// Measures how long a window takes for a frame: from the synchronization with its items until the picture has been
 /// handed over. Time in which nothing has to be drawn does not count.
 class FrameTimer : public QObject {
@@ -48,3 +50,5 @@ class FrameTimer : public QObject {
   bool justRenewed_ = false;
   double milliseconds_ = 0;
 };
+
+}  // namespace gavrel

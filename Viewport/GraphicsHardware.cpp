@@ -5,6 +5,8 @@
 #include <QQuickWindow>
 #include <string_view>
 
+namespace gavrel {
+
 namespace {
 
 /// The renderers of Mesa that work without a graphics processor.
@@ -31,3 +33,5 @@ void GraphicsHardware::look() {
   accelerated_ = true;
   emit acceleratedChanged();
 }
+
+}  // namespace gavrel

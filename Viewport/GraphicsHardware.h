@@ -3,6 +3,8 @@
 #include <qqml.h>
 #include <QQuickItem>
 
+namespace gavrel {
+
 /// Whether a graphics processor draws the pictures or the CPU computes them. Known once the item's window has drawn its
 /// first picture; until then the CPU is assumed.
 class GraphicsHardware : public QQuickItem {
@@ -26,3 +28,5 @@ class GraphicsHardware : public QQuickItem {
 
   bool accelerated_ = false;
 };
+
+}  // namespace gavrel

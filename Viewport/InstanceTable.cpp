@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+namespace gavrel {
+
 namespace {
 
 float single(double number) {
@@ -33,3 +35,5 @@ QByteArray InstanceTable::getInstanceBuffer(int* instanceCount) {
   if (instanceCount != nullptr) *instanceCount = size();
   return rows_;
 }
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "DataModel/Vector3.h"
 #include "Scene/Transform.h"
 
+namespace gavrel {
+
 /// Where one mesh of radius 1 is drawn, how large and in which colour, once for each shape of a kind.
 class InstanceTable : public QQuick3DInstancing {
   Q_OBJECT
@@ -38,3 +40,5 @@ class InstanceTable : public QQuick3DInstancing {
 
   QByteArray rows_;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 constexpr double cell = 8;  // pixels; a label needs free cells of a grid of this width
@@ -84,3 +86,5 @@ void SceneLabels::paint(QPainter* painter) {
     painter->drawText(box, Qt::AlignCenter, text);
   }
 }
+
+}  // namespace gavrel

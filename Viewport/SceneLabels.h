@@ -2,9 +2,11 @@
 
 #include "Viewport/CameraOverlay.h"
 
+namespace gavrel {
+
 /// The numbers of nodes and elements beside them. Where there is no room for all, those nearest to the viewer are
 /// shown.
-class SceneLabels : public CameraOverlay {
+class SceneLabels : public gavrel::CameraOverlay {
   Q_OBJECT
   QML_ELEMENT
   Q_PROPERTY(bool nodeNumbers MEMBER nodeNumbers_ NOTIFY changed)
@@ -22,3 +24,5 @@ class SceneLabels : public CameraOverlay {
   bool nodeNumbers_ = false;
   bool elementNumbers_ = false;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include <numbers>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 struct Vertex {
@@ -120,3 +122,5 @@ void ShapeGeometry::build() {
   update();
   emit changed();
 }
+
+}  // namespace gavrel

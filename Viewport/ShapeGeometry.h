@@ -3,6 +3,8 @@
 #include <qqml.h>
 #include <QQuick3DGeometry>
 
+namespace gavrel {
+
 /// The mesh of one shape of radius 1 about its local y axis: a ball, an open tube of height 1, or a cone of height 1
 /// with its base. Instances scale it.
 class ShapeGeometry : public QQuick3DGeometry {
@@ -34,3 +36,5 @@ class ShapeGeometry : public QQuick3DGeometry {
   Shape shape_ = Ball;
   int sides_ = 12;
 };
+
+}  // namespace gavrel

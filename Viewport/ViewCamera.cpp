@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace gavrel {
+
 namespace {
 
 constexpr double pi = std::numbers::pi;
@@ -146,3 +148,5 @@ std::optional<Vector3> ViewCamera::hitAt(double x, double y) const {
   if (hits.empty()) return std::nullopt;
   return ray.at(hits.front().distance);
 }
+
+}  // namespace gavrel

@@ -10,11 +10,13 @@
 #include "Scene/OrbitCamera.h"
 #include "Viewport/DrawnScene.h"
 
+namespace gavrel {
+
 /// The user's camera: its movements by mouse, trackpad, keys and menu, and the values that the renderer takes.
 class ViewCamera : public QObject {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(DrawnScene* contents READ contents WRITE setContents REQUIRED)
+  Q_PROPERTY(gavrel::DrawnScene* contents READ contents WRITE setContents REQUIRED)
   Q_PROPERTY(double width READ width WRITE setWidth NOTIFY changed)
   Q_PROPERTY(double height READ height WRITE setHeight NOTIFY changed)
   Q_PROPERTY(bool zUp READ zUp WRITE setZUp NOTIFY changed)
@@ -86,3 +88,5 @@ class ViewCamera : public QObject {
   Vector3 reference_;  // the point that the present drag moves or turns about
   bool fitted_ = false;
 };
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include "Platform/Fatal.h"
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 QVariant NumberFormat::parse(const QString& text) const {
   const auto number = parseNumber(text.toStdString());
   return number ? QVariant(*number) : QVariant();
@@ -28,3 +30,5 @@ void StandardOutput::print(const QString& line) const {
 void Precondition::require(bool holds, const QString& what) const {
   if (!holds) fatal(what.toStdString());
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVariant>
 
+namespace gavrel {
+
 /// Numbers as texts.
 class NumberFormat : public QObject {
   Q_OBJECT
@@ -42,3 +44,5 @@ class Precondition : public QObject {
   /// Ends the process with the line `what` unless the condition holds.
   Q_INVOKABLE void require(bool holds, const QString& what) const;
 };
+
+}  // namespace gavrel

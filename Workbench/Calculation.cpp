@@ -13,6 +13,8 @@
 #include "Platform/Fatal.h"
 #include "Platform/NumberText.h"
 
+namespace gavrel {
+
 namespace {
 
 // Milliseconds. A repaint waits for the display, so that fast steps share one.
@@ -195,3 +197,5 @@ bool Calculation::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Close) event->ignore();
   return std::ranges::find(dropped, event->type()) != dropped.end() || QObject::eventFilter(watched, event);
 }
+
+}  // namespace gavrel

@@ -11,13 +11,15 @@
 #include "Diagnosis/StructureCheck.h"
 #include "PreviewContent/ProjectViewModel.h"
 
+namespace gavrel {
+
 /// Solves the view model's project, always on a copy first: unless the check finds something serious, the copy's
 /// solution is the result. Only a solve that the user has confirmed can end the process. The solve is synchronous:
 /// between its steps the windows are repainted, but keys and clicks are dropped.
 class Calculation : public QObject {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel REQUIRED)
+  Q_PROPERTY(gavrel::ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel REQUIRED)
   Q_PROPERTY(bool running READ running NOTIFY changed)
   Q_PROPERTY(bool converged READ converged NOTIFY changed)
   Q_PROPERTY(QString outcome READ outcome NOTIFY changed)
@@ -105,3 +107,5 @@ class Calculation : public QObject {
   QList<double> residuals_;  // one for each step
   QElapsedTimer sinceRepaint_;
 };
+
+}  // namespace gavrel

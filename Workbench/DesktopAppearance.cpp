@@ -8,6 +8,8 @@
 #include <QGuiApplication>
 #include <QPalette>
 
+namespace gavrel {
+
 namespace {
 
 const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
@@ -59,3 +61,5 @@ void DesktopAppearance::setDark(bool value) {
   dark_ = value;
   emit darkChanged();
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QVariant>
 
+namespace gavrel {
+
 /// Whether the desktop asks for dark windows, kept up to date: as its settings portal says or, without a portal,
 /// as the palette of its theme shows.
 class DesktopAppearance : public QObject {
@@ -29,3 +31,5 @@ class DesktopAppearance : public QObject {
 
   bool dark_ = false;
 };
+
+}  // namespace gavrel

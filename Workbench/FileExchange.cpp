@@ -10,6 +10,8 @@
 #include "PreviewContent/FileUrl.h"
 #include "Workbench/PngFile.h"
 
+namespace gavrel {
+
 namespace {
 
 QString report(const std::optional<Failure>& failure, const std::filesystem::path& file) {
@@ -40,15 +42,15 @@ QString FileExchange::importFiles(const QList<QUrl>& files, double area, double 
 }
 
 QString FileExchange::exportNodes(const QUrl& file) {
-  return write(::exportNodes, file);
+  return write(gavrel::exportNodes, file);
 }
 
 QString FileExchange::exportElements(const QUrl& file) {
-  return write(::exportElements, file);
+  return write(gavrel::exportElements, file);
 }
 
 QString FileExchange::exportVtu(const QUrl& file) {
-  return write(::exportVtu, file);
+  return write(gavrel::exportVtu, file);
 }
 
 QString FileExchange::exportPicture(const QImage& picture, const QUrl& file) {
@@ -68,3 +70,5 @@ QString FileExchange::write(Write write, const QUrl& file) {
 std::optional<Failure> FileExchange::whyNotExportable(const std::filesystem::path& file) const {
   return whyNotWritable({file}, {viewModel_.currentFileUrl.value_or(std::filesystem::path())});
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "Exchange/Export.h"
 #include "PreviewContent/ProjectViewModel.h"
 
+namespace gavrel {
+
 /// Files from and for other programs. Each operation returns what its user should read; empty if all went well.
 class FileExchange {
   Q_DECLARE_TR_FUNCTIONS(FileExchange)
@@ -34,3 +36,5 @@ class FileExchange {
 
   ProjectViewModel& viewModel_;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "Platform/Console.h"
 #include "Workbench/FileExchange.h"
 
+namespace gavrel {
+
 namespace {
 
 bool isTableOrDrawing(const QUrl& file) {
@@ -307,3 +309,5 @@ void FileFlow::showNextPrompt() {
   }
   emit changed();
 }
+
+}  // namespace gavrel

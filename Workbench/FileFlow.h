@@ -16,6 +16,8 @@
 #include "Workbench/Prompt.h"
 #include "Workbench/Recovery.h"
 
+namespace gavrel {
+
 /// The user's file operations: new, open, save, import, export, quit. Each asks its questions first (about unsaved
 /// changes, for a file), then runs, then reports.
 ///
@@ -24,8 +26,8 @@
 class FileFlow : public QObject {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel REQUIRED)
-  Q_PROPERTY(Prompt prompt READ prompt NOTIFY changed)
+  Q_PROPERTY(gavrel::ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel REQUIRED)
+  Q_PROPERTY(gavrel::Prompt prompt READ prompt NOTIFY changed)
   Q_PROPERTY(bool interrupted READ interrupted NOTIFY changed)
   Q_PROPERTY(QList<QUrl> filesToImport MEMBER filesToImport_ NOTIFY changed)
   Q_PROPERTY(bool busy READ busy NOTIFY changed)
@@ -126,3 +128,5 @@ class FileFlow : public QObject {
   std::vector<Prompt> prompts_;  // the last is shown first
   Prompt shown_;
 };
+
+}  // namespace gavrel

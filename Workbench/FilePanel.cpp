@@ -8,6 +8,8 @@
 #include <QQuickWindow>
 #include <QWindow>
 
+namespace gavrel {
+
 namespace {
 
 /// The colours of a palette of Qt Quick, whose properties are named like the roles of a QPalette.
@@ -85,3 +87,5 @@ void FilePanel::finish(int result) {
     emit rejected();
   }
 }
+
+}  // namespace gavrel

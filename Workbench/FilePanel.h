@@ -11,6 +11,8 @@
 class QFileDialog;
 class QWindow;
 
+namespace gavrel {
+
 /// The panel in which a user chooses files: the desktop's own where it has one, Qt's otherwise. It never asks whether
 /// an existing file may be replaced, since some desktops ask before the suffix is added and some not at all: the
 /// panel's owner asks. While it is open, the program's windows take no input.
@@ -41,3 +43,5 @@ class FilePanel : public QObject {
   QPointer<QFileDialog> dialog_;
   QObject* palette_ = nullptr;  // of the window: Qt's own panel takes its colours
 };
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QUrl>
 
+namespace gavrel {
+
 /// What the file panel is to ask for: the kind of files and the texts that it shows.
 struct FileRequest {
   Q_GADGET
@@ -20,3 +22,5 @@ struct FileRequest {
   QString name = {};    ///< proposed name of a file to write
   QUrl folder = {};     ///< the folder to begin in
 };
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 #include <QString>
 #include <functional>
 
+namespace gavrel {
+
 /// A question with its answers or, without a question, a notice. An answer without a text is not offered. Escape gives
 /// the reject answer; Return gives the default answer to a question and closes a notice. A notice has no destructive
 /// answer.
@@ -25,3 +27,5 @@ struct Prompt {
   std::function<void()> onReject = {};
   std::function<void()> onDefault = {};
 };
+
+}  // namespace gavrel

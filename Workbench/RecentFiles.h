@@ -8,6 +8,8 @@
 #include "PreviewContent/ProjectViewModel.h"
 #include "Workbench/RecentPaths.h"
 
+namespace gavrel {
+
 /// The project files that were opened or saved last, the latest first, kept in the user's settings. Files that are no
 /// longer there are left out.
 class RecentFiles : public QObject {
@@ -34,3 +36,5 @@ class RecentFiles : public QObject {
 
   RecentPaths paths_;
 };
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <algorithm>
 
+namespace gavrel {
+
 namespace {
 
 constexpr qsizetype maximumCount = 10;
@@ -28,3 +30,5 @@ void RecentPaths::add(const QString& path) {
 void RecentPaths::clear() {
   settings_.remove(key);
 }
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include <QSettings>
 #include <QStringList>
 
+namespace gavrel {
+
 /// The paths of the project files that were used last, the latest first, in the user's settings.
 class RecentPaths {
  public:
@@ -17,3 +19,5 @@ class RecentPaths {
  private:
   QSettings settings_;
 };
+
+}  // namespace gavrel

@@ -15,6 +15,8 @@
 #include "Platform/TemporaryFile.h"
 #include "PreviewContent/Drawable.h"
 
+namespace gavrel {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -232,3 +234,5 @@ qint64 Recovery::offeredElements() const {
   if (!offer_) return 0;
   return std::ssize(*offer_->content.project->trussElements) + std::ssize(*offer_->content.project->beamElements);
 }
+
+}  // namespace gavrel

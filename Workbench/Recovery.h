@@ -17,6 +17,8 @@
 #include "PreviewContent/ProjectViewModel.h"
 #include "Workbench/RecoveryFile.h"
 
+namespace gavrel {
+
 /// Keeps unsaved changes in a recovery file, so that a crash loses at most the last second, and offers the recovery
 /// files that former processes have left.
 ///
@@ -107,3 +109,5 @@ class Recovery : public QObject {
   std::optional<RecoveredProject> latest_;  // the copy to write; shared with the writer
   QThreadPool writer_;  // one thread; declared last, so that it ends before what it uses is destroyed
 };
+
+}  // namespace gavrel

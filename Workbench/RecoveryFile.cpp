@@ -18,6 +18,8 @@
 #include "Platform/FileBytes.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t checksumSize = 64;  // hexadecimal digits
@@ -202,3 +204,5 @@ Result<RecoveredProject> readRecovery(const std::filesystem::path& path) try {
 } catch (const Missing& missing) {
   return Failure{"another version has written it: " + shownText(missing.key) + " is not there"};
 }
+
+}  // namespace gavrel

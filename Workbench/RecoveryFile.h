@@ -10,6 +10,8 @@
 #include "Platform/FileStamp.h"
 #include "Platform/Result.h"
 
+namespace gavrel {
+
 /// A structure that has not been saved, as kept in case the process ends unexpectedly.
 struct RecoveredProject {
   std::shared_ptr<Project> project;
@@ -29,3 +31,5 @@ struct RecoveredProject {
 
 /// Reads such a file. Fails, with the reason, on any file but one that writeRecovery wrote, whole and unchanged.
 [[nodiscard]] Result<RecoveredProject> readRecovery(const std::filesystem::path& path);
+
+}  // namespace gavrel

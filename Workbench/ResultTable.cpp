@@ -7,6 +7,8 @@
 #include <cmath>
 #include <numeric>
 
+namespace gavrel {
+
 namespace {
 
 /// In lower case, because searches ignore case.
@@ -147,3 +149,5 @@ void ResultTable::sortPositions() {
   });
   std::ranges::transform(keys, positions_.begin(), &Key::position);
 }
+
+}  // namespace gavrel

@@ -10,13 +10,15 @@
 #include "Exchange/TableColumn.h"
 #include "PreviewContent/ProjectViewModel.h"
 
+namespace gavrel {
+
 /// The nodes or the elements of the project as a table to sort and search. It follows the project while it is `active`.
 /// Sorting and searching change rows; the position of a node or element is its place in the project.
 class ResultTable : public QAbstractTableModel {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(
-      ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel NOTIFY arranged REQUIRED)
+  Q_PROPERTY(gavrel::ProjectViewModel* projectViewModel READ projectViewModel WRITE setProjectViewModel NOTIFY arranged
+                 REQUIRED)
   Q_PROPERTY(bool showsElements MEMBER showsElements_ NOTIFY arranged)
   Q_PROPERTY(bool active READ active WRITE setActive NOTIFY arranged)
   Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY arranged)
@@ -84,3 +86,5 @@ class ResultTable : public QAbstractTableModel {
   bool descending_ = false;
   std::vector<std::int64_t> positions_;  // of each row
 };
+
+}  // namespace gavrel

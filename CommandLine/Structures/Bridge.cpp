@@ -3,6 +3,8 @@
 #include <array>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 /// The nodes of one truss: lower ones 0 to panels, upper ones 1 to panels - 1 (index 0 is unused).
@@ -59,3 +61,5 @@ std::shared_ptr<Project> Bridge::build() const {
   }
   return builder.project();
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "CommandLine/Structures/StructureBuilder.h"
 
+namespace gavrel {
+
 /// A through truss bridge along x: two Pratt trusses, joined by floor members, top struts, bracing in the planes of
 /// both chords and a diagonal in each portal frame. It is held at x = 0 and rolls along x at the other end; the total
 /// load is shared equally by the lower nodes between the supports.
@@ -17,3 +19,5 @@ struct Bridge {
 
   [[nodiscard]] std::shared_ptr<Project> build() const;
 };
+
+}  // namespace gavrel

@@ -1,5 +1,7 @@
 #include "CommandLine/Structures/CableNet.h"
 
+namespace gavrel {
+
 std::shared_ptr<Project> CableNet::build() const {
   const std::string size = std::to_string(cells);
   StructureBuilder builder((sag < 0 ? "Vault, " : "Cable net, ") + size + " x " + size + " cells", bars);
@@ -34,3 +36,5 @@ std::shared_ptr<Project> CableNet::build() const {
     }
   return builder.project();
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "CommandLine/Structures/StructureBuilder.h"
 
+namespace gavrel {
+
 /// A square net of cells with one diagonal each, hanging as a paraboloid from its held edges. The total load is shared
 /// equally by the inner nodes. A negative sag makes it a vault.
 struct CableNet {
@@ -15,3 +17,5 @@ struct CableNet {
 
   [[nodiscard]] std::shared_ptr<Project> build() const;
 };
+
+}  // namespace gavrel

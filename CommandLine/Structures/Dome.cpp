@@ -4,6 +4,8 @@
 #include <numbers>
 #include <vector>
 
+namespace gavrel {
+
 namespace {
 
 using Ring = std::vector<std::int64_t>;
@@ -53,3 +55,5 @@ std::shared_ptr<Project> Dome::build() const {
   for (const std::int64_t node : upper) builder.hold(node);
   return builder.project();
 }
+
+}  // namespace gavrel

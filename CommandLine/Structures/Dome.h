@@ -4,6 +4,8 @@
 
 #include "CommandLine/Structures/StructureBuilder.h"
 
+namespace gavrel {
+
 /// A Schwedler dome: a spherical cap of ribs and rings with crossed diagonals. The lowest ring is held, the total load
 /// is shared equally by the nodes above it.
 struct Dome {
@@ -16,3 +18,5 @@ struct Dome {
 
   [[nodiscard]] std::shared_ptr<Project> build() const;
 };
+
+}  // namespace gavrel

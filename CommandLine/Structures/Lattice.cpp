@@ -3,6 +3,8 @@
 #include <array>
 #include <string>
 
+namespace gavrel {
+
 namespace {
 
 /// Steps from a node to the neighbours of higher number that a bar joins it to: along the axes and across the faces.
@@ -38,3 +40,5 @@ std::shared_ptr<Project> Lattice::build() const {
   });
   return builder.project();
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "CommandLine/Structures/StructureBuilder.h"
 
+namespace gavrel {
+
 /// A cube of nodesPerEdge^3 nodes with bars along the axes and both diagonals of every square face of its cells. The
 /// face x = 0 is held, the total load is shared equally by the nodes of the opposite face.
 struct Lattice {
@@ -14,3 +16,5 @@ struct Lattice {
 
   [[nodiscard]] std::shared_ptr<Project> build() const;
 };
+
+}  // namespace gavrel

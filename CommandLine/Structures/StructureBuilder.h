@@ -6,6 +6,8 @@
 
 #include "DataModel/Project.h"
 
+namespace gavrel {
+
 /// Section, material and behaviour of the bars that a generator adds. Consistent units; the defaults are a steel bar in
 /// kN and m.
 struct BarProperties {
@@ -51,3 +53,5 @@ class StructureBuilder {
   std::shared_ptr<Project> project_;
   BarProperties properties_;
 };
+
+}  // namespace gavrel

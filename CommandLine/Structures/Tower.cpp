@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace gavrel {
+
 namespace {
 
 constexpr std::size_t legs = 4;
@@ -42,3 +44,5 @@ std::shared_ptr<Project> Tower::build() const {
   for (const std::int64_t node : level) builder.load(node, totalLoad, 1.0 / legs);
   return builder.project();
 }
+
+}  // namespace gavrel

@@ -4,6 +4,8 @@
 
 #include "CommandLine/Structures/StructureBuilder.h"
 
+namespace gavrel {
+
 /// A four-legged lattice tower with crossed diagonals on its faces and a square with one diagonal at every level. The
 /// feet are held, the total load is shared equally by the four top nodes.
 struct Tower {
@@ -17,3 +19,5 @@ struct Tower {
 
   [[nodiscard]] std::shared_ptr<Project> build() const;
 };
+
+}  // namespace gavrel

@@ -3,6 +3,8 @@
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 TEST(Check, TellsWhatItFindsAndWithWhichStatus) {
   const TemporaryFolder folder;
   const auto sound = gavrelCli({"check", folder.put("bar.json", singleBarJson())});

@@ -12,6 +12,8 @@
 #include "DataModel/ProjectFile.h"
 #include "Tests/Structures.h"
 
+namespace gavrel {
+
 namespace {
 
 /// The reading and the writing end of a pipe or a pseudo-terminal.
@@ -78,3 +80,5 @@ std::string singleBarJson(double loadOnRestraint) {
   project.F_I.edit()[7] = loadOnRestraint;
   return *encodeProject(project);
 }
+
+}  // namespace gavrel

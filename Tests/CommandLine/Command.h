@@ -5,6 +5,8 @@
 
 #include "Tests/Text.h"
 
+namespace gavrel {
+
 /// What a run of gavrel-cli left behind.
 struct CommandOutcome {
   int status = -1;  ///< exit status; -1 after a signal
@@ -25,3 +27,5 @@ struct CommandStreams {
 /// A project of one bar between a held node and one that is pulled along x by 20 and rolls there; EA/L = 1000. A load
 /// on the pulled node's restrained y keeps it from ever converging.
 [[nodiscard]] std::string singleBarJson(double loadOnRestraint = 0);
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 using testing::HasSubstr;
 using testing::StartsWith;
 

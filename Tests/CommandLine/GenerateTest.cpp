@@ -5,6 +5,8 @@
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 TEST(Generated, StructuresAreStableAndCarryTheirLoad) {
   const TemporaryFolder folder;
   for (const std::string kind :

@@ -4,6 +4,8 @@
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 using testing::HasSubstr;
 
 namespace {

@@ -9,6 +9,8 @@
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 using testing::HasSubstr;
 using testing::StartsWith;
 

@@ -3,6 +3,8 @@
 #include "Tests/CommandLine/Command.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 TEST(Usage, EveryCommandHasHelpWithAnExample) {
   for (const char* command : {"", "solve", "info", "generate", "generate lattice", "generate bridge", "generate tower",
                               "generate dome", "generate cable-net"}) {

@@ -4,6 +4,8 @@
 
 #include "DataModel/ProjectFile.h"
 
+using namespace gavrel;
+
 TEST(ArrayLengths, WhatIsMissingIsFilledAndWhatIsTooMuchRefused) {
   const struct {
     std::size_t coordinates, loads, restraints;

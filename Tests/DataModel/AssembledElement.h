@@ -6,6 +6,8 @@
 #include "DataModel/BeamElement.h"
 #include "DataModel/TrussElement.h"
 
+namespace gavrel {
+
 /// What one element between the nodes 0 and 1 adds to an otherwise empty structure whose unknowns are all free.
 struct AssembledElement {
   static constexpr std::size_t size = 12;
@@ -32,3 +34,5 @@ struct AssembledElement {
     return 0;
   }
 };
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 
 #include "Tests/DataModel/AssembledElement.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr std::size_t size = AssembledElement::size;

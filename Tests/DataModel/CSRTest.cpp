@@ -9,6 +9,8 @@
 #include "DataModel/BeamElement.h"
 #include "DataModel/TrussElement.h"
 
+using namespace gavrel;
+
 namespace {
 
 using Columns = std::vector<std::vector<std::int32_t>>;

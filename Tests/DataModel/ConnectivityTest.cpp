@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace gavrel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -7,6 +7,8 @@
 #include "DataModel/BeamElement.h"
 #include "DataModel/TrussElement.h"
 
+using namespace gavrel;
+
 namespace {
 
 TrussElement truss(const Vector3& start, const Vector3& end) {

@@ -11,6 +11,8 @@
 #include "Tests/TemporaryFolder.h"
 #include "Tests/Text.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::HasSubstr;

@@ -5,6 +5,8 @@
 #include "DataModel/Solver.h"
 #include "Tests/Structures.h"
 
+using namespace gavrel;
+
 namespace {
 
 TEST(Project, EachNodeAddsSixUnknowns) {

@@ -7,6 +7,8 @@
 #include "DataModel/Solver.h"
 #include "Tests/Structures.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::DoubleNear;

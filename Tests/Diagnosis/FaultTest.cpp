@@ -5,6 +5,8 @@
 #include "Diagnosis/StructureCheck.h"
 #include "Tests/Diagnosis/Triangle.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::HasSubstr;

@@ -12,6 +12,8 @@
 #include "Diagnosis/StructureCheck.h"
 #include "Tests/Diagnosis/Triangle.h"
 
+using namespace gavrel;
+
 namespace {
 
 using enum Finding::Consequence;

@@ -6,6 +6,8 @@
 #include "Platform/NumberText.h"
 #include "Tests/Diagnosis/Triangle.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -2,6 +2,8 @@
 
 #include "Tests/Structures.h"
 
+namespace gavrel {
+
 /// A triangle in the plane z = 0 with corners at (0, 0), (4, 0) and (1, 2), held at the first two, loaded at the third.
 struct Triangle : Project {
   explicit Triangle(BarKind kind = {}) {
@@ -14,3 +16,5 @@ struct Triangle : Project {
     setLoadAndRestraint(2, {1, -2, 0}, false, false, false);
   }
 };
+
+}  // namespace gavrel

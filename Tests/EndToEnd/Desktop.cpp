@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <thread>
 
+namespace gavrel {
+
 using namespace std::chrono_literals;
 
 Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program, Rights rights)
@@ -155,3 +157,5 @@ void Desktop::settle() {
     return same;
   });
 }
+
+}  // namespace gavrel

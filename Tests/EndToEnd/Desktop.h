@@ -11,6 +11,8 @@
 #include "Tests/EndToEnd/Image.h"
 #include "Tests/TemporaryFolder.h"
 
+namespace gavrel {
+
 /// The real program on a display of its own, seen and worked as a person does: by pictures, mouse and keys. What does
 /// not come about within half a minute throws.
 class Desktop {
@@ -83,3 +85,5 @@ class Desktop {
   pid_t program_ = -1;
   std::size_t read_ = 0;  // bytes of the output that expectLine has passed
 };
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+namespace gavrel {
+
 Image Image::from(const std::string& command) {
   FILE* pipe = ::popen(command.c_str(), "r");
   Image image;
@@ -69,3 +71,5 @@ std::vector<Image::Point> Image::balls() const {
   std::ranges::sort(middles, {}, &Point::x);
   return middles;
 }
+
+}  // namespace gavrel

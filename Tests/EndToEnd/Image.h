@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace gavrel {
+
 /// A picture of the screen, as far as a test needs to understand one.
 struct Image {
   struct Pixel {
@@ -36,3 +38,5 @@ struct Image {
   /// Middles of the nodes' balls, blue or cyan, from left to right.
   [[nodiscard]] std::vector<Point> balls() const;
 };
+
+}  // namespace gavrel

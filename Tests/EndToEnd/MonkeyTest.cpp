@@ -12,6 +12,8 @@
 
 #include "Tests/EndToEnd/Desktop.h"
 
+using namespace gavrel;
+
 namespace {
 
 long setting(const char* name, long usual) {

@@ -7,6 +7,8 @@
 #include "Tests/EndToEnd/Image.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 const std::string example = GAVREL_EXAMPLES "/warren-truss.json";

@@ -10,6 +10,8 @@
 #include "Tests/EndToEnd/Desktop.h"
 #include "Tests/Managers/UpdateServer.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

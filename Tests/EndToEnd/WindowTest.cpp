@@ -12,6 +12,8 @@
 #include "Tests/EndToEnd/Desktop.h"
 #include "Tests/Structures.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// The text of the array under `key`, without white space.

@@ -7,6 +7,8 @@
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::HasSubstr;

@@ -11,6 +11,8 @@
 #include "Exchange/Import.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// Decimal numbers that are hard to round: long, halfway between two doubles or beside it, as small or large as doubles

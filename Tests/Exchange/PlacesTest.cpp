@@ -6,6 +6,8 @@
 #include <limits>
 #include <random>
 
+using namespace gavrel;
+
 namespace {
 
 constexpr std::int64_t many = 20000;

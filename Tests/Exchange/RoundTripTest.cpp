@@ -11,6 +11,8 @@
 #include "Tests/Structures.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// That the project's tables make the same of an empty project.

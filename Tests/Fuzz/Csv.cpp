@@ -1,5 +1,7 @@
 #include "Tests/Fuzz/Imported.h"
 
+using namespace gavrel;
+
 /// One table, or two with a zero byte between them.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string_view text = textOf(data, size);

@@ -3,6 +3,8 @@
 
 #include "Tests/Fuzz/Imported.h"
 
+using namespace gavrel;
+
 /// A drawing after a byte that chooses the tolerance.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   if (size == 0) return 0;

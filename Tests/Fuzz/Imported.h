@@ -11,6 +11,8 @@
 #include "Exchange/Import.h"
 #include "Tests/Fuzz/Require.h"
 
+namespace gavrel {
+
 /// Whether an import ends with a reason that has its place or with a whole project; such a project holds finite numbers
 /// and nodes that are there, and comes back from its own tables as it was. Returns the project.
 inline std::unique_ptr<Project> requireSoundImport(const std::vector<std::filesystem::path>& files,
@@ -53,3 +55,5 @@ inline std::unique_ptr<Project> requireSoundImport(const std::vector<std::filesy
   require(*back.beamElements == *project.beamElements, "beams changed");
   return imported;
 }
+
+}  // namespace gavrel

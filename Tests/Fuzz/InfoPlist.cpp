@@ -1,6 +1,8 @@
 #include "Managers/BundleInfo.h"
 #include "Tests/Fuzz/Require.h"
 
+using namespace gavrel;
+
 /// Texts are read only from what looks like XML, and without what XML cannot hold.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string_view text = textOf(data, size);

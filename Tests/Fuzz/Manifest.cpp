@@ -1,6 +1,8 @@
 #include "Managers/VersionInfo.h"
 #include "Tests/Fuzz/Require.h"
 
+using namespace gavrel;
+
 /// What decodes is encoded as something that decodes to the same, and of two versions at most one is newer.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));

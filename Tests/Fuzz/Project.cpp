@@ -5,6 +5,8 @@
 #include "Platform/JsonFault.h"
 #include "Tests/Fuzz/Require.h"
 
+using namespace gavrel;
+
 namespace {
 
 using nlohmann::json;

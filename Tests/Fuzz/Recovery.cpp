@@ -3,6 +3,8 @@
 #include "Tests/Fuzz/Require.h"
 #include "Workbench/RecoveryFile.h"
 
+using namespace gavrel;
+
 /// A file without its checksum: what reads is written as a file that reads as the same.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const TemporaryFolder& folder = inputFolder();

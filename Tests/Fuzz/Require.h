@@ -7,6 +7,8 @@
 
 #include "Tests/TemporaryFolder.h"
 
+namespace gavrel {
+
 /// Ends the process, which the fuzzer reports with the input, unless this holds.
 inline void require(bool holds, const char* what) {
   if (holds) return;
@@ -23,3 +25,5 @@ inline const TemporaryFolder& inputFolder() {
   static const TemporaryFolder folder;
   return folder;
 }
+
+}  // namespace gavrel

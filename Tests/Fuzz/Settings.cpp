@@ -3,6 +3,8 @@
 #include "Tests/Fuzz/Require.h"
 #include "Workbench/RecentPaths.h"
 
+using namespace gavrel;
+
 /// Whatever the settings, what they name are files that are there; a file that is added comes first, and is read back.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   static int run = 0;  // Qt keeps what it has read of a file by its name

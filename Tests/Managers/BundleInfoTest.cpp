@@ -4,6 +4,8 @@
 
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

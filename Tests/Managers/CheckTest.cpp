@@ -2,6 +2,8 @@
 
 #include "Tests/Managers/ManagerCase.h"
 
+using namespace gavrel;
+
 namespace {
 
 const VersionInfo newer{"1.10", 8, "https://localhost/a.zip", "Says \"more\"\n", false, "12"};

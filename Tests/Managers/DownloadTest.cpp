@@ -6,6 +6,8 @@
 #include "Tests/Managers/ManagerCase.h"
 #include "Tests/Managers/SigningKeys.h"
 
+using namespace gavrel;
+
 namespace {
 
 class Download : public ManagerCase {

@@ -5,6 +5,8 @@
 #include "Tests/Managers/ManagerCase.h"
 #include "Tests/Managers/SigningKeys.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

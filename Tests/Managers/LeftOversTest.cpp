@@ -12,6 +12,8 @@
 #include "Platform/FileDescriptor.h"
 #include "Tests/Managers/ManagerCase.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -12,6 +12,8 @@
 #include "Tests/Managers/UpdateServer.h"
 #include "Tests/TemporaryFolder.h"
 
+namespace gavrel {
+
 /// Lets events happen until `holds` does, for up to twenty seconds.
 inline bool happens(const std::function<bool()>& holds) {
   for (const QDeadlineTimer end(20000); !holds();) {
@@ -55,3 +57,5 @@ class ManagerCase : public testing::Test {
   QStringList history;  // names of the states
   bool terminated = false;
 };
+
+}  // namespace gavrel

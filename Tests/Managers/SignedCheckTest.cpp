@@ -5,6 +5,8 @@
 #include "Tests/Managers/ManagerCase.h"
 #include "Tests/Managers/SigningKeys.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// Checks on the first of June 2026 against a server whose manifests are signed.

@@ -6,6 +6,8 @@
 #include "Tests/Managers/UpdateServer.h"
 #include "Tests/TemporaryFolder.h"
 
+namespace gavrel {
+
 /// Keys and signatures as the maintainers make them: of "ours", the "next" one, and "theirs", which nobody trusts.
 class SigningKeys {
  public:
@@ -31,3 +33,5 @@ class SigningKeys {
 
   TemporaryFolder files_;
 };
+
+}  // namespace gavrel

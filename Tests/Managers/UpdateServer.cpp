@@ -6,6 +6,8 @@
 #include <QSslKey>
 #include <stdexcept>
 
+namespace gavrel {
+
 void runTool(const QString& program, const QStringList& arguments, const QString& folder) {
   QProcess process;
   process.setProcessChannelMode(QProcess::MergedChannels);
@@ -75,3 +77,5 @@ void UpdateServer::answer(QSslSocket& connection, const QByteArray& path) {
                    what.body.first(what.cutOffAfter < 0 ? what.body.size() : what.cutOffAfter));
   connection.disconnectFromHost();
 }
+
+}  // namespace gavrel

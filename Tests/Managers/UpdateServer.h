@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+namespace gavrel {
+
 /// How the server answers a request.
 struct Answer {
   QByteArray body = {};
@@ -46,3 +48,5 @@ class UpdateServer : public QTcpServer {
 
 /// Runs a program and throws, with what it said, unless it succeeds.
 void runTool(const QString& program, const QStringList& arguments, const QString& folder = {});
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 TEST(Fatal, IndexOutsideTheArrayAndOverflowEndTheProcess) {

@@ -21,6 +21,8 @@
 #include "Tests/RefusedCalls.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -6,6 +6,8 @@
 #include <random>
 #include <string>
 
+using namespace gavrel;
+
 namespace {
 
 using namespace std::string_view_literals;

@@ -11,6 +11,8 @@
 
 #include "Tests/Text.h"
 
+using namespace gavrel;
+
 namespace {
 
 using Limits = std::numeric_limits<double>;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace gavrel;
+
 using namespace std::string_literals;
 
 TEST(ShownText, EscapesWhatATerminalObeysAndNothingElse) {

@@ -8,6 +8,8 @@
 #include <set>
 #include <vector>
 
+using namespace gavrel;
+
 namespace {
 
 using Kind = CholeskyFault::Kind;

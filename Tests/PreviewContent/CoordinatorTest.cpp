@@ -5,6 +5,8 @@
 
 #include <string>
 
+using namespace gavrel;
+
 namespace {
 
 using Number = std::optional<std::int64_t>;

@@ -11,6 +11,8 @@
 #include "Platform/Console.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -8,6 +8,8 @@
 #include "Tests/Structures.h"
 #include "Viewport/ViewCamera.h"
 
+namespace gavrel {
+
 /// A 3D area of 900 x 600 pixels without a window. Node 0 is in the middle of the picture, 10 before the camera, node 1
 /// 4 to its right and node 2 4 above it; bar 0 joins the first two, beam 0 the last two.
 struct SceneArea {
@@ -45,3 +47,5 @@ struct SceneArea {
 
   Project& project() { return **model.project; }
 };
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 
 #include "Tests/PreviewContent/SceneArea.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// One row of a table: where the mesh's origin and unit vectors go, and its colour.

@@ -13,6 +13,8 @@
 #include "Scene/Transform.h"
 #include "Tests/Structures.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr Color blue{0, 0, 1, 1}, cyan{0, 1, 1, 1}, yellow{1, 1, 0, 1}, orange{1, 0.5, 0, 1}, red{1, 0, 0, 1};

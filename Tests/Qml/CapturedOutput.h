@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <cstdio>
 
+namespace gavrel {
+
 /// Captures what the program prints on standard output.
 class CapturedOutput : public QObject {
   Q_OBJECT
@@ -37,3 +39,5 @@ class CapturedOutput : public QObject {
   int former_ = -1;
   std::FILE* file_ = nullptr;
 };
+
+}  // namespace gavrel

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+namespace gavrel {
+
 /// Files for tests, and their dropping on the middle of an item, as the window system would.
 class Drops : public QObject {
   Q_OBJECT
@@ -36,3 +38,5 @@ class Drops : public QObject {
  private:
   QTemporaryDir folder_;
 };
+
+}  // namespace gavrel

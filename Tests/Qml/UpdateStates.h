@@ -7,11 +7,13 @@
 
 #include "Managers/UpdateManager.h"
 
+namespace gavrel {
+
 /// An update manager of version 1.2, and the way into each of its states.
 class UpdateStates : public QObject {
   Q_OBJECT
-  Q_PROPERTY(UpdateManager* manager READ manager CONSTANT)
-  Q_PROPERTY(UpdateManager* unnamed READ unnamed CONSTANT)
+  Q_PROPERTY(gavrel::UpdateManager* manager READ manager CONSTANT)
+  Q_PROPERTY(gavrel::UpdateManager* unnamed READ unnamed CONSTANT)
 
  public:
   using QObject::QObject;
@@ -45,3 +47,5 @@ class UpdateStates : public QObject {
                           .bundle = {{}, {}, {{"CFBundleName", "Gavrel"}, {"CFBundleShortVersionString", "1.2"}}}}};
   UpdateManager unnamed_{{.versionCheckUrl = {}, .settings = files_.filePath("other.ini")}};
 };
+
+}  // namespace gavrel

@@ -12,6 +12,8 @@ Q_IMPORT_QML_PLUGIN(Gavrel_ViewportPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_WorkbenchPlugin)
 
+using namespace gavrel;
+
 /// Lets the tests import the program's QML modules and read what it prints ("standardOutput"),
 /// bring an update manager into its states ("updates"), and drop files ("drops").
 class Setup : public QObject {

@@ -4,6 +4,8 @@
 
 #include <limits>
 
+using namespace gavrel;
+
 namespace {
 
 TEST(Bounds, ReachAroundEveryBallWithProperNumbers) {

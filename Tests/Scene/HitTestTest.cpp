@@ -11,6 +11,8 @@
 
 #include "Scene/Shapes.h"
 
+using namespace gavrel;
+
 namespace {
 
 using Limits = std::numeric_limits<double>;

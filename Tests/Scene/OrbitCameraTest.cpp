@@ -7,6 +7,8 @@
 #include <numbers>
 #include <random>
 
+using namespace gavrel;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

@@ -8,6 +8,8 @@
 
 #include "Scene/Shapes.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

@@ -10,6 +10,8 @@
 #include "Platform/FileBytes.h"
 #include "Tests/Verification/SolvedExample.h"
 
+using namespace gavrel;
+
 namespace {
 
 using Forces = std::vector<std::array<double, 3>>;

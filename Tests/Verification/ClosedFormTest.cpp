@@ -5,6 +5,8 @@
 
 #include "Tests/Verification/SolvedExample.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::DoubleNear;

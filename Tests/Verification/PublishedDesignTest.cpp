@@ -5,6 +5,8 @@
 
 #include "Tests/Verification/SolvedExample.h"
 
+using namespace gavrel;
+
 // Two trusses of the literature on structural optimization, each with a published least-weight design. A published
 // design is a check of the analysis because limits on displacement and stress are active in it: displacements and
 // stresses that were constraints of the search are known to the digits to which the areas were printed.

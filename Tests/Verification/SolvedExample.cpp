@@ -7,6 +7,8 @@
 
 #include "DataModel/ProjectFile.h"
 
+namespace gavrel {
+
 double SolvedExample::U(std::int64_t node, std::int64_t direction) const {
   return project->U_I->at(static_cast<std::size_t>(dofsPerNode * node + direction));
 }
@@ -34,3 +36,5 @@ SolvedExample solveExample(const std::string& name) {
   testing::internal::GetCapturedStdout();
   return solved;
 }
+
+}  // namespace gavrel

@@ -10,6 +10,8 @@
 
 #include "DataModel/Project.h"
 
+namespace gavrel {
+
 /// One file of Examples/ after Solve().
 struct SolvedExample {
   std::shared_ptr<Project> project;
@@ -30,3 +32,5 @@ struct SolvedExample {
 [[nodiscard]] inline auto closeTo(double expected) {
   return testing::DoubleNear(expected, 1e-6 * std::abs(expected));
 }
+
+}  // namespace gavrel

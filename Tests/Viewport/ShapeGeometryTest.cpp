@@ -8,6 +8,8 @@
 #include <numbers>
 #include <vector>
 
+using namespace gavrel;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

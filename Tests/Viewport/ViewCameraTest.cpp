@@ -9,6 +9,8 @@
 #include "Tests/Viewport/ViewedScene.h"
 #include "Viewport/FrameTimer.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

@@ -4,6 +4,8 @@
 
 #include "Viewport/ViewCamera.h"
 
+namespace gavrel {
+
 /// A picture of 900 x 600 pixels without a window: a ball in the middle, 10 before the camera, one 4 to its right and
 /// one 4 above it, with tubes from the first to the second and from the second to the third.
 struct ViewedScene {
@@ -47,3 +49,5 @@ struct ViewedScene {
     contents.drawn.rootNode.children.push_back(node);
   }
 };
+
+}  // namespace gavrel

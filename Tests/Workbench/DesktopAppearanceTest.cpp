@@ -7,6 +7,8 @@
 
 #include "Tests/Workbench/FakePortal.h"
 
+using namespace gavrel;
+
 namespace {
 
 constexpr unsigned dark = 1;

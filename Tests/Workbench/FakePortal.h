@@ -5,6 +5,8 @@
 #include <QDBusVariant>
 #include <QObject>
 
+namespace gavrel {
+
 /// A settings portal on the session bus that knows one setting, the colour scheme.
 class FakePortal : public QObject {
   Q_OBJECT
@@ -33,3 +35,5 @@ class FakePortal : public QObject {
   QDBusConnection bus_ = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "portal");
   unsigned scheme_;
 };
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 #include "DataModel/ProjectFile.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

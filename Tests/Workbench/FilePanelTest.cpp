@@ -13,6 +13,8 @@
 #include "Tests/TemporaryFolder.h"
 #include "Workbench/FilePanel.h"
 
+using namespace gavrel;
+
 namespace {
 
 /// Qt's own panel, which is used if the desktop has none, on a folder with three files.

@@ -4,6 +4,8 @@
 
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 TEST(RecentFiles, AreTheLastTenThatAreStillThere) {

@@ -5,6 +5,8 @@
 
 #include "Workbench/Recovery.h"
 
+using namespace gavrel;
+
 /// Edits a structure without end, with its recovery in the folder given; an empty one, or that in the file given next.
 /// Tells of each edit, once made, by a line: the number of nodes and the time of the steady clock in milliseconds. What
 /// the view model itself prints is dropped.

@@ -19,6 +19,8 @@
 #include "Tests/TemporaryFolder.h"
 #include "Tests/Workbench/SmallDisk.h"
 
+using namespace gavrel;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -7,6 +7,8 @@
 
 #include "Tests/Structures.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+namespace gavrel {
+
 /// A disk of its own in memory, in the place of a folder and seen by this process alone. It takes the superuser's
 /// rights; without them it is not `mounted`.
 class SmallDisk {
@@ -34,3 +36,5 @@ class SmallDisk {
   std::filesystem::path folder_;
   bool mounted_ = false;
 };
+
+}  // namespace gavrel
