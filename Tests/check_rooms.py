@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Checks that each folder uses only what stands below it, that below Managers nothing uses Qt, and that code is in namespace gavrel.
+"""Checks that each folder uses only what stands below it and what its targets link, and that code is in namespace gavrel.
 
+Below Managers nothing uses Qt, and nothing but Managers uses Qt Network, which Qt's own QML library links.
 The order of the folders is that in which CMakeLists.txt adds them; README.md and CONTRIBUTING.md have to tell the same.
 Prints a line for each fault, and ends with 1 if there is one.
 """
@@ -9,7 +10,8 @@ import sys
 from pathlib import Path
 
 root = Path(__file__).resolve().parent.parent
-USE = re.compile(r'^\s*(?:#include "|import Gavrel\.)(\w+)|^\s*#include <(Q)\w')
+USE = re.compile(r'^\s*(?:#include "|import Gavrel\.)(\w+)|^\s*#include <(Q\w+)')
+NETWORK = re.compile(r"Q(Network|Ssl|Tcp|Udp|Host|Dns|AbstractSocket|Local(Server|Socket))")
 
 
 def folders():
@@ -18,10 +20,37 @@ def folders():
     return [folder for folder in added if folder not in ("Tests", "Benchmarks", "Packaging")]
 
 
+def links(order):
+    """For each folder, those that its targets link, directly or through what those pass on; "" is the application's."""
+    folder_of, linked, passed_on = {}, {}, {}
+    for folder in [*order, ""]:
+        text = re.sub("#.*", "", (root / folder / "CMakeLists.txt").read_text())
+        for target in re.findall(r"(?:add_library|add_executable|qt_add_qml_module)\(\s*([\w-]+)", text):
+            folder_of[target], linked[target], passed_on[target] = folder, [], []
+        for target, libraries in re.findall(r"target_link_libraries\(\s*([\w-]+)([^)]*)", text):
+            for library in libraries.split():
+                if library in ("PUBLIC", "INTERFACE", "PRIVATE"):
+                    scope = library
+                elif library in folder_of:
+                    linked[target].append(library)
+                    if scope != "PRIVATE":
+                        passed_on[target].append(library)
+
+    def reached(target):
+        return {folder_of[target]}.union(*map(reached, passed_on[target]))
+
+    result = {folder: {folder} for folder in folder_of.values()}
+    for target, folder in folder_of.items():
+        result[folder] = result[folder].union(*map(reached, linked[target]))
+    return result
+
+
 def faults_of_files(order):
-    for folder in order:
-        below = order[: order.index(folder) + 1]
-        for file in sorted((root / folder).rglob("*")):
+    linked = links(order)
+    linked[""] |= {file.stem for file in root.glob("*.h")}
+    for folder in [*order, ""]:
+        below = order[: order.index(folder) + 1] if folder else order
+        for file in sorted((root / folder).rglob("*") if folder else root.glob("*")):
             if file.suffix not in (".h", ".cpp", ".qml"):
                 continue
             text = file.read_text()
@@ -29,10 +58,19 @@ def faults_of_files(order):
                 yield f"{file.relative_to(root)}: stands in no namespace gavrel"
             for number, line in enumerate(text.splitlines(), 1):
                 used = USE.match(line)
-                if not used or used[1] in below or used[2] and "Managers" in below:
+                if not used:
                     continue
-                reason = "Qt below Managers" if used[2] else f"{used[1]} does not stand below {folder}"
-                yield f"{file.relative_to(root)}:{number}: {line.strip()}: {reason}"
+                reason = None
+                if used[2] and "Managers" not in below:
+                    reason = "Qt below Managers"
+                elif used[2] and NETWORK.match(used[2]) and folder != "Managers":
+                    reason = "Qt Network outside Managers"
+                elif used[1] in order and used[1] not in below:
+                    reason = f"{used[1]} does not stand below {folder}"
+                elif used[1] and used[1] not in linked[folder]:
+                    reason = f"{folder or 'the application'} does not link {used[1]}"
+                if reason:
+                    yield f"{file.relative_to(root)}:{number}: {line.strip()}: {reason}"
 
 
 def faults_of_documents(order):
