@@ -60,6 +60,9 @@ int main(int argc, char** argv) {
 
   // Drawing in the main thread: Qt 6.4 frees a 3D view that goes away while its drawing thread may still be at it.
   qputenv("QSG_RENDER_LOOP", "basic");
+  // Qt keeps compiled QML in the user's cache; a file there that a kill or a full disk has cut off crashes each later
+  // start.
+  qputenv("QML_DISABLE_DISK_CACHE", "1");
   QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
   QQuickStyle::setStyle(QStringLiteral("Fusion"));
   Application application(argc, argv);

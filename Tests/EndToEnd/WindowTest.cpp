@@ -279,6 +279,7 @@ TEST(Window, LivesOnWhenNobodyReadsItsOutput) {
   std::this_thread::sleep_for(std::chrono::seconds(1));
   EXPECT_EQ(desktop.ended(), std::nullopt);
   EXPECT_EQ(desktop.output(), "");
+  EXPECT_FALSE(std::filesystem::exists(desktop.home / ".cache/gavrel/qmlcache")) << "which a kill may leave cut off";
   desktop.killAndRestart();
   desktop.keys("Return");  // Restore
   desktop.expectTitle("^\\*New Project");
