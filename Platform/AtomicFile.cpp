@@ -22,7 +22,7 @@ using std::filesystem::path;
 
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t ownerOnly = 0600;  // until the permissions of the old file are taken over
-constexpr mode_t anybody = 0666;    // less what the user's file creation mask takes away
+constexpr mode_t anybody = 0666;    // the user's file creation mask is applied to it
 
 using Producer = std::function<void(const ByteSink&)>;
 
@@ -33,7 +33,7 @@ int writeAll(int descriptor, std::string_view bytes) {
     const ssize_t written = ::write(descriptor, bytes.data(), std::min(bytes.size(), largestWrite));
     if (written >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {  // a stream that its other users want so
+    } else if (errno == EAGAIN) {  // a stream that another process has made non-blocking
       pollfd ready{descriptor, POLLOUT, 0};
       ::poll(&ready, 1, -1);
     } else if (errno != EINTR) {
@@ -52,8 +52,8 @@ int writeAll(int descriptor, const Producer& produce) {
   return code;
 }
 
-/// Whether a file may still be written itself where nothing can be put in its place for this reason: its folder may not
-/// be changed, it is somebody else's in a folder like /tmp, or it is mounted there on its own.
+/// Whether a file that cannot be replaced for this reason may still be overwritten: its folder is read-only, it belongs
+/// to somebody else in a folder like /tmp, or it is a mount point.
 bool leavesTheFileWritable(int code) {
   return code == EACCES || code == EPERM || code == EROFS || code == EBUSY;
 }
@@ -66,7 +66,7 @@ int reserve(int descriptor, off_t size, off_t oldSize) {
   return ::ftruncate(descriptor, oldSize) == 0 ? code : errno;
 }
 
-/// Writes over the content of a file. Room is made before the first byte goes, so that a full disk leaves it as it was.
+/// Overwrites a file. Room is reserved before the first byte is written, so that a full disk leaves the file as it was.
 std::optional<Failure> overwrite(const path& file, std::string_view bytes) {
   const auto fail = [&](int code) { return systemFailure("cannot write", file, code); };
   FileDescriptor target(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
@@ -96,7 +96,7 @@ std::optional<Failure> writeToStream(const path& file, const Producer& produce) 
 
 /// Gives the open file the permissions and, where allowed, the owner of the one that it replaces.
 bool takeOver(int descriptor, const struct stat& old) {
-  // Changing the owner clears the set-id bits, so it comes first. That it may be refused is no fault.
+  // Changing the owner clears the set-id bits, so it comes first. A refusal is ignored.
   if (::fchown(descriptor, old.st_uid, old.st_gid) != 0 &&
       ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) != 0)
     errno = 0;
@@ -110,7 +110,7 @@ int fill(int file, const Producer& produce, const struct stat* old) {
   return ::fsync(file) == 0 ? 0 : errno;
 }
 
-/// Writes a file beside `target` and moves it there. `old`: what stands there; null if nothing does.
+/// Writes a file beside `target` and moves it there. `old`: the status of the file there; null if there is none.
 std::optional<Failure> replace(const path& requested, const path& target, const struct stat* old,
                                const Producer& produce) {
   using Kind = TemporaryFile::Kind;

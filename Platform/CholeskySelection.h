@@ -33,9 +33,9 @@ struct CholeskyFault {
 };
 
 /// The part of a stored matrix on which a factorization has to work. Storage that follows a mesh holds many exact
-/// zeros: a bar uses three of a node's six unknowns. An unknown without any coupling is solved by one division; of the
-/// others, whole blocks between two groups of unknowns are kept as soon as one entry in them is not zero, so that the
-/// selection survives changes of the values within the blocks.
+/// zeros: a bar uses three of a node's six unknowns. An unknown without any coupling is solved by one division. Of the
+/// others, a block between two groups of unknowns is kept whole as soon as one entry in it is not zero, so that the
+/// selection stays valid when values within the blocks change.
 struct CholeskySelection {
   std::vector<std::int64_t> unknowns;   ///< numbers of the coupled unknowns, ascending; the selection's own numbering
   std::vector<std::int64_t> uncoupled;  ///< numbers of the others
@@ -47,7 +47,7 @@ struct CholeskySelection {
   [[nodiscard]] static CholeskySelection select(const SymmetricMatrix& matrix, const CholeskySelection& previous);
 
   /// Copies the selected values into `selected` (one for each source). False if a value outside the selection is not
-  /// zero, so that the selection does not stand for the matrix.
+  /// zero, so that the selection does not represent the matrix.
   [[nodiscard]] bool gather(const SymmetricMatrix& matrix, std::span<double> selected) const;
 };
 

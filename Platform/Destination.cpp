@@ -58,7 +58,7 @@ bool isStream(const path& file) {
 
 FileDescriptor openStream(const path& file) {
   if (const auto own = ownDescriptor(file)) {
-    std::fflush(stdout);  // what was printed comes first
+    std::fflush(stdout);  // so that what was printed before comes first
     return FileDescriptor(::fcntl(*own, F_DUPFD_CLOEXEC, 0));
   }
   return FileDescriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC));

@@ -25,7 +25,7 @@ void fatal(std::string_view what) {
   const std::string line = "Fatal error: " + std::string(what);
   std::fwrite((line + "\n").data(), 1, line.size() + 1, stderr);
   std::fflush(stderr);
-  if (const auto keep = std::exchange(keeper(), {})) keep(line);  // once, should it fail in this way itself
+  if (const auto keep = std::exchange(keeper(), {})) keep(line);  // once only, in case it calls fatal itself
   std::abort();
 }
 

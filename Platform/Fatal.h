@@ -6,14 +6,14 @@
 
 namespace gavrel {
 
-/// Programming errors: states that no correct caller can reach and from which nothing can be rescued.
+/// Programming errors: states that no correct caller can reach and from which the process cannot go on.
 
 /// Prints "Fatal error: " + `what` as one line on standard error and aborts the process. Pending standard output is
 /// written first, so that what was printed before the error is not lost.
 [[noreturn]] void fatal(std::string_view what);
 
-/// Has `keep` called with the line, without its newline, before the process is aborted. One function at a time; an
-/// empty one ends it.
+/// Has `keep` called with the line, without its newline, before the process is aborted. There is one such function at a
+/// time; an empty one removes it.
 void onFatal(std::function<void(std::string_view line)> keep);
 
 /// Ends the process for an index outside [0, size) of the array called `array`.

@@ -15,9 +15,9 @@ namespace gavrel {
 namespace {
 
 constexpr std::size_t smallestRead = std::size_t{64} * 1024;
-constexpr std::size_t spareRoom = 256;  // parsers want to read a little beyond the end without moving the text first
+constexpr std::size_t spareRoom = 256;  // parsers read a little beyond the end; with room there the text is not copied
 
-/// Room for a file of the size that `status` tells and one byte more, so that the end is met without growing again.
+/// Room for a file of the size in `status` and one byte more, so that its end is found without growing the buffer.
 std::size_t expectedSize(const struct stat& status) {
   return S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) + 1 : 0;
 }
@@ -28,17 +28,17 @@ Failure systemFailure(const std::string& attempt, const std::filesystem::path& p
   return {attempt + " " + shownPath(path) + ": " + std::generic_category().message(code)};
 }
 
-Result<std::string> readFile(const std::filesystem::path& path, std::uint64_t most) {
+Result<std::string> readFile(const std::filesystem::path& path, std::uint64_t largest) {
   const auto tooLarge = [&](const std::string& size) {
     return Failure{"cannot read " + shownPath(path) + ": it has " + size + " bytes, and at most " +
-                   std::to_string(most) + " can be read"};
+                   std::to_string(largest) + " can be read"};
   };
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.isOpen()) return systemFailure("cannot open", path, errno);
   struct stat status {};
   if (::fstat(file.get(), &status) != 0) return systemFailure("cannot read", path, errno);
 
-  if (const auto size = static_cast<std::uint64_t>(status.st_size); S_ISREG(status.st_mode) && size > most)
+  if (const auto size = static_cast<std::uint64_t>(status.st_size); S_ISREG(status.st_mode) && size > largest)
     return tooLarge(std::to_string(size));
 
   std::string bytes;
@@ -51,7 +51,7 @@ Result<std::string> readFile(const std::filesystem::path& path, std::uint64_t mo
     if (got == 0) break;
     if (got > 0) {
       filled += static_cast<std::size_t>(got);
-      if (filled > most) return tooLarge("more than " + std::to_string(most));
+      if (filled > largest) return tooLarge("more than " + std::to_string(largest));
     } else if (errno != EINTR) {
       return systemFailure("cannot read", path, errno);
     }

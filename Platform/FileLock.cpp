@@ -18,7 +18,7 @@ std::string readFirstLine(const char* file) {
   return text ? text->substr(0, text->find('\n')) : std::string("unknown");
 }
 
-/// When a process was started, in ticks since the machine was; none if there is no such process any more.
+/// When a process was started, in clock ticks since the machine started; none if the process has ended.
 std::optional<std::string> readProcessStart(const std::string& process) {
   const auto status = readFile("/proc/" + process + "/stat");
   if (!status) return std::nullopt;
@@ -33,7 +33,7 @@ std::optional<std::string> readProcessStart(const std::string& process) {
   return word;
 }
 
-/// What stands in the file of a lock that this process has: machine, its start, process, the process's start.
+/// The owner of a lock as its file names it: the machine and when it was started, the process and when it was started.
 struct Owner {
   std::string machine;
   std::string machineStart;
@@ -73,7 +73,8 @@ bool writeOwner(int file) {
 
 std::optional<FileLock> FileLock::take(const std::filesystem::path& path) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-  if (!file.isOpen()) file = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));  // on a read-only disk, say
+  if (!file.isOpen())
+    file = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));  // for example on a read-only disk
   if (!file.isOpen()) return std::nullopt;
   if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) return FileLock(std::move(file), false);
   if (errno == EWOULDBLOCK) return std::nullopt;

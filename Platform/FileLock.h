@@ -7,11 +7,11 @@
 
 namespace gavrel {
 
-/// A lock on a file, which is made if it is not there. It is free again when its owner goes, also when the process is
-/// killed. The file stays.
+/// A lock on a file, which is created if there is none. It is released when its owner is destroyed, also when the
+/// process is killed. The file stays.
 ///
-/// On a file system without locks the file names the process that has it, and counts as free once that process is gone.
-/// What a process of another machine has named its own is never free there.
+/// On a file system without locks the file names the process that has it, and counts as free once that process has
+/// ended. A file that names a process of another machine never counts as free there.
 class FileLock {
  public:
   /// The lock, unless somebody else has it or the file cannot be opened.

@@ -6,8 +6,7 @@
 
 namespace gavrel {
 
-/// Which file stood at a path, and in which state: what is written there or put in its place by anybody has another
-/// stamp.
+/// Which file was at a path, and in which state: a file that anybody has written to or replaced has another stamp.
 struct FileStamp {
   std::uint64_t device = 0;
   std::uint64_t number = 0;  ///< inode

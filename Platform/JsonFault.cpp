@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::string_view tooLarge = "the number is beyond the range of a double";
 
-/// Refuses the numbers and texts that the parser lets pass.
+/// Refuses the numbers and texts that the parser accepts although they are not valid.
 struct Checks : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checks> {
   std::string_view refusal;
 
@@ -55,7 +55,7 @@ JsonFault faultAt(std::size_t offset, rapidjson::ParseErrorCode code, std::strin
   return {offset, offset < text.size() ? reason : reason + " (the text ends here)"};
 }
 
-/// Whether the number at `offset` has a double. The parser believes of some that they are too large, such as 0e999.
+/// Whether the number at `offset` is in the range of a double. The parser takes some for too large, such as 0e999.
 bool isInRange(std::string_view text, std::size_t offset) {
   const std::string_view number = text.substr(offset);
   return parseJsonNumber(number.substr(0, number.find_first_not_of("+-.0123456789eE"))).has_value();

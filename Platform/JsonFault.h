@@ -16,8 +16,8 @@ struct JsonFault {
   [[nodiscard]] std::string describe(std::string_view text) const;
 };
 
-/// Says where and why a text that the reader has given up on is not JSON; a leading byte order mark is skipped. Nothing
-/// if it is JSON, or if a number beyond the parser's reach stands before the fault.
+/// Finds where and why a text that the reader has rejected is not JSON; a leading byte order mark is skipped. Nothing
+/// if it is JSON, or if a number that this parser cannot read stands before the fault.
 [[nodiscard]] std::optional<JsonFault> findJsonFault(std::string_view text);
 
 }  // namespace gavrel

@@ -44,7 +44,7 @@ std::string whatIs(JsonValue json) {
   return "something else";
 }
 
-/// Parts of the text that nobody reads still have to be JSON, so each value in them is read.
+/// Parts of the text that are not used must be JSON, too, so each value in them is read.
 void skip(JsonValue json, int levels) {
   if (levels == 0) throw JsonError("the text is nested too deep");
   double number = 0;
@@ -74,7 +74,7 @@ void skip(JsonValue json, int levels) {
 
 }  // namespace
 
-JsonError JsonError::at(std::string place) const {
+JsonError JsonError::addPlace(std::string place) const {
   JsonError outer(reason_);
   const bool joined = path_.empty() || path_.starts_with('[');
   outer.path_ = std::move(place) + (joined ? "" : ".") + path_;

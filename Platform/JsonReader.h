@@ -22,12 +22,12 @@ class JsonError : public std::exception {
 
   [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
-  /// The same error seen from one level further out: from the object that holds `key`, or from the array.
-  [[nodiscard]] JsonError within(std::string_view key) const { return at(std::string(key)); }
-  [[nodiscard]] JsonError within(std::size_t index) const { return at("[" + std::to_string(index) + "]"); }
+  /// The same error, its place extended by the key or the array index under which the value stands.
+  [[nodiscard]] JsonError within(std::string_view key) const { return addPlace(std::string(key)); }
+  [[nodiscard]] JsonError within(std::size_t index) const { return addPlace("[" + std::to_string(index) + "]"); }
 
  private:
-  [[nodiscard]] JsonError at(std::string place) const;
+  [[nodiscard]] JsonError addPlace(std::string place) const;
 
   std::string path_;
   std::string reason_;
@@ -40,8 +40,8 @@ class JsonDocument {
   /// Takes the text; a leading byte order mark is skipped.
   explicit JsonDocument(std::string text);
 
-  /// Calls `readRoot(root)`, once. Throws JsonError, with line, column and byte, if any part of the text is not JSON,
-  /// and otherwise lets that of `readRoot` pass. `readRoot` must read or skip every value that it meets.
+  /// Calls `readRoot(root)`, once. Throws JsonError, with line, column and byte, if any part of the text is not JSON;
+  /// otherwise a JsonError that `readRoot` throws. `readRoot` must read or skip every value that it meets.
   template <class ReadRoot>
   void read(ReadRoot&& readRoot) {
     try {
@@ -64,7 +64,7 @@ class JsonDocument {
   simdjson::ondemand::document document_;
 };
 
-/// Ends the reading of a value that is not of the expected type.
+/// Throws JsonError for a value that is not of the expected type.
 [[noreturn]] void throwUnexpected(std::string_view expectedType, JsonValue json);
 
 /// Reads any number: as the nearest double, or as a whole number however written ("3.0").
@@ -72,11 +72,11 @@ void readAnyNumber(JsonValue json, double& value);
 void readAnyNumber(JsonValue json, std::int64_t& value);
 
 /// The typed readers throw JsonError for a value of another type. A whole number may be written with a fraction of zero
-/// or an exponent ("3", "3.0", "3e0"); a boolean is no number.
+/// or an exponent ("3", "3.0", "3e0"); a boolean is not a number.
 void readJson(JsonValue json, std::string& value);
 
-/// simdjson 3.0 reads numbers of up to this many characters right. Of longer ones it misreads those with a zero before
-/// the point and more than 19 digits that count, and refuses exponents of 20 digits.
+/// simdjson 3.0 reads numbers of up to this many characters correctly. Of longer ones it misreads those with a zero
+/// before the point and more than 19 significant digits, and refuses exponents of 20 digits.
 inline constexpr std::size_t shortNumber = 21;
 
 inline void readJson(JsonValue json, double& value) {
@@ -92,7 +92,7 @@ inline void readJson(JsonValue json, bool& value) {
   if (json.get_bool().get(value) != simdjson::SUCCESS) throwUnexpected("true or false", json);
 }
 
-/// Reads past a value that nobody needs; throws JsonError where it is not JSON or nested too deep.
+/// Skips a value; throws JsonError where it is not JSON or nested too deep.
 void skipJson(JsonValue json);
 
 /// Throws JsonError unless `json` is an object or array, respectively.
@@ -106,7 +106,7 @@ template <class Value>
   return std::move(result).value_unsafe();
 }
 
-/// Calls `readItem(item)` for each item of an array; an error is told with the item's index.
+/// Calls `readItem(item)` for each item of an array; an error gets the item's index.
 template <class ReadItem>
 void readJsonItems(JsonValue json, ReadItem&& readItem) {
   std::size_t index = 0;
@@ -130,7 +130,7 @@ void readJson(JsonValue json, std::vector<Value>& values) {
   });
 }
 
-/// A key of an object, and how its value enters the `Target` that the object describes.
+/// A key of an object, and the function that reads its value into the `Target` that the object describes.
 template <class Target>
 struct JsonMember {
   std::string_view key;
@@ -139,13 +139,13 @@ struct JsonMember {
 };
 
 /// Reads an object into `target`. Keys may come in any order; unknown ones are skipped. Throws JsonError for a missing
-/// required key and for one that stands twice.
+/// required key and for a repeated one.
 template <class Target, std::size_t count>
 void readJsonObject(JsonValue json, Target& target, const std::array<JsonMember<Target>, count>& members) {
   std::bitset<count> found;
   std::size_t next = 0;  // files hold the keys in the members' order, so the next one is looked for first
   for (auto result : jsonObject(json)) {
-    simdjson::ondemand::field field;  // not by jsonResult, whose copy is seen in the time
+    simdjson::ondemand::field field;  // not by jsonResult, whose copy costs measurable time
     const auto code = std::move(result).get(field);
     if (code != simdjson::SUCCESS) throw JsonError(simdjson::error_message(code));
     if (next == count || !field.key().unsafe_is_equal(members[next].key)) {

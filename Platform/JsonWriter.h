@@ -10,12 +10,12 @@
 namespace gavrel {
 
 /// Writes one JSON value as indented text, keys in the order given. A number that is not finite becomes null, since
-/// JSON has no word for it; who must not lose it checks before.
+/// JSON cannot express it; a caller that must not lose such numbers checks for them first.
 class JsonWriter {
  public:
   /// Keeps the text for `take`.
   JsonWriter() = default;
-  /// Hands the text to `sink` piece by piece, the last one when the value is complete.
+  /// Passes the text to `sink` piece by piece, the last one when the value is complete.
   explicit JsonWriter(std::function<void(std::string_view)> sink) : sink_(std::move(sink)) {}
 
   void beginObject() { open('{', '}'); }
@@ -52,7 +52,7 @@ class JsonWriter {
   std::string closings_;
   std::size_t indentation_ = 0;
   bool empty_ = true;      // nothing stands in the innermost object or array yet
-  bool afterKey_ = false;  // a key waits for its value
+  bool afterKey_ = false;  // the last thing written was a key
 };
 
 }  // namespace gavrel

@@ -2,7 +2,7 @@
 
 namespace gavrel {
 
-/// What the dense kernels of OpenBLAS, and the loops of CHOLMOD that OpenMP shares out, take of the machine.
+/// The threads and the memory of OpenBLAS's dense kernels and of the loops that CHOLMOD runs by OpenMP.
 ///
 /// OpenBLAS starts its threads when the program is loaded. Each of them, and the one that calls it, maps a buffer of
 /// 128 MiB; where the address space has no room for it, the thread tries again for ever, and the program cannot end.

@@ -15,7 +15,7 @@ namespace {
 
 using std::filesystem::path;
 
-/// Which file a path leads to: the file itself or, where there is none, its folder and its name in there.
+/// Which file a path leads to: the file itself or, where there is none yet, its folder and its name.
 struct Identity {
   dev_t device = 0;
   ino_t number = 0;
@@ -37,7 +37,7 @@ bool isSame(const path& one, const path& other) {
   return identity && identity == Identity::of(other);
 }
 
-/// The file's name, and the other one that it goes by.
+/// The file's name and, if it differs, the other name of the same file.
 std::string showNames(const path& file, const path& other) {
   return shownPath(file) + (file == other ? "" : " (" + shownPath(other) + ")");
 }

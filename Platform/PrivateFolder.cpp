@@ -15,8 +15,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The names under which the folder may stand in the shared one, in the order in which they are tried. There are
-/// several because anybody may take one.
+/// The possible paths of the folder inside the shared one, in the order in which they are tried. There are several
+/// because another user may have taken a name.
 std::vector<fs::path> candidatesIn(const fs::path& shared) {
   constexpr int count = 100;
   const fs::path first = shared / ("gavrel-" + std::to_string(::geteuid()));
@@ -38,7 +38,7 @@ Result<fs::path> privateTemporaryFolder() {
   const auto shared = fs::temp_directory_path(missing);
   if (missing) return Failure{"There is no folder for temporary files: " + missing.message()};
   const auto candidates = candidatesIn(shared);
-  // Before one is made, so that the folder stays the same when a name that was taken has become free.
+  // Looked for before one is created, so that the folder stays the same when a name that was taken has become free.
   for (const fs::path& folder : candidates)
     if (isOfThisUserAlone(folder)) return folder;
   constexpr mode_t ownerOnly = 0700;

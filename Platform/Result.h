@@ -11,7 +11,7 @@ struct Failure {
   std::string reason;
 };
 
-/// Either a value or the Failure that stood in its way.
+/// Either a value or the Failure that says why there is none.
 template <class Value>
 class [[nodiscard]] Result {
  public:

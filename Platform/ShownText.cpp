@@ -11,7 +11,7 @@ namespace gavrel {
 
 namespace {
 
-/// The bytes of the UTF-8 character that the text begins with; 0 if they are none.
+/// How many bytes the UTF-8 character at the beginning of the text has; 0 if there is no valid one.
 std::size_t sizeOfFirst(std::string_view text) {
   const auto ones = static_cast<std::size_t>(std::countl_one(static_cast<unsigned char>(text.front())));
   const std::size_t size = ones == 0 ? 1 : ones;

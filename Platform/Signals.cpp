@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::array endingSignals{SIGHUP, SIGINT, SIGQUIT, SIGABRT, SIGTERM, SIGXCPU};
 
-/// One file to remove. A signal handler may use neither memory of the heap nor locks, so there is a table of them.
+/// One file to remove. A signal handler may use neither the heap nor locks, so the files stand in a fixed table.
 struct Entry {
   enum State { free, beingFilled, filled };
   std::atomic<State> state = free;
@@ -33,7 +33,7 @@ static_assert(std::atomic<Entry::State>::is_always_lock_free && std::atomic<int>
               std::atomic<bool>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
 void removeFiles() {
-  isEnding = true;  // before it looks: from now on nobody begins
+  isEnding = true;  // before it reads `uninterrupted`: from now on no Uninterrupted begins
   while (uninterrupted > 0) ::poll(nullptr, 0, 1);
   for (Entry& entry : entries)
     if (entry.state == Entry::filled) ::unlink(entry.path.data());
@@ -60,7 +60,7 @@ void keepFilesWholeOnSignals() {
   ::sigfillset(&action.sa_mask);
   for (const int signal : endingSignals) {
     struct sigaction old {};
-    // What is ignored, as by nohup, stays so.
+    // Signals that are ignored, as under nohup, stay ignored.
     if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_DFL) ::sigaction(signal, &action, nullptr);
   }
   ::signal(SIGXFSZ, SIG_IGN);
@@ -73,7 +73,7 @@ Uninterrupted::Uninterrupted() {
   ++uninterrupted;
   if (!isEnding) return;
   --uninterrupted;
-  while (true) ::pause();  // for the end, which another thread is about to bring
+  while (true) ::pause();  // another thread is ending the process
 }
 
 Uninterrupted::~Uninterrupted() {

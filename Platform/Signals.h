@@ -6,15 +6,15 @@
 
 namespace gavrel {
 
-/// What the signals that end a program leave of its files.
+/// Keeps files whole and removes temporary ones when a signal ends the program.
 
 /// Has each of the signals HUP, INT, QUIT, ABRT, TERM and XCPU wait for an Uninterrupted and remove the file of each
-/// RemovedOnSignal before it ends the process as ever. Those that are ignored stay so. A write beyond the largest size
-/// that the process may give a file fails with EFBIG, in place of ending it. For the begin of `main`.
+/// RemovedOnSignal before it ends the process as usual. Ignored signals stay ignored. A write beyond the largest size
+/// that the process may give a file fails with EFBIG instead of ending the process. To be called first in `main`.
 void keepFilesWholeOnSignals();
 
-/// While it lives, none of these signals ends the process, whichever thread it reaches. For steps between which a file
-/// would be left that nobody wants. Not to be nested.
+/// While it exists, none of these signals ends the process, whichever thread it reaches. For steps that would leave an
+/// unwanted file if the process ended between them. Not to be nested.
 class Uninterrupted {
  public:
   Uninterrupted();
@@ -26,8 +26,8 @@ class Uninterrupted {
   sigset_t blockedBefore_{};
 };
 
-/// A file that goes when such a signal ends the process; to be made before the file is. There is room for a few at a
-/// time: the files of more stay.
+/// A file that is removed when such a signal ends the process; to be constructed before the file is created. Only a few
+/// can exist at a time; files beyond that number are not removed.
 class RemovedOnSignal {
  public:
   explicit RemovedOnSignal(const std::filesystem::path& file);
@@ -36,7 +36,7 @@ class RemovedOnSignal {
   ~RemovedOnSignal();
 
  private:
-  int place_ = -1;  // in the table; -1: there was none
+  int place_ = -1;  // in the table; -1: none was free
 };
 
 }  // namespace gavrel

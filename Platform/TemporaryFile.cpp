@@ -19,9 +19,9 @@ using std::filesystem::path;
 
 constexpr std::string_view prefix = ".gavrel-";
 
-/// Whether `name` is that of a temporary file, and its process is not there any more or began after the file.
+/// Whether `name` is that of a temporary file whose process has ended or was started after the file.
 bool isLeftOver(const std::string& name, const struct stat& status) {
-  constexpr time_t longestPause = 600;  // of somebody who still writes, in seconds, and of clocks that differ
+  constexpr time_t longestPause = 600;  // between two writes, in seconds, with room for clocks that differ
   timespec now{};
   timespec running{};
   ::clock_gettime(CLOCK_REALTIME, &now);

@@ -10,10 +10,11 @@
 
 namespace gavrel {
 
-/// A new, empty file in a folder, open for writing, that goes with this object unless it has been moved to its place.
+/// A new, empty file in a folder, open for writing. It is deleted with this object unless it has been moved to its
+/// place.
 ///
-/// Without a name it goes with the process, however that ends; not all file systems have such files. With one, which
-/// begins with ".gavrel-" and the number of the process, it stays behind when the process is killed.
+/// Without a name it disappears with the process, however that ends; not all file systems have such files. With a name,
+/// which begins with ".gavrel-" and the number of the process, it stays behind when the process is killed.
 class TemporaryFile {
  public:
   enum class Kind { unnamed, named };
@@ -24,8 +25,8 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile();
 
-  /// Makes it the file `target` of its folder in one step; 0, or the errno value of what failed. What stands there is
-  /// replaced, `replaces` tells whether to expect it.
+  /// Makes it the file `target` of its folder in one step; 0, or the errno value of what failed. A file that is there
+  /// is replaced; `replaces` tells whether to expect one.
   [[nodiscard]] int moveTo(const std::filesystem::path& target, bool replaces);
 
   /// Whether it has ever had a name.
@@ -43,8 +44,8 @@ class TemporaryFile {
   std::optional<RemovedOnSignal> removal_;
 };
 
-/// Removes what killed processes have left of named temporary files in a folder of this user alone. Those of the last
-/// minutes stay: a process of another machine may be writing them.
+/// Removes the named temporary files that killed processes have left in a folder that only this user can write to.
+/// Those of the last minutes stay: a process of another machine may be writing them.
 void sweepTemporaryFiles(const std::filesystem::path& folder);
 
 }  // namespace gavrel
