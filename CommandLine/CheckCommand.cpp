@@ -19,7 +19,7 @@ struct CheckOptions {
 std::string toText(const std::vector<Finding>& findings) {
   std::string text;
   for (const Finding& finding : findings)
-    text += std::string(nameOf(finding.consequence)) + ": " + finding.title + "\n  " + finding.text + "\n";
+    text += std::string(describeConsequence(finding.consequence)) + ": " + finding.title + "\n  " + finding.text + "\n";
   if (findings.empty()) return "Nothing found: the structure can be solved.\n";
   text += findings.size() == 1 ? "1 finding" : std::to_string(findings.size()) + " findings";
   return text + (isSerious(findings.front()) ? "\n" : ", but the structure can be solved\n");
@@ -40,7 +40,7 @@ std::string toJson(const std::vector<Finding>& findings) {
   json.beginArray();
   for (const Finding& finding : findings) {
     json.beginObject();
-    text("consequence", nameOf(finding.consequence));
+    text("consequence", describeConsequence(finding.consequence));
     text("title", finding.title);
     text("text", finding.text);
     positions("nodes", finding.nodes);

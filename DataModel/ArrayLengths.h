@@ -10,13 +10,13 @@
 
 namespace gavrel {
 
-/// How many entries X_I, F_I and D_I have beside those that the nodes need. A file may hold any number of them; what is
-/// appended to arrays that do not fit would count for other nodes than those it is meant for.
+/// Compares the lengths of X_I, F_I and D_I with what the nodes need. A file may hold any number of entries; entries
+/// appended to an array that does not fit would belong to other nodes than intended.
 struct ArrayLengths {
   struct Misfit {
     std::string_view array;    ///< "X_I", "F_I" or "D_I"
-    std::int64_t entries = 0;  ///< there are
-    std::int64_t wanted = 0;   ///< for the nodes; a multiple of three coordinates is always right
+    std::int64_t entries = 0;  ///< how many the array has
+    std::int64_t wanted = 0;   ///< how many the nodes need; for X_I the next lower multiple of three
 
     [[nodiscard]] bool isMissing() const { return entries < wanted; }
     /// "F_I has 6 entries, where 2 nodes have 12".

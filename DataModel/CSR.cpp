@@ -32,7 +32,7 @@ void CSR::makeAssembly(std::span<const double> H_vv, std::span<const double> F_v
   const auto n = std::ssize(I_v);
   for (std::int64_t a = 0; a < n; ++a) {
     const std::int64_t row = at(I_v, a, "I_v");
-    std::int64_t pending = 0;  // marks in vv_J that wait for their column
+    std::int64_t pending = 0;  // marks in vv_J whose column has not been reached yet
     if (!at(D_I, row, "D_I")) {
       at(R_I, row, "R_I") -= at(F_v, a, "F_v");
       for (std::int64_t b = 0; b < n; ++b) {

@@ -9,8 +9,8 @@
 
 namespace gavrel {
 
-/// What trusses and beams have in common: records whose fields, in declaration order, stand in one table that file
-/// writing, file reading and hashing walk.
+/// What trusses and beams have in common: records with one table of their fields, in declaration order, which is used
+/// to write and read files and to compute hashes.
 
 /// Lengths up to this one count as zero: such an element has no stiffness.
 inline constexpr double zeroLength = 1e-9;
@@ -30,7 +30,7 @@ constexpr void forEachField(Visit&& visit) {
   std::apply([&](const auto&... field) { (visit(field), ...); }, Record::fields);
 }
 
-/// Hash of all fields in declaration order, such that equal records hash alike: negative zero counts as zero.
+/// Hash of all fields in declaration order. Equal records have equal hashes: negative zero counts as zero.
 template <class Record>
 [[nodiscard]] std::size_t hashOfFields(const Record& record) {
   constexpr std::uint64_t offset = 0xcbf29ce484222325;  // FNV-1a, over whole words

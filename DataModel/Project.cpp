@@ -37,7 +37,7 @@ void fatalIf(const std::optional<SolveFault>& fault) {
 void warnIfUnstable(std::optional<std::int64_t> dof) {
   if (!dof) return;
   printWarning("the structure may be unstable at " + describeDof(*dof) +
-               ": what holds it there is lost in rounding, and the displacements mean nothing");
+               ": its stiffness there is lost in rounding, and the displacements mean nothing");
 }
 
 }  // namespace
@@ -160,7 +160,7 @@ void Project::takeSolution(Project&& solved) {
   H_II = std::move(solved.H_II);
 }
 
-std::vector<std::int64_t> Project::positionsOut() const {
+std::vector<std::int64_t> Project::findBarsOut() const {
   std::vector<std::int64_t> out;
   for (std::size_t i = 0; i < trussElements->size(); ++i)
     if ((*trussElements)[i].isOut()) out.push_back(static_cast<std::int64_t>(i));

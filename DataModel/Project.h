@@ -49,7 +49,7 @@ class Project : public Observable {
   std::vector<double> R_I;             ///< residual of the last assembly; sized by the solver
   Published<std::vector<bool>> D_I;    ///< restraint flags
   CSR H_II;                            ///< tangent stiffness of the last solve
-  double magnify;                      ///< displacement magnification handed in by the creator
+  double magnify;                      ///< displacement magnification given by the creator
   std::int64_t nI = 0;                 ///< number of degrees of freedom: six per node
   std::vector<std::int64_t> vv_J;      ///< work space of the assembly
 
@@ -81,15 +81,15 @@ class Project : public Observable {
   /// Static equilibrium under the whole load by full Newton-Raphson steps from zero displacement. Prints an empty line,
   /// then each step's relative residual norm |R_I| / |F_I|, and stops below `convergenceTolerance` or after
   /// `iterationLimit` steps. Not converging is not reported as a failure; a structure that cannot be factorized ends
-  /// the process with a line that names the node and direction. One that is singular but for rounding errors is warned
-  /// of on standard error. Throws std::bad_alloc where memory ends.
+  /// the process with a line that names the node and direction. One that is singular except for rounding errors causes
+  /// a warning on standard error. Throws std::bad_alloc when there is not enough memory.
   void Solve(const StepObserver& afterStep = {});
 
   /// Takes over displacements, residual, matrix and elements from a copy that was solved.
   void takeSolution(Project&& solved);
 
   /// Positions of the compression-only bars that were out at the last assembly.
-  [[nodiscard]] std::vector<std::int64_t> positionsOut() const;
+  [[nodiscard]] std::vector<std::int64_t> findBarsOut() const;
 
   /// One Newton step: assembles at U_I, stores the relative residual norm in `normRoF0F1F` and, unless that is below
   /// the tolerance, solves for dU_I and adds it to U_I. `normF`: the norm of the loads. Ends the process like Solve.
@@ -99,8 +99,8 @@ class Project : public Observable {
   /// values, and a last row without entries, are fatal.
   void FillHessianDiagonal();
 
-  /// Solves H_II · dU_I = R_I. A matrix that is not positive definite is fatal; one that is singular but for rounding
-  /// errors is warned of on standard error.
+  /// Solves H_II · dU_I = R_I. A matrix that is not positive definite is fatal; one that is singular except for
+  /// rounding errors causes a warning on standard error.
   void LinearSolve();
 };
 

@@ -20,7 +20,7 @@ std::string describeCoordinate(std::int64_t i) {
   return "node " + std::to_string(i / 3) + ", " + "xyz"[i % 3];
 }
 
-/// Throws JsonError for the first number that JSON cannot hold; `describe` tells what an entry is of.
+/// Throws JsonError for the first number that JSON cannot hold; `describe` names the node and direction of an entry.
 void requireFinite(const std::string& key, const std::vector<double>& numbers,
                    std::string (*describe)(std::int64_t entry)) {
   for (std::size_t i = 0; i < numbers.size(); ++i) {
@@ -75,7 +75,7 @@ std::uint64_t largestSize(const std::vector<Record>& elements) {
   return elements.size() * each;
 }
 
-/// What the project's text cannot exceed.
+/// An upper bound of the size of the project's text.
 std::uint64_t largestSize(const Project& project) {
   const std::uint64_t numbers = project.X_I->size() + project.F_I->size() + project.D_I->size();
   return aroundAll + project.name->size() * characterSize + largestSize(*project.trussElements) +
@@ -144,13 +144,13 @@ std::optional<Failure> whyNotEncodable(const Project& project) {
   return std::nullopt;
 }
 
-std::optional<Failure> whyTooLarge(const Project& project, std::uint64_t most) {
-  if (largestSize(project) <= most) return std::nullopt;
+std::optional<Failure> whyTooLarge(const Project& project, std::uint64_t largest) {
+  if (largestSize(project) <= largest) return std::nullopt;
   std::uint64_t size = 0;
   encodeProject(project, [&size](std::string_view piece) { size += piece.size(); });
-  if (size <= most) return std::nullopt;
+  if (size <= largest) return std::nullopt;
   return Failure{"the project is too large for a file: it takes " + std::to_string(size) + " bytes, and at most " +
-                 std::to_string(most) + " can be read again"};
+                 std::to_string(largest) + " can be read again"};
 }
 
 Result<std::string> encodeProject(const Project& project) {

@@ -14,7 +14,7 @@
 
 namespace gavrel {
 
-/// What is kept of a project.
+/// What a file holds of a project.
 struct ProjectContents {
   std::string name;
   std::vector<TrussElement> trussElements;
@@ -27,24 +27,25 @@ struct ProjectContents {
 /// A project of these contents, taken as they are; displacements and work arrays are zeros.
 [[nodiscard]] std::shared_ptr<Project> makeProject(ProjectContents contents);
 
-/// What keeps the project from being kept in a file: a number that is not finite, or a name that is not valid UTF-8.
+/// Why the project cannot be written to a file: a number that is not finite, or a name that is not valid UTF-8.
 [[nodiscard]] std::optional<Failure> whyNotEncodable(const Project& project);
 
 /// The size of the largest project file, in bytes: that of the longest text that decodeProject takes.
 inline constexpr std::uint64_t largestProjectFile = 0xFFFF'FFFF;
 
-/// Tells if the project's file would have more than `most` bytes, and how many. Large projects are encoded for that.
-[[nodiscard]] std::optional<Failure> whyTooLarge(const Project& project, std::uint64_t most = largestProjectFile);
+/// Fails, with its size, if the project's file would have more than `largest` bytes. Large projects are encoded to find
+/// out.
+[[nodiscard]] std::optional<Failure> whyTooLarge(const Project& project, std::uint64_t largest = largestProjectFile);
 
 /// The project as JSON text: name, elements with all stored fields, coordinates, loads and restraints. Fails if the
 /// project cannot be encoded.
 [[nodiscard]] Result<std::string> encodeProject(const Project& project);
 
-/// The same, handed to the sink piece by piece. The project must be one that can be encoded.
+/// The same, passed to the sink piece by piece. The project must be one that can be encoded.
 void encodeProject(const Project& project, const ByteSink& sink);
 
 /// The project that `json` describes. Element fields are taken as stored; displacements and work arrays are zeros.
-/// Fails as a whole, telling the key and element, or line and column where the text is not JSON.
+/// Fails as a whole, with the key and element or, where the text is not JSON, the line and column.
 [[nodiscard]] Result<std::shared_ptr<Project>> decodeProject(std::string json);
 
 /// Replaces the file in one step; see replaceFile. Nothing is written if the project cannot be encoded, or is too large

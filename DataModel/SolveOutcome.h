@@ -7,44 +7,44 @@
 
 namespace gavrel {
 
-/// Why a solve cannot go on.
+/// Why a solve stopped.
 struct SolveFault {
   enum class Kind {
     NoElements,   ///< the matrix holds no values
     NoStiffness,  ///< no element joins a node
     NotFinite,    ///< a stiffness is not finite, or becomes so in the factorization
-    NotPositive,  ///< a direction's own stiffness is not positive
-    Unstable,     ///< the other directions leave one no positive stiffness
-    TooLarge,     ///< more unknowns than 32 bits number
+    NotPositive,  ///< a diagonal entry of the matrix is not positive
+    Unstable,     ///< a pivot is not positive once the unknowns before it are eliminated
+    TooLarge,     ///< more unknowns than a 32-bit number counts
     OutOfMemory
   };
 
   Kind kind = Kind::NoElements;
-  std::string what;                      ///< one line for people
-  std::optional<std::int64_t> dof = {};  ///< where
-  int step = 0;                          ///< in which step of a solve; 0 outside of one
+  std::string what;                      ///< one line for the user
+  std::optional<std::int64_t> dof = {};  ///< the degree of freedom where it happened
+  int step = 0;                          ///< the step of the solve; 0 outside of a solve
 };
 
-/// The first step that left a direction nothing but rounding errors, so that its displacements mean nothing.
+/// The first step in which a pivot was no larger than rounding errors, so that its displacements are meaningless.
 struct Weakness {
   int step = 0;
   std::int64_t dof = 0;
   std::vector<std::int64_t> trussesOut = {};  ///< positions of the compression-only bars that were out in that step
-  bool lasts = false;                         ///< whether the last step that moved anything was such a one, too
+  bool lasts = false;                         ///< whether this holds for the last step that moved anything, too
 };
 
-/// How far a solve came.
+/// How a solve ended.
 struct SolveOutcome {
   std::vector<double> norms = {};         ///< relative residual norm of each step
-  std::optional<SolveFault> fault = {};   ///< what ended it before its time
-  std::optional<Weakness> weakness = {};  ///< where the structure may be unstable but for rounding errors
+  std::optional<SolveFault> fault = {};   ///< what stopped it, if anything did
+  std::optional<Weakness> weakness = {};  ///< where the matrix was singular except for rounding errors
   bool converged = false;
-  /// The least part of a direction's stiffness that the elimination of the others left in the first step. Slender
-  /// structures have small parts, mechanisms those of rounding errors.
-  double leastPart = 1;
+  /// The smallest ratio of a pivot to its diagonal entry in the first step. In slender structures it is small, in
+  /// mechanisms it is that of rounding errors.
+  double smallestPivotRatio = 1;
 
-  /// Whether it did all its steps for nothing.
-  [[nodiscard]] bool isInVain() const { return !fault && !converged; }
+  /// Whether it did all its steps without converging.
+  [[nodiscard]] bool ranOutOfSteps() const { return !fault && !converged; }
 };
 
 }  // namespace gavrel

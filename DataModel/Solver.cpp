@@ -35,7 +35,7 @@ SolveFault explainFault(const CholeskyFault& fault) {
                    "the structure is unstable at " + where + ": its stiffness there is " + numberText(fault.value));
     case Kind::PivotNotPositive:
       return there(Of::Unstable, "the structure is unstable at " + where +
-                                     ": the other unknowns leave it no positive stiffness there");
+                                     ": no positive stiffness is left there once the other unknowns are eliminated");
     case Kind::PivotNotFinite:
       return there(Of::NotFinite,
                    "the stiffness matrix cannot be factorized at " + where + ": its numbers are too large");
@@ -78,9 +78,9 @@ SolveOutcome Solver::Iterate(const Project::StepObserver& afterStep, int limit) 
       break;
     }
     outcome.norms.push_back(normRoF0F1F);
-    if (step == 1) outcome.leastPart = cholesky_.leastPart();
+    if (step == 1) outcome.smallestPivotRatio = cholesky_.smallestPivotRatio();
     const auto weakest = weakestDof();
-    if (weakest && !outcome.weakness) outcome.weakness = {step, *weakest, project_.positionsOut()};
+    if (weakest && !outcome.weakness) outcome.weakness = {step, *weakest, project_.findBarsOut()};
     if (outcome.weakness) outcome.weakness->lasts = weakest.has_value();
     if (afterStep) afterStep(step, normRoF0F1F);
   }

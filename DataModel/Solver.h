@@ -9,11 +9,11 @@
 
 namespace gavrel {
 
-/// One solve of a project: gives it a matrix, does the steps on its arrays, and keeps the factorization's analysis from
-/// one step to the next. Prints nothing, and tells of a structure that cannot be factorized instead of ending the
-/// process.
+/// One solve of a project: creates the project's matrix, does the steps on its arrays, and keeps the factorization's
+/// analysis from one step to the next. Prints nothing, and returns a SolveFault for a structure that cannot be
+/// factorized instead of ending the process.
 ///
-/// The project outlives its solver, and nobody else changes its elements, restraints or number of nodes meanwhile.
+/// The project must outlive its solver, and its elements, restraints and number of nodes must not change meanwhile.
 class Solver {
  public:
   using MaybeFault = std::optional<SolveFault>;
@@ -39,7 +39,7 @@ class Solver {
   [[nodiscard]] MaybeFault FillHessianDiagonal();
   [[nodiscard]] MaybeFault LinearSolve();
 
-  /// The degree of freedom that the last factorization left nothing but rounding errors of its stiffness, if any.
+  /// The degree of freedom whose pivot in the last factorization was no larger than rounding errors, if any.
   [[nodiscard]] std::optional<std::int64_t> weakestDof() const { return cholesky_.weakestUnknown(); }
 
  private:

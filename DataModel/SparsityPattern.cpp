@@ -55,7 +55,7 @@ std::vector<std::vector<std::int32_t>> CSR::CreateSparsityPattern(const std::vec
     checkNode(end, nI);
   });
 
-  // Node by node instead of entry by entry: the six rows of a node differ only in where their columns begin.
+  // Node by node instead of entry by entry: the six rows of a node differ only in their first column.
   std::vector<std::vector<std::int32_t>> J_Ii(static_cast<std::size_t>(nI));
   const auto neighbours = upperNeighbours(trusses, beams, nI / dofsPerNode);
   for (std::size_t node = 0; node < neighbours.size(); ++node) {

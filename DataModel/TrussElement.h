@@ -46,7 +46,7 @@ struct TrussElement {
   /// quadratic part |U|^2 / 2L^2 for a non-linear one. Not finite for zero length.
   [[nodiscard]] double tensileStrain() const;
 
-  /// Whether this is a compression-only bar that was stretched at the last assembly and so carried nothing.
+  /// Whether this is a compression-only bar that was out: stretched at the last assembly, so that it carried nothing.
   [[nodiscard]] bool isOut() const { return isCompressionOnly && currentStrain * EAL3 > 0; }
 
   /// Axial force EAL3 · q · |a| of the last assembly, with a the chord on which the assembly worked: the initial one

@@ -8,7 +8,7 @@ bool isSerious(const Finding& finding) {
   return finding.consequence != Finding::Consequence::Doubtful;
 }
 
-std::string_view nameOf(Finding::Consequence consequence) {
+std::string_view describeConsequence(Finding::Consequence consequence) {
   switch (consequence) {
     case Finding::Consequence::EndsProgram:
       return "Ends the program";
@@ -33,14 +33,14 @@ std::string describeEnding(Finding::Consequence consequence) {
     case Finding::Consequence::Doubtful:
       break;
   }
-  return ", which a later step made good: ";
+  return ", but a later step recovers it: ";
 }
 
-std::string listed(std::string_view one, const std::vector<std::int64_t>& positions) {
-  constexpr std::size_t most = 4;
+std::string listPositions(std::string_view one, const std::vector<std::int64_t>& positions) {
+  constexpr std::size_t longest = 4;
   std::string list(one);
   if (positions.size() > 1) list += "s";
-  const std::size_t named = positions.size() <= most + 1 ? positions.size() : most;
+  const std::size_t named = positions.size() <= longest + 1 ? positions.size() : longest;
   for (std::size_t i = 0; i < named; ++i) {
     const bool last = i > 0 && i + 1 == positions.size();
     list += (last ? " and " : i > 0 ? ", " : " ") + std::to_string(positions[i]);
@@ -49,7 +49,7 @@ std::string listed(std::string_view one, const std::vector<std::int64_t>& positi
   return list;
 }
 
-std::string shown(double number) {
+std::string formatRounded(double number) {
   constexpr int digits = 4;
   return roundedNumberText(number, digits);
 }

@@ -11,18 +11,18 @@ namespace {
 using enum Finding::Consequence;
 using Positions = std::vector<std::int64_t>;
 
-/// What keeps a force of the residual from being answered.
+/// Why a force remains in the residual.
 enum class Cause {
   NoNode,      ///< it stands behind the entries of the last node
   Support,     ///< it acts on a restrained direction
   NoElement,   ///< no element has stiffness there
-  TooSoft,     ///< the stiffness there is taken for none
-  Beam,        ///< a beam is joined there, which answers with stiffness only
-  Equilibrium  ///< bars do not find it
+  TooSoft,     ///< the stiffness there counts as zero
+  Beam,        ///< a beam ends there, which has stiffness but no internal force
+  Equilibrium  ///< the bars have not reached equilibrium
 };
 constexpr std::size_t causes = 6;
 
-/// The unanswered forces of one kind.
+/// The remaining forces of one cause.
 struct Leftover {
   double squares = 0;
   double largest = 0;
@@ -46,12 +46,12 @@ class Residual {
       for (const std::int64_t node : {beam.startNodeId, beam.endNodeId})
         touchedByBeam_[static_cast<std::size_t>(node)] = true;
     for (const TrussElement& truss : *solved.trussElements) addStiffness(truss);
-    // Two rounds, since only what counts beside the largest force of its kind is told of.
+    // In two rounds, since nodes are named only for forces that are not small beside the largest one of their cause.
     for (std::size_t dof = 0; dof < solved.R_I.size(); ++dof) count(dof);
     for (std::size_t dof = 0; dof < solved.R_I.size(); ++dof) name(dof);
   }
 
-  /// What no step will change, and, of a solve in vain, what it has left over.
+  /// The forces that no step will change and, of a solve that did not converge, all that remain.
   [[nodiscard]] const Leftover& of(Cause cause) const { return left_[static_cast<std::size_t>(cause)]; }
 
   /// Whether these forces alone keep the solve from converging.
@@ -85,7 +85,7 @@ class Residual {
         stiffnessOfBars_[static_cast<std::size_t>(dofsPerNode * node) + k] += along[k] + across;
   }
 
-  /// Of a solve that converged, what is left of the last kinds is as small as it should be.
+  /// After a solve that converged, forces of the last three causes are below the tolerance.
   [[nodiscard]] bool isLeft(std::size_t dof, Cause cause) const {
     return project_.R_I[dof] != 0 && !(converged_ && cause >= Cause::TooSoft);
   }
@@ -133,12 +133,12 @@ Positions barsOutAt(const Project& solved, const Positions& nodes) {
   return out;
 }
 
-/// Loads of which the norm says nothing.
+/// Loads whose norm cannot be used: not finite, all zero, or out of range.
 std::optional<Finding> inspectNorm(const Project& project, double norm, bool converged) {
   if (const auto nodes = nodesWithoutNumbers(project); !nodes.empty())
-    return Finding{NeverConverges, "Loads that are no numbers",
-                   "A load of " + listed("node", nodes) +
-                       " is infinite or not a number, so that the solve never converges: enter a number.",
+    return Finding{NeverConverges, "Loads that are not finite",
+                   "A load of " + listPositions("node", nodes) +
+                       " is infinite or not a number, so that the solve never converges: enter a finite number.",
                    nodes};
   if (norm > 0 && std::isfinite(norm)) return std::nullopt;
   if (std::ranges::all_of(*project.F_I, [](double load) { return load == 0; }))
@@ -147,8 +147,8 @@ std::optional<Finding> inspectNorm(const Project& project, double norm, bool con
                    "load a node."};
   if (converged)
     return Finding{Meaningless, "Loads out of range",
-                   "The squares of the loads are too large to be added up, so that whatever is left over counts as "
-                   "nothing, and the displacements need not be those of equilibrium: take other units."};
+                   "The squares of the loads are too large to be added up, so that any residual counts as zero, and "
+                   "the displacements need not be those of equilibrium: take other units."};
   return Finding{NeverConverges, "Loads out of range",
                  std::string("The squares of the loads are ") + (norm > 0 ? "too large" : "too small") +
                      " to be added up, so that the solve never converges: take other units."};
@@ -168,15 +168,15 @@ std::vector<Finding> inspectLoads(const Project& solved, const SolveOutcome& out
   const auto weigh = [&](Cause cause) { return residual.isTooLarge(cause) ? NeverConverges : Doubtful; };
   if (const Leftover& left = residual.of(Cause::NoNode); left.squares > 0) {
     const auto consequence = weigh(Cause::NoNode);
-    findings.push_back({consequence, "Loads of no node",
+    findings.push_back({consequence, "Loads beyond the last node",
                         "There are " + std::to_string(solved.F_I->size()) + " loads for " + std::to_string(solved.nI) +
-                            " directions, and what stands behind those is answered by nothing" + drifts(consequence) +
-                            ": take it out of the file."});
+                            " directions; those beyond the last node act on nothing" + drifts(consequence) +
+                            ": remove them from the file."});
   }
   if (const Leftover& left = residual.of(Cause::Support); left.squares > 0) {
     const auto consequence = weigh(Cause::Support);
     findings.push_back({consequence, "Loads on supports",
-                        "A restrained direction of " + listed("node", left.nodes) +
+                        "A restrained direction of " + listPositions("node", left.nodes) +
                             " carries a load, which moves it further in each step" + drifts(consequence) +
                             ": remove the load or the restraint.",
                         left.nodes});
@@ -185,37 +185,40 @@ std::vector<Finding> inspectLoads(const Project& solved, const SolveOutcome& out
   if (const Leftover& left = residual.of(Cause::NoElement); left.squares > 0) {
     const auto consequence = weigh(Cause::NoElement);
     const auto out = barsOutAt(solved, left.nodes);
-    findings.push_back({consequence, "Loads that nothing resists",
-                        "No element has stiffness in the direction of a load at " + listed("node", left.nodes) +
-                            (out.empty() ? "" : ", since " + listed("bar", out) + " took tension and dropped out") +
-                            ", so that the solver lends it some and moves it further in each step" +
-                            drifts(consequence) + ": brace it, or remove the load.",
-                        left.nodes, out});
+    findings.push_back(
+        {consequence, "Loads that nothing resists",
+         "No element has stiffness in the direction of a load at " + listPositions("node", left.nodes) +
+             (out.empty() ? "" : ", since " + listPositions("bar", out) + " took tension and dropped out") +
+             ", so that the solver puts in a stiffness of its own, and the node moves further in each "
+             "step" +
+             drifts(consequence) + ": brace it, or remove the load.",
+         left.nodes, out});
   }
-  if (!outcome.isInVain()) return findings;
+  if (!outcome.ranOutOfSteps()) return findings;
   if (const Leftover& left = residual.of(Cause::TooSoft); left.squares > 0 && residual.isTooLarge(Cause::TooSoft))
-    findings.push_back({NeverConverges, "Stiffness taken for none",
-                        "The stiffness of " + listed("node", left.nodes) + " is less than " +
-                            shown(Project::zeroPivot) +
-                            " in some direction, which the solver takes for none and replaces, so that the solve never "
+    findings.push_back({NeverConverges, "Stiffness that counts as zero",
+                        "The stiffness of " + listPositions("node", left.nodes) + " is less than " +
+                            formatRounded(Project::zeroPivot) +
+                            " in some direction, which the solver takes for zero and replaces, so that the solve never "
                             "converges: take other units.",
                         left.nodes});
   const Leftover& byBeams = residual.of(Cause::Beam);
   if (residual.isTooLarge(Cause::Beam) && byBeams.squares > 0)
     findings.push_back({NeverConverges, "Loads carried by beams",
-                        "Forces of up to " + shown(byBeams.largest) + " at " + listed("node", byBeams.nodes) +
-                            " are carried by beams, which answer with stiffness but with no force, so that the solve "
-                            "adds its displacements anew in each step: carry them by bars.",
+                        "Forces of up to " + formatRounded(byBeams.largest) + " at " +
+                            listPositions("node", byBeams.nodes) +
+                            " are carried by beams, which have stiffness but no internal force, so that each step adds "
+                            "the same displacements again: carry them by bars.",
                         byBeams.nodes});
   return findings;
 }
 
-Finding lackOfEquilibrium(const Project& solved, const SolveOutcome& outcome) {
+Finding describeImbalance(const Project& solved, const SolveOutcome& outcome) {
   const Residual residual(solved, outcome);
   const Leftover& left = residual.of(Cause::Equilibrium);
   return {NeverConverges, "No equilibrium",
-          "After " + std::to_string(outcome.norms.size()) + " steps forces of up to " + shown(left.largest) +
-              " are left over" + (left.nodes.empty() ? "" : " at " + listed("node", left.nodes)) +
+          "After " + std::to_string(outcome.norms.size()) + " steps forces of up to " + formatRounded(left.largest) +
+              " remain" + (left.nodes.empty() ? "" : " at " + listPositions("node", left.nodes)) +
               ", so that the displacements are not those of equilibrium: reduce the load, or stiffen the structure "
               "there.",
           left.nodes};

@@ -65,17 +65,17 @@ std::optional<Finding> inspectArrays(const Project& project) {
                        std::to_string(project.nI) + " loads and the first " + std::to_string(restraints) +
                        " restraints, and ends the program: give each node six of both."};
   const auto& F = *project.F_I;
-  // How much surplus loads matter is told after the solve.
+  // Surplus loads that are not zero have a finding of their own after the solve.
   const bool hasSurplusLoad = std::any_of(F.begin() + project.nI, F.end(), [](double load) { return load != 0; });
   std::string list;
   for (const auto& misfit : ArrayLengths::check(project).misfits)
     if (misfit.array != "F_I" || !hasSurplusLoad) list += (list.empty() ? "" : "; ") + misfit.text();
   if (list.empty()) return std::nullopt;
   return Finding{Doubtful, "Arrays that do not fit",
-                 list + ", so that a load or a support may stand at another node than it should: correct the file."};
+                 list + ", so that a load or a support may belong to the wrong node: correct the file."};
 }
 
-/// Positions of the elements whose stored extents, by which a solve goes, are not those of their nodes.
+/// Positions of the elements whose stored extents, which a solve uses, are not those of their nodes.
 template <class Element>
 Positions misfits(const Project& project, const std::vector<Element>& elements) {
   constexpr double fit = 1e-6;  // of a length
@@ -100,12 +100,12 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
   const auto addTrusses = [&](Finding::Consequence consequence, const char* title, const Positions& trusses,
                               const std::string& text) {
     if (!trusses.empty())
-      findings.push_back({consequence, title, "With " + listed("bar", trusses) + " " + text, {}, trusses});
+      findings.push_back({consequence, title, "With " + listPositions("bar", trusses) + " " + text, {}, trusses});
   };
   const auto addBeams = [&](Finding::Consequence consequence, const char* title, const Positions& beams,
                             const std::string& text) {
     if (!beams.empty())
-      findings.push_back({consequence, title, "With " + listed("beam", beams) + " " + text, {}, {}, beams});
+      findings.push_back({consequence, title, "With " + listPositions("beam", beams) + " " + text, {}, {}, beams});
   };
 
   if (project.trussElements->empty() && project.beamElements->empty())
@@ -115,12 +115,12 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
       "a solve ends the program, since one of the ends is a node that does not exist: correct the file.";
   addTrusses(EndsProgram, "Unknown nodes", connectivity.trussesWithUnknownNodes, unknown);
   addBeams(EndsProgram, "Unknown nodes", connectivity.beamsWithUnknownNodes, unknown);
-  if (!findings.empty()) return findings;  // the rest asks for their places
+  if (!findings.empty()) return findings;  // the other inspections read the places of all nodes
   if (auto misfits = inspectArrays(project)) findings.push_back(std::move(*misfits));
   if (const auto& lonely = connectivity.nodesWithoutElements; !lonely.empty())
     findings.push_back(
         {EndsProgram, "Nodes without elements",
-         "Nothing joins " + listed("node", lonely) +
+         "Nothing joins " + listPositions("node", lonely) +
              " to the structure, and a solve ends the program: join every node with a bar, or take it out of the file.",
          lonely});
 
@@ -153,7 +153,7 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
            "the stiffness in bending is negative: let them start at the larger x.");
   addTrusses(Doubtful, "Bars without length", connectivity.zeroLengthTrusses,
              "nothing is carried, since both ends lie in the same place: join other nodes.");
-  const char* unfitting = "a solve goes by the stored extents, which are not those of the nodes: correct the file.";
+  const char* unfitting = "a solve uses the stored extents, which are not those of the nodes: correct the file.";
   addTrusses(Doubtful, "Elements that do not fit their nodes", misfits(project, *project.trussElements), unfitting);
   addBeams(Doubtful, "Elements that do not fit their nodes", misfits(project, *project.beamElements), unfitting);
   const char* repeated =

@@ -9,15 +9,16 @@ namespace gavrel {
 
 namespace {
 
-/// Where the elimination leaves no less than this of each stiffness, it leaves no mechanism unseen.
+/// With a smallest pivot ratio of at least this, no mechanism can have gone unseen.
 constexpr double suspicious = 1e-9;
 
-/// Of the largest displacement. A mechanism of which rounding left the part p stretches its bars by about p, a slender
-/// structure by about the square root of p.
+/// As a fraction of the largest displacement. With a smallest pivot ratio p, a mechanism stretches its bars by about p,
+/// a slender structure by about the square root of p.
 constexpr double stretching = 1e-8;
 
-/// Numbers between -1 and 1 that follow no pattern of a structure: the fractions of the multiples of the golden ratio.
-double scattered(std::int64_t i) {
+/// Numbers between -1 and 1 without a pattern that a structure could have: the fractional parts of the multiples of the
+/// golden ratio.
+double scatter(std::int64_t i) {
   constexpr double goldenRatio = 1.618033988749895;
   const double multiple = static_cast<double>(i + 1) * goldenRatio;
   return 2 * (multiple - std::floor(multiple)) - 1;
@@ -37,13 +38,13 @@ double computeStretch(const TrussElement& truss, const std::vector<double>& U) {
 
 std::optional<Finding> inspectMovement(const Project& project, const SolveOutcome& outcome,
                                        Finding::Consequence consequence) {
-  if (!(outcome.leastPart < suspicious) || !project.beamElements->empty()) return std::nullopt;
+  if (!(outcome.smallestPivotRatio < suspicious) || !project.beamElements->empty()) return std::nullopt;
   const auto copy = project.copy();
   auto& F = copy->F_I.edit();
   for (std::int64_t dof = 0; dof < std::ssize(F); ++dof) {
     const auto i = static_cast<std::size_t>(dof);
     const bool free = dof % dofsPerNode < 3 && i < copy->D_I->size() && !(*copy->D_I)[i];
-    F[i] = free ? scattered(dof) : 0;
+    F[i] = free ? scatter(dof) : 0;
   }
   if (Solver(*copy).Solve({}, 1).fault) return std::nullopt;
   const auto& U = *copy->U_I;

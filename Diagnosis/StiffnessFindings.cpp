@@ -36,7 +36,7 @@ bool isNegative(const TrussElement& truss) {
   return truss.EAL3 < 0;
 }
 
-/// A beam is to start at the larger x and at the lower number; otherwise its matrix takes stiffness away.
+/// A beam must start at the larger x and at the node with the lower number; otherwise its matrix reduces stiffness.
 bool isTurned(const BeamElement& beam) {
   return (beam.EIy != 0 || beam.EIz != 0) && (beam.dXx < 0 || beam.startNodeId > beam.endNodeId);
 }
@@ -45,8 +45,8 @@ bool isNegativeBeam(const BeamElement& beam) {
   return beam.EA < 0 || beam.GJ < 0 || beam.EIy < 0 || beam.EIz < 0;
 }
 
-std::string droppedOut(const Positions& bars) {
-  return listed("bar", bars) + " took tension and dropped out";
+std::string describeBarsOut(const Positions& bars) {
+  return listPositions("bar", bars) + " took tension and dropped out";
 }
 
 /// Where a solve lost its stiffness, and what that leads to.
@@ -57,9 +57,9 @@ struct Loss {
   Positions trussesOut;  // in that step
 };
 
-/// Whether the loss goes away when no stiffness is negative and all beams are the right way round.
+/// Whether the loss disappears when no stiffness is negative and all beams are the right way round.
 template <class Predicate>
-bool isMendedByRighting(const Project& project, int step, Predicate&& concerns) {
+bool disappearsWhenRighted(const Project& project, int step, Predicate&& concerns) {
   const auto righted = project.copy();
   for (TrussElement& truss : righted->trussElements.edit()) truss.EAL3 = std::abs(truss.EAL3);
   for (BeamElement& beam : righted->beamElements.edit()) {
@@ -84,7 +84,7 @@ std::optional<Finding> blameElements(const Project& project, const std::vector<b
                    std::move(beams)};
   };
   const auto are = [](const char* kind, const Positions& found, const char* one, const char* many) {
-    return listed(kind, found) + (found.size() == 1 ? one : many);
+    return listPositions(kind, found) + (found.size() == 1 ? one : many);
   };
   if (const auto trusses = elementsAt(marked, *project.trussElements, isNegative); !trusses.empty())
     return blame(trusses, {}, are("bar", trusses, " has", " have") + " a negative stiffness",
@@ -98,29 +98,29 @@ std::optional<Finding> blameElements(const Project& project, const std::vector<b
   return std::nullopt;
 }
 
-/// A direction's own stiffness is gone or negative; all such directions are looked at together. Those without any
-/// stiffness were lent the first stored value, which belongs to node 0 along x.
+/// A diagonal entry is zero or negative; all such directions are looked at together. The solver had filled diagonals
+/// without stiffness with the first stored value, which belongs to node 0 along x.
 Finding explainNotPositive(const Project& project, const SolveFault& fault) {
   const std::string ending = describeEnding(EndsProgram);
-  const bool nothingToLend = std::abs(readDiagonal(project, 0)) < Project::zeroPivot && !(readDiagonal(project, 0) > 0);
+  const bool fillIsZero = std::abs(readDiagonal(project, 0)) < Project::zeroPivot && !(readDiagonal(project, 0) > 0);
   std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
   for (std::int64_t dof = 0; dof < project.nI; ++dof) {
-    const bool isCulprit = nothingToLend ? dof == 0 : readDiagonal(project, dof) <= -Project::zeroPivot;
-    if (isCulprit) marked[static_cast<std::size_t>(dof / dofsPerNode)] = true;
+    const bool isConcerned = fillIsZero ? dof == 0 : readDiagonal(project, dof) <= -Project::zeroPivot;
+    if (isConcerned) marked[static_cast<std::size_t>(dof / dofsPerNode)] = true;
   }
   const Positions nodes = collectMarked(marked);
   const std::string where = "In step " + std::to_string(fault.step) + " the stiffness of node " +
                             std::to_string(*fault.dof / dofsPerNode) + " in " + describeDirection(*fault.dof) +
-                            " becomes " + shown(readDiagonal(project, *fault.dof));
+                            " becomes " + formatRounded(readDiagonal(project, *fault.dof));
   if (auto blamed = blameElements(project, marked, where, ending, nodes, EndsProgram);
-      blamed && isMendedByRighting(project, fault.step, [&fault](std::int64_t dof) { return dof == *fault.dof; }))
+      blamed && disappearsWhenRighted(project, fault.step, [&fault](std::int64_t dof) { return dof == *fault.dof; }))
     return *blamed;
   const auto compressed = elementsAt(marked, *project.trussElements, isCompressedNonLinear);
   if (!compressed.empty())
     return {EndsProgram,
             "Compressed non-linear bars",
-            where + ", since compression takes stiffness across non-linear bars, here " + listed("bar", compressed) +
-                ending + "make them linear.",
+            where + ", since compression takes stiffness across non-linear bars, here " +
+                listPositions("bar", compressed) + ending + "make them linear.",
             nodes,
             compressed,
             {},
@@ -128,11 +128,11 @@ Finding explainNotPositive(const Project& project, const SolveFault& fault) {
   const auto out = elementsAt(marked, *project.trussElements, [](const TrussElement& truss) { return truss.isOut(); });
   if (!out.empty())
     return {EndsProgram, "Compression-only bars have dropped out",
-            where + ", since " + droppedOut(out) + ending + "hold the node otherwise.", nodes, out};
-  if (nothingToLend)
+            where + ", since " + describeBarsOut(out) + ending + "hold the node in another way.", nodes, out};
+  if (fillIsZero)
     return {EndsProgram, "No stiffness of node 0 along x",
             "In step " + std::to_string(fault.step) +
-                " no element gives node 0 stiffness along x, which the solver lends to all directions without any" +
+                " no element gives node 0 stiffness along x, which the solver uses for all directions without any" +
                 ending + "let an element of node 0 run along x.",
             nodes};
   return {EndsProgram, "Stiffness that is not positive", where + ending + "stiffen the structure there.", nodes};
@@ -149,7 +149,7 @@ Finding explainLoss(const Project& project, const Loss& loss, const std::vector<
   for (std::size_t i = 0; i < partOf.size(); ++i) inPart[i] = partOf[i] == partOf[static_cast<std::size_t>(node)];
   if (auto blamed = blameElements(project, inPart, step + "the structure loses its stiffness at " + place, ending,
                                   {node}, loss.consequence);
-      blamed && isMendedByRighting(project, loss.step, [&inPart](std::int64_t dof) {
+      blamed && disappearsWhenRighted(project, loss.step, [&inPart](std::int64_t dof) {
         return inPart[static_cast<std::size_t>(dof / dofsPerNode)];
       }))
     return *blamed;
@@ -171,7 +171,8 @@ Finding explainLoss(const Project& project, const Loss& loss, const std::vector<
   if (compressed.empty() && !out.empty())
     return {loss.consequence,
             "Compression-only bars have dropped out",
-            step + "nothing holds " + place + " any more, since " + droppedOut(out) + ending + "brace it otherwise.",
+            step + "nothing holds " + place + " any more, since " + describeBarsOut(out) + ending +
+                "brace it in another way.",
             {node},
             out};
   Positions concerned = compressed;
@@ -180,8 +181,9 @@ Finding explainLoss(const Project& project, const Loss& loss, const std::vector<
       loss.consequence,
       "Loss of stability",
       step + "the structure loses its stiffness at " + place + ", because it buckles or snaps through" +
-          (out.empty() ? "" : ", or because " + droppedOut(out)) + ending + "reduce the load" +
-          (compressed.empty() ? "" : ", or make the compressed non-linear " + listed("bar", compressed) + " linear") +
+          (out.empty() ? "" : ", or because " + describeBarsOut(out)) + ending + "reduce the load" +
+          (compressed.empty() ? ""
+                              : ", or make the compressed non-linear " + listPositions("bar", compressed) + " linear") +
           ".",
       {node},
       concerned,
@@ -211,7 +213,7 @@ std::vector<Finding> inspectStiffness(const Project& solved, const SolveOutcome&
   std::vector<Finding> findings;
   const auto& weakness = outcome.weakness;
   const auto& fault = outcome.fault;
-  // What has lost its stiffness before is no longer where it should be, and fails in any way.
+  // A part that has lost its stiffness before has moved away, so that its later fault says nothing more.
   const bool weakFirst = weakness && fault && fault->dof && partAt(weakness->dof) == partAt(*fault->dof);
   bool looseEnds = false;
   if (fault && !weakFirst) {
@@ -222,7 +224,7 @@ std::vector<Finding> inspectStiffness(const Project& solved, const SolveOutcome&
       findings.push_back(explainNotPositive(solved, *fault));
     else if (fault->kind == Kind::Unstable)
       findings.push_back(
-          explainLoss(solved, {fault->step, *fault->dof, EndsProgram, solved.positionsOut()}, connectivity.partOf));
+          explainLoss(solved, {fault->step, *fault->dof, EndsProgram, solved.findBarsOut()}, connectivity.partOf));
     else
       findings.push_back(explainFault(*fault));
   }

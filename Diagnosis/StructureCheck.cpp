@@ -22,21 +22,21 @@ void solveCopy(StructureCheck& check, const Project& project, const Connectivity
   solver.Assemble();
   const auto freedom = Freedom::examine(*copy, connectivity);
 
-  // Without a load all steps are the same, and the first one tells of everything.
+  // Without a load all steps are the same, so one is enough.
   const bool unloaded = std::ranges::count(*project.F_I, 0.0) == std::ssize(*project.F_I);
   auto outcome = solver.Iterate(afterStep, unloaded ? 1 : Project::iterationLimit);
-  if (outcome.fault) solver.Assemble();  // without what the solver lent
+  if (outcome.fault) solver.Assemble();  // without the stiffness that the solver put on diagonals without any
   check.lacksMemory = outcome.fault && outcome.fault->kind == SolveFault::Kind::OutOfMemory;
   auto& findings = check.findings;
   append(findings, inspectLoads(*copy, outcome));
   const auto isUnexplained = [&] {
-    return outcome.isInVain() && std::ranges::count(findings, NeverConverges, &Finding::consequence) == 0;
+    return outcome.ranOutOfSteps() && std::ranges::count(findings, NeverConverges, &Finding::consequence) == 0;
   };
   const auto ofLoss = isUnexplained() ? NeverConverges : Meaningless;
   append(findings, inspectStiffness(*copy, outcome, connectivity, freedom, ofLoss));
   if (!outcome.fault && !outcome.weakness && freedom.parts.empty())
     if (auto movement = inspectMovement(project, outcome, ofLoss)) findings.push_back(std::move(*movement));
-  if (isUnexplained()) findings.push_back(lackOfEquilibrium(*copy, outcome));
+  if (isUnexplained()) findings.push_back(describeImbalance(*copy, outcome));
   if (outcome.fault || unloaded) return;
   check.solved = copy;
   check.norms = std::move(outcome.norms);

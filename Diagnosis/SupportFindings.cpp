@@ -9,21 +9,21 @@ namespace gavrel {
 
 namespace {
 
-using Movement = std::array<double, 6>;  // of a rigid body: translations along x, y, z and turns about x, y, z
+using Movement = std::array<double, 6>;  // of a rigid body: translations along and rotations about x, y, z
 
 constexpr double lostPivot = 1e-12;  // of a matrix of directions with entries of about 1
 constexpr double fit = 1e-9;         // of a length
 
 using Products = std::array<Movement, 6>;
 
-/// One connected part of the structure, and what of its rigid movements is held.
+/// One connected part of the structure, and which of its rigid-body movements its supports hold.
 struct Body {
   std::vector<std::int64_t> nodes;
   Vector3 centre;
   double radius = 0;
-  std::size_t movements = 6;  // the first ones, which its elements do not resist
-  // Sums over the directions of its nodes of the products of how far each two movements go there: of all directions, of
-  // which a turn of a straight part about itself is no movement, and of those held.
+  std::size_t movements = 6;  // how many of the six, from the first on, its elements do not resist
+  // Sums, over directions of its nodes, of the products of the displacements in each two movements: over all directions
+  // (their rank leaves out the rotation of a straight part about itself) and over those that are held.
   Products all{};
   Products held{};
 };
@@ -33,8 +33,8 @@ Vector3 findPlace(const Project& project, std::int64_t node) {
   return {place[0], place[1], place[2]};
 }
 
-/// How far a unit of each movement of its part takes a node along direction 0, 1 or 2; turns are about the part's
-/// centre and measured at its radius.
+/// The displacement of a node along direction 0, 1 or 2 in a unit of each movement of its part; rotations are about the
+/// part's centre and measured at its radius.
 Movement movementAlong(std::int64_t direction, const Vector3& place, const Body& part) {
   const Vector3 r = place - part.centre;
   const double R = part.radius > 0 ? part.radius : 1;
@@ -86,8 +86,8 @@ class Bodies {
       const Vector3 stored{truss.dXx, truss.dXy, truss.dXz};
       if (!(length(gap - stored) <= fit * length(stored))) leave(truss.startNodeId, 3);
     }
-    // A beam does not follow turns. One whose end has the lower number resists a movement along z, since of its matrix,
-    // which is not symmetric, the other half is read.
+    // A beam resists rigid rotations. One whose end has the lower number also resists a translation along z, since the
+    // other half of its matrix, which is not symmetric, is read then.
     for (const BeamElement& beam : *project.beamElements)
       leave(beam.startNodeId, beam.startNodeId < beam.endNodeId ? 3 : 2);
     for (Body& part : all) measure(project, part);
@@ -149,8 +149,8 @@ Finding Freedom::describe(const Project& project, Finding::Consequence consequen
   const std::string what =
       parts.size() > 1
           ? std::to_string(parts.size()) + " parts are free to move or turn as rigid bodies, the first, with " +
-                listed("node", first.nodes) + ", in " + ways
-          : "As a rigid body, " + (whole ? "the structure" : "the part with " + listed("node", first.nodes)) +
+                listPositions("node", first.nodes) + ", in " + ways
+          : "As a rigid body, " + (whole ? "the structure" : "the part with " + listPositions("node", first.nodes)) +
                 " is free to move or turn in " + ways;
   std::vector<std::int64_t> nodes;
   for (const Part& part : parts) nodes.insert(nodes.end(), part.nodes.begin(), part.nodes.end());

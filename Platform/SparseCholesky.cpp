@@ -22,7 +22,7 @@ using Kind = CholeskyFault::Kind;
 /// operations than with CHOLMOD's own value of 200.
 constexpr std::size_t smallestPart = 50;
 
-/// A pivot of this part of its diagonal has lost all digits but the rounding errors of the elimination.
+/// A pivot smaller than this fraction of its diagonal entry consists of rounding errors.
 constexpr double lostPivot = 1e-14;
 
 SuiteSparse_long* asLong(std::vector<std::int64_t>& numbers) {
@@ -61,7 +61,7 @@ struct FreeDense {
 using Factor = std::unique_ptr<cholmod_factor, FreeFactor>;
 using Dense = std::unique_ptr<cholmod_dense, FreeDense>;
 
-/// CHOLMOD's view of a lower triangle whose arrays belong to somebody else; without values it is a pattern.
+/// A lower triangle in CHOLMOD's form, on arrays that the caller owns; without values it is a pattern.
 cholmod_sparse lowerTriangle(std::vector<std::int64_t>& starts, std::vector<std::int64_t>& rows, double* values) {
   cholmod_sparse view{};
   view.nrow = view.ncol = starts.size() - 1;
@@ -183,7 +183,7 @@ struct SparseCholesky::State {
   bool analysed = false;
 
   std::optional<std::int64_t> weakest;
-  double leastPart = 1;
+  double smallestPivotRatio = 1;
 
   /// Place in the selection of what is eliminated at `step`.
   [[nodiscard]] std::size_t placeAt(std::int64_t step) const {
@@ -191,17 +191,17 @@ struct SparseCholesky::State {
   }
   [[nodiscard]] std::int64_t unknownAt(std::int64_t step) const { return selection.unknowns[placeAt(step)]; }
 
-  /// Looks at what the elimination left of each diagonal: something that is not finite is a fault, next to nothing
-  /// makes the unknown the weakest.
+  /// Compares each pivot with its diagonal entry: one that is not finite is a fault, one no larger than rounding errors
+  /// makes its unknown the weakest.
   std::optional<CholeskyFault> inspectPivots() {
     std::optional<CholeskyFault> fault;
     forEachPivot(*factor, [&](std::int64_t step, double entry) {
       if (!fault && !std::isfinite(entry)) fault = CholeskyFault{Kind::PivotNotFinite, unknownAt(step), entry};
       const double diagonal = selected[static_cast<std::size_t>(selection.starts[placeAt(step)])];
-      const double left = entry * entry / diagonal;
-      if (!(left < leastPart)) return;
-      leastPart = left;
-      if (left < lostPivot) weakest = unknownAt(step);
+      const double ratio = entry * entry / diagonal;
+      if (!(ratio < smallestPivotRatio)) return;
+      smallestPivotRatio = ratio;
+      if (ratio < lostPivot) weakest = unknownAt(step);
     });
     return fault;
   }
@@ -249,7 +249,7 @@ std::optional<CholeskyFault> SparseCholesky::factorize(const SymmetricMatrix& ma
   State& s = *state_;
   dropFactor();
   s.weakest.reset();
-  s.leastPart = 1;
+  s.smallestPivotRatio = 1;
   if (const auto fault = analyse(matrix)) return fault;
   if (!s.analysis) return std::nullopt;
 
@@ -295,8 +295,8 @@ std::optional<std::int64_t> SparseCholesky::weakestUnknown() const {
   return state_->weakest;
 }
 
-double SparseCholesky::leastPart() const {
-  return state_->leastPart;
+double SparseCholesky::smallestPivotRatio() const {
+  return state_->smallestPivotRatio;
 }
 
 void SparseCholesky::dropFactor() {

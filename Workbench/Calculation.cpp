@@ -61,7 +61,7 @@ QString Calculation::outcome() const {
 QVariantList Calculation::findings() const {
   QVariantList list;
   for (const Finding& finding : trial_.findings) {
-    const std::string_view consequence = nameOf(finding.consequence);
+    const std::string_view consequence = describeConsequence(finding.consequence);
     list.append(QVariantMap{{"consequence", QString::fromUtf8(consequence)},
                             {"endsProgram", finding.consequence == Finding::Consequence::EndsProgram},
                             {"isSerious", isSerious(finding)},

@@ -93,14 +93,14 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"NoElements", [](Project& p) { p.trussElements.edit().clear(); }, EndsProgram, "No elements", "neither"},
         Fault{"MissingLoads", [](Project& p) { p.F_I.edit().resize(17); }, EndsProgram, "Missing loads or restraints",
               "17 loads and 18 restraints, but a solve reads 18 loads and the first 15 restraints"},
-        Fault{"SurplusLoad", [](Project& p) { p.F_I.edit().push_back(3); }, NeverConverges, "Loads of no node",
-              "19 loads for 18"},
+        Fault{"SurplusLoad", [](Project& p) { p.F_I.edit().push_back(3); }, NeverConverges,
+              "Loads beyond the last node", "19 loads for 18"},
         Fault{"UnknownNode", [](Project& p) { p.trussElements.edit()[1].endNodeId = 3; }, EndsProgram, "Unknown nodes",
               "bar 1", " t1"},
         Fault{"NotANumber", [](Project& p) { p.F_I.edit()[12] = std::nan(""); }, NeverConverges,
-              "Loads that are no numbers", "load of node 2 is", " n2"},
+              "Loads that are not finite", "load of node 2 is", " n2"},
         Fault{"LoadWithoutEnd", [](Project& p) { p.F_I.edit()[12] = 1e160; }, Meaningless, "Loads out of range",
-              "whatever is left over counts as nothing"},
+              "any residual counts as zero"},
         Fault{"PlaceThatIsNone",
               [](Project& p) {
                 p.X_I.edit()[6] = std::nan("");
@@ -158,7 +158,7 @@ INSTANTIATE_TEST_SUITE_P(
                 addBar(p, 1, 2, 1);
                 addBar(p, 2, 0, 1);
               },
-              EndsProgram, "No stiffness of node 0 along x", "lends", " n0"},
+              EndsProgram, "No stiffness of node 0 along x", "which the solver uses for all directions", " n0"},
         Fault{"NegativeStiffness", [](Project& p) { p.trussElements.edit()[2].EAL3 = -90; }, EndsProgram,
               "Stiffness that is not positive",
               "In step 1 the stiffness of node 0 in translation along x becomes -65.0, since bar 2 has a negative "

@@ -205,7 +205,8 @@ TEST(RandomStructures, BehaveAsForetold) {
     const auto& findings = check.findings;
     std::string texts;
     for (const Finding& finding : findings) {
-      texts += "\n  " + std::string(nameOf(finding.consequence)) + ": " + finding.title + ": " + finding.text;
+      texts +=
+          "\n  " + std::string(describeConsequence(finding.consequence)) + ": " + finding.title + ": " + finding.text;
       ++seen[finding.title];
     }
     const auto fail = [&](const std::string& what) {
@@ -214,7 +215,7 @@ TEST(RandomStructures, BehaveAsForetold) {
     };
     const auto foretold = findings.empty() ? Doubtful : findings.front().consequence;
     if (foretold != (foretold == Meaningless && happens == Doubtful ? Meaningless : happens))
-      fail("a solve: " + std::string(nameOf(happens)));
+      fail("a solve: " + std::string(describeConsequence(happens)));
     if (foretold != EndsProgram && isLinear(*project) &&
         isMechanism(*project) != (std::ranges::count_if(findings, tellsOfLooseness) > 0))
       fail(isMechanism(*project) ? "is a mechanism" : "is no mechanism");

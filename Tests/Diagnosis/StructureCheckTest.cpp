@@ -159,8 +159,8 @@ TEST(StructureCheck, TellsOfEveryFaultThatItCanSee) {
   for (const Finding& finding : findings) titles.push_back(finding.title);
   EXPECT_THAT(titles, testing::UnorderedElementsAre("Too few supports", "Loads on supports", "Repeated bars"));
   EXPECT_TRUE(std::ranges::is_sorted(findings, {}, &Finding::consequence));
-  EXPECT_EQ(listed("node", {1, 2, 3, 4, 5}), "nodes 1, 2, 3, 4 and 5");
-  EXPECT_EQ(listed("node", {1, 2, 3, 4, 5, 6}), "nodes 1, 2, 3, 4 and 2 more");
+  EXPECT_EQ(listPositions("node", {1, 2, 3, 4, 5}), "nodes 1, 2, 3, 4 and 5");
+  EXPECT_EQ(listPositions("node", {1, 2, 3, 4, 5, 6}), "nodes 1, 2, 3, 4 and 2 more");
 }
 
 }  // namespace
