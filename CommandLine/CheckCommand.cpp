@@ -65,7 +65,7 @@ int check(const CheckOptions& options) {
 }  // namespace
 
 void addCheckCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("check", "Tell what a solve of a project would stumble over, and what to do");
+  auto* command = app.add_subcommand("check", "Find faults and likely mistakes in a project, and say what to do");
   auto options = std::make_shared<CheckOptions>();
   command->add_option("MODEL", options->model, "Project file")->required()->check(fileName());
   command->add_flag("--json", options->json, "Print one JSON array for scripts");

@@ -31,21 +31,21 @@ struct ExportOptions {
   bool unsolved = false;
 };
 
-/// A path under which a program that this one starts writes to the picture: it has another standard output.
+/// A path by which the program that is started can write the picture. Its standard output is another than this one's.
 std::string pathForAnother(const std::string& picture) {
   const auto own = ownDescriptor(picture);
   return own ? descriptorPath(::dup(*own)).string() : picture;
 }
 
-/// Whether the window's program cannot read the model once more: what came through a pipe is used up.
+/// Whether the model can be read only once, as from a pipe, so that the window's program cannot read it again.
 bool isReadOnce(const std::string& model) {
   std::error_code unknown;
   const auto status = std::filesystem::status(model, unknown);
   return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
 }
 
-/// The window's program draws pictures; it lies beside this one, or where programs are looked for. Its lines are not
-/// wanted. It ends with this one.
+/// Has the window's program draw the picture. It is looked for beside this program, then in PATH. Its output is
+/// dropped, and it ends when this program ends.
 int drawPicture(const ExportOptions& options) {
   std::vector<std::string> words{"gavrel", "--screenshot", pathForAnother(options.png)};
   if (!options.size.empty()) words.insert(words.end(), {"--size", options.size});
@@ -65,7 +65,7 @@ int drawPicture(const ExportOptions& options) {
     if (std::freopen("/dev/null", "w", stdout) == nullptr) ::_exit(exitStatus::failure);
     ::execv(beside.c_str(), arguments.data());
     ::execvp("gavrel", arguments.data());
-    std::fputs("No picture: the program gavrel, which draws it, is not there.\n", stderr);
+    std::fputs("No picture: the program gavrel, which draws it, was not found.\n", stderr);
     ::_exit(exitStatus::failure);
   }
   int status = 0;

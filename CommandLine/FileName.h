@@ -5,8 +5,8 @@
 
 namespace gavrel {
 
-/// To be given to the `check` of an option that names a file: refuses an empty text, such as that of a variable which a
-/// script has not set. It would be taken for an option that is not there.
+/// A validator for the `check` of an option that names a file. It refuses an empty text, such as that of a variable
+/// which a script has not set, since the commands take it for an option that was not given.
 [[nodiscard]] inline CLI::Validator fileName() {
   return {[](const std::string& text) -> std::string { return text.empty() ? "a file name is empty" : ""; }, ""};
 }

@@ -58,7 +58,7 @@ class Kind {
     return *this;
   }
 
-  /// Builds and writes the structure when the command is given; `prepare` may adjust it to its options first.
+  /// Builds and writes the structure when the command is given; `prepare` may first adjust it to its options.
   void done(int& status, std::function<std::string(Structure&)> prepare = {}) {
     command_->callback([structure = structure_, output = output_, &status, prepare = std::move(prepare)] {
       const std::string objection = prepare ? prepare(*structure) : "";
@@ -87,7 +87,7 @@ constexpr int maxCells = 500;
 const std::string nonLinearText = "Bars with large displacements and geometric stiffness";
 
 void addLattice(CLI::App& generate, int& status) {
-  Kind<Lattice> kind(generate, "lattice", "A cube of n x n x n nodes, one face held, the opposite face loaded",
+  Kind<Lattice> kind(generate, "lattice", "A cube of n x n x n nodes, one face restrained, the opposite face loaded",
                      "--nodes 10 --output lattice.json");
   auto& lattice = kind.structure();
   kind.count("-n,--nodes", lattice.nodesPerEdge, 2, maxCells, "Nodes along each edge")
@@ -125,9 +125,9 @@ void addDome(CLI::App& generate, int& status) {
   Kind<Dome> kind(generate, "dome", "A Schwedler dome: ribs, rings and crossed diagonals on a spherical cap",
                   "--rings 6 --segments 24 --output dome.json");
   auto& dome = kind.structure();
-  kind.length("--span", dome.span, "Diameter of the held ring")
-      .length("--rise", dome.rise, "Height of the crown above the held ring, at most half the span")
-      .count("--rings", dome.rings, 1, maxCells, "Rings, the held one included")
+  kind.length("--span", dome.span, "Diameter of the restrained ring")
+      .length("--rise", dome.rise, "Height of the crown above the restrained ring, at most half the span")
+      .count("--rings", dome.rings, 1, maxCells, "Rings, the restrained one included")
       .count("--segments", dome.segments, 3, 10000, "Nodes of each ring")
       .flag("--non-linear", dome.bars.isNonLinear, nonLinearText)
       .done(status,
@@ -135,7 +135,8 @@ void addDome(CLI::App& generate, int& status) {
 }
 
 void addCableNet(CLI::App& generate, int& status) {
-  Kind<CableNet> kind(generate, "cable-net", "A net with held edges that hangs under its load, or stands as a vault",
+  Kind<CableNet> kind(generate, "cable-net",
+                      "A net with restrained edges that hangs under its load, or stands as a vault",
                       "--cells 20 --sag 1.5 --output net.json");
   auto& net = kind.structure();
   auto linear = std::make_shared<bool>(false);

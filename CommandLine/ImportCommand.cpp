@@ -48,16 +48,16 @@ int import(const ImportOptions& options) {
 }  // namespace
 
 void addImportCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("import", "Make a project of tables (CSV) and drawings (DXF)");
+  auto* command = app.add_subcommand("import", "Make a project from tables (CSV) and drawings (DXF)");
   auto options = std::make_shared<ImportOptions>();
   const auto finite = exactNumber("finite number", [](double) { return true; });
   const auto positive = exactNumber("positive number", [](double value) { return value > 0; });
-  command->add_option("FILES", options->files, "Tables of nodes or members, drawings")->required()->check(fileName());
+  command->add_option("FILES", options->files, "Tables of nodes or elements, drawings")->required()->check(fileName());
   command->add_option("-o,--output", options->output, "Project file to write")->required()->check(fileName());
   command->add_option("--into", options->into, "Project file to add to; without it a new project begins")
       ->check(fileName());
-  command->add_option("--name", options->name, "Name of the project; that of the first file if it is new");
-  command->add_option("--area", options->settings.area, "Cross-section of bars of which a file tells none")
+  command->add_option("--name", options->name, "Name of the project; a new one has that of the first file by default");
+  command->add_option("--area", options->settings.area, "Cross-section of bars for which a file gives none")
       ->transform(finite)
       ->capture_default_str();
   command->add_option("--modulus", options->settings.youngModulus, "Young's modulus of such bars")
@@ -66,7 +66,7 @@ void addImportCommand(CLI::App& app, int& status) {
   command->add_flag("--non-linear", options->settings.isNonLinear, "Such bars have large displacements");
   command->add_option("--tolerance", options->tolerance, "Ends of lines no further apart are one node")
       ->transform(positive);
-  command->footer("Example:\n  gavrel-cli import nodes.csv members.csv --output frame.json");
+  command->footer("Example:\n  gavrel-cli import nodes.csv elements.csv --output frame.json");
   command->callback([options, &status] { status = import(*options); });
 }
 

@@ -11,7 +11,7 @@
 
 namespace gavrel {
 
-/// What can be said of a project without solving it.
+/// The facts that `gavrel-cli info` prints: what is known of a project without solving it.
 struct ModelFacts {
   struct Extents {
     Vector3 least;
@@ -35,10 +35,10 @@ struct ModelFacts {
 
   [[nodiscard]] static ModelFacts gather(const Project& project);
 
-  /// Lines for people.
+  /// Lines for the user to read.
   [[nodiscard]] std::string toText() const;
-  /// One JSON object with the members' names as keys, of the connectivity those of faults, of
-  /// the array lengths the misfits.
+  /// One JSON object with the members' names as keys; of the connectivity its lists of faults, of the array lengths
+  /// the misfits.
   [[nodiscard]] std::string toJson() const;
 };
 

@@ -11,8 +11,9 @@
 
 namespace gavrel {
 
-/// To be given to an option's `transform`, which otherwise rounds twice and takes 010 for 8. Accepts the finite numbers
-/// for which `allowed` holds and hands on the one double that parseNumber reads; `kind` says what is wanted otherwise.
+/// A validator for an option's `transform`, since CLI11 itself rounds twice and takes 010 for 8. It accepts the finite
+/// numbers for which `allowed` holds and passes on the double that parseNumber reads; `kind` names these numbers in the
+/// message for any other text.
 [[nodiscard]] inline CLI::Validator exactNumber(const std::string& kind, std::function<bool(double)> allowed) {
   return {[kind, allowed = std::move(allowed)](std::string& text) -> std::string {
             const auto value = parseNumber(text);

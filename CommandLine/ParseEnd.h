@@ -14,8 +14,8 @@ namespace gavrel {
   return exitStatus::failure;
 }
 
-/// Prints the help or the version that was asked for, or in one line what is wrong with the arguments, and where to
-/// look them up. Returns the exit status.
+/// Prints the requested help or version or, in one line, what is wrong with the arguments, and a hint at the help.
+/// Returns the exit status.
 [[nodiscard]] inline int endAfterParsing(const CLI::App& app, const CLI::ParseError& error) {
   if (error.get_exit_code() != 0) {
     std::fprintf(stderr, "%s\nRun with --help for more information.\n", shownText(error.what()).c_str());

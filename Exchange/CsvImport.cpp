@@ -66,14 +66,14 @@ bool mayGroupThousands(std::string_view field) {
          before.front() != '0';
 }
 
-/// Where commas do not separate, a number may have one instead of a point. Throws ImportError if numbers of the
-/// columns that it reads have both, or if nothing tells a decimal comma from one that groups thousands.
+/// In tables that commas do not separate, numbers may have decimal commas instead of points. Throws ImportError if the
+/// numbers of the columns that are read have both, or if all their commas may as well group thousands.
 void requireOneDecimalMark(const CsvTable& table, std::span<const TableColumn> columns) {
   if (table.separator() == ',') return;
   std::string pointAt;
   std::string commaAt;
   std::string doubtfulAt;
-  bool isDecimal = table.separator() == ';';  // it separates where the comma is the decimal mark
+  bool isDecimal = table.separator() == ';';  // programs write semicolons where the comma is the decimal mark
   table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
     for (const auto& [name, content, origin, width, cell] : columns) {
@@ -95,19 +95,19 @@ void requireOneDecimalMark(const CsvTable& table, std::span<const TableColumn> c
                       " may mark decimals or thousands; use a point or none");
 }
 
-std::array<bool, dofsPerNode> heldIn(const Reader& reader) {
-  std::array<bool, dofsPerNode> held{};
+std::array<bool, dofsPerNode> readRestraints(const Reader& reader) {
+  std::array<bool, dofsPerNode> restrained{};
   std::istringstream words(lower(reader.text("held")));
   for (std::string word; words >> word;) {
     const auto found = std::ranges::find(heldWords, word);
     if (found == heldWords.end()) reader.fail("held", shownQuoted(word) + " is none of x, y, z, rx, ry, rz");
-    held[static_cast<std::size_t>(found - heldWords.begin())] = true;
+    restrained[static_cast<std::size_t>(found - heldWords.begin())] = true;
   }
-  return held;
+  return restrained;
 }
 
-/// The node that the table of nodes, or the project, knows by this number.
-std::int64_t nodeIn(const Draft& draft, const Reader& reader, std::string_view name) {
+/// The node with this number in the table of nodes or, without one, in the project.
+std::int64_t readNode(const Draft& draft, const Reader& reader, std::string_view name) {
   const std::int64_t number = reader.whole(name);
   if (draft.numbers) {
     const auto found = draft.numbers->find(number);
@@ -118,29 +118,29 @@ std::int64_t nodeIn(const Draft& draft, const Reader& reader, std::string_view n
   reader.fail(name, "there is no node " + std::to_string(number));
 }
 
-/// Sets what the words of a kind say; they are those of the table of elements.
-void readKind(const Reader& reader, Draft::Member& member) {
+/// Sets what the words in the column "kind" say, which are those that exportElements writes.
+void readKind(const Reader& reader, Draft::Element& element) {
   const std::string kind = lower(reader.text("kind"));
   if (kind.empty()) return;
-  member.isNonLinear = false;
+  element.isNonLinear = false;
   std::istringstream words(kind);
   for (std::string word; words >> word;) {
     if (word == "beam")
-      member.isBeam = true;
+      element.isBeam = true;
     else if (word == "non-linear")
-      member.isNonLinear = true;
+      element.isNonLinear = true;
     else if (word == "compression-only")
-      member.isCompressionOnly = true;
+      element.isCompressionOnly = true;
     else if (word != "bar")
       reader.fail("kind", shownQuoted(word) + " is none of bar, beam, non-linear, compression-only");
   }
 }
 
-/// Names what is passed over, unless a table that was exported has it.
+/// Adds a remark for each column that is not read, except for those of exported tables.
 void remarkOnUnknown(const CsvTable& table, std::span<const TableColumn> known, Draft& draft) {
   for (const std::string& name : table.names())
     if (!name.empty() && std::ranges::none_of(known, [&](const auto& column) { return lower(column.name) == name; }))
-      draft.remarks.push_back("The column " + shownQuoted(name) + " is passed over.");
+      draft.remarks.push_back("The column " + shownQuoted(name) + " is not read.");
 }
 
 }  // namespace
@@ -153,30 +153,30 @@ void addNodes(const CsvTable& table, Draft& draft) {
     const Reader reader(table, row);
     const std::int64_t number = numbered ? reader.whole("node") : std::ssize(*draft.numbers);
     if (!draft.numbers->emplace(number, draft.nodeCount()).second)
-      reader.fail("node", "node " + std::to_string(number) + " is there already");
+      reader.fail("node", "the number " + std::to_string(number) + " occurs twice");
     draft.nodes.push_back({{reader.number("x", {}), reader.number("y", {}), reader.number("z", 0)},
                            {reader.number("Fx", 0), reader.number("Fy", 0), reader.number("Fz", 0),
                             reader.number("Mx", 0), reader.number("My", 0), reader.number("Mz", 0)},
-                           heldIn(reader)});
+                           readRestraints(reader)});
   });
   remarkOnUnknown(table, nodeColumns(), draft);
 }
 
-void addMembers(const CsvTable& table, Draft& draft) {
+void addElements(const CsvTable& table, Draft& draft) {
   requireOneDecimalMark(table, elementColumns());
   table.forEachRow([&](const CsvTable::Row& row) {
     const Reader reader(table, row);
-    Draft::Member member{.start = nodeIn(draft, reader, "start"), .end = nodeIn(draft, reader, "end")};
-    member.isNonLinear = draft.settings.isNonLinear;
-    readKind(reader, member);
-    member.area = reader.number("area", draft.settings.area);
-    member.youngModulus = reader.number("youngModulus", draft.settings.youngModulus);
-    if (member.isBeam) {
-      member.shearModulus = reader.number("shearModulus", {});
-      member.inertiaY = reader.number("inertiaY", {});
-      member.inertiaZ = reader.number("inertiaZ", {});
+    Draft::Element element{.start = readNode(draft, reader, "start"), .end = readNode(draft, reader, "end")};
+    element.isNonLinear = draft.settings.isNonLinear;
+    readKind(reader, element);
+    element.area = reader.number("area", draft.settings.area);
+    element.youngModulus = reader.number("youngModulus", draft.settings.youngModulus);
+    if (element.isBeam) {
+      element.shearModulus = reader.number("shearModulus", {});
+      element.inertiaY = reader.number("inertiaY", {});
+      element.inertiaZ = reader.number("inertiaZ", {});
     }
-    draft.members.push_back(member);
+    draft.elements.push_back(element);
   });
   remarkOnUnknown(table, elementColumns(), draft);
 }

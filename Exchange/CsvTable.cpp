@@ -41,7 +41,7 @@ CsvTable::CsvTable(std::string text) : text_(std::move(text)) {
   if (count > maxColumns)
     throw ImportError(place + std::to_string(count) + " columns; a table has at most " + std::to_string(maxColumns));
   for (const std::string_view name : row.fields) {
-    if (!name.empty() && column(name)) throw ImportError(place + "the column " + shownQuoted(name) + " stands twice");
+    if (!name.empty() && column(name)) throw ImportError(place + "the column " + shownQuoted(name) + " occurs twice");
     names_.push_back(lower(name));
   }
   firstRow_ = text_.size() - lines.rest().size();
@@ -76,7 +76,7 @@ std::size_t CsvTable::split(std::string_view line, Row& row, std::size_t maxFiel
     const std::string column = count < names_.size() ? ", column " + shownText(names_[count]) : "";
     throw ImportError("line " + std::to_string(row.line) + column + ": " + why);
   };
-  constexpr const char* misplaced = "quotation marks stand around a whole value, and are doubled inside";
+  constexpr const char* misplaced = "quotation marks must enclose a whole value, and be doubled inside it";
   const auto skipSpace = [&] {
     while (!line.empty() && isSpace(line.front()) && line.front() != separator_) line.remove_prefix(1);
   };

@@ -11,7 +11,7 @@
 
 namespace gavrel {
 
-/// A file of values with a heading. It keeps the file's text alone: rows are taken out of it one by one.
+/// A file of values with a heading. It holds only the file's text; rows are read from it one at a time.
 class CsvTable {
  public:
   static constexpr std::size_t maxColumns = 1000;
@@ -32,10 +32,10 @@ class CsvTable {
   /// The place of the column of this name, in whatever case.
   [[nodiscard]] std::optional<std::size_t> column(std::string_view name) const;
   [[nodiscard]] bool isOfNodes() const { return column("x") && column("y"); }
-  [[nodiscard]] bool isOfMembers() const { return column("start") && column("end"); }
+  [[nodiscard]] bool isOfElements() const { return column("start") && column("end"); }
 
-  /// Calls `visit` with each row, which it may not keep. Throws ImportError for rows of another length than the
-  /// heading.
+  /// Calls `visit` with each row, which is valid during the call only. Throws ImportError for rows of another length
+  /// than the heading.
   template <class Visit>
   void forEachRow(Visit&& visit) const {
     Lines lines(std::string_view(text_).substr(firstRow_), linesBefore_);

@@ -14,14 +14,14 @@
 
 namespace gavrel {
 
-/// What files add to a project, before it is added. Nodes are numbered as they will be in the project.
+/// The nodes and elements that files will add to a project. Nodes are numbered as they will be in the project.
 struct Draft {
   struct Node {
     Vector3 place;
     std::array<double, dofsPerNode> load{};
-    std::array<bool, dofsPerNode> held{};
+    std::array<bool, dofsPerNode> restrained{};
   };
-  struct Member {
+  struct Element {
     std::int64_t start = 0;
     std::int64_t end = 0;
     bool isBeam = false;
@@ -37,22 +37,22 @@ struct Draft {
   const Project& project;
   const ImportSettings& settings;
   std::vector<Node> nodes = {};
-  std::vector<Member> members = {};
+  std::vector<Element> elements = {};
   std::vector<std::string> remarks = {};
-  /// The nodes of a table by its own numbers, once there is a table.
+  /// The nodes of the table of nodes by its own numbers; absent without such a table.
   std::optional<std::map<std::int64_t, std::int64_t>> numbers = {};
 
   [[nodiscard]] std::int64_t nodeCount() const { return project.nodeCount() + std::ssize(nodes); }
 };
 
-/// Why a file cannot be taken over; `what` says where in it.
+/// Why a file cannot be imported; `what` also says where in it.
 struct ImportError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 /// Each throws ImportError.
 void addNodes(const CsvTable& table, Draft& draft);
-void addMembers(const CsvTable& table, Draft& draft);
+void addElements(const CsvTable& table, Draft& draft);
 void addDrawing(std::string_view dxf, Draft& draft);
 
 }  // namespace gavrel

@@ -144,11 +144,11 @@ void addDrawing(std::string_view dxf, Draft& draft) {
     } else if (!joined.insert(std::minmax(start, end)).second) {
       ++repeated;
     } else {
-      draft.members.push_back({.start = start,
-                               .end = end,
-                               .isNonLinear = draft.settings.isNonLinear,
-                               .area = draft.settings.area,
-                               .youngModulus = draft.settings.youngModulus});
+      draft.elements.push_back({.start = start,
+                                .end = end,
+                                .isNonLinear = draft.settings.isNonLinear,
+                                .area = draft.settings.area,
+                                .youngModulus = draft.settings.youngModulus});
     }
   };
   for (const Path& path : paths) {

@@ -8,20 +8,20 @@
 
 namespace gavrel {
 
-/// What becomes of displacements, strains and forces: of a project that was not solved they say nothing.
+/// Whether displacements, strains and forces are written: those of a project that was not solved are meaningless.
 enum class Results { written, leftOut };
 
-/// Files for other programs. Each is written like a project file, in one step; the reason is returned when it was not.
+/// Files for other programs. Each is written like a project file, in one step; the reason is returned if it was not.
 
 /// The table of nodes or of elements as comma-separated values (RFC 4180, but with line feeds), with a heading. Results
 /// that are left out are empty.
 ///
-/// importFiles makes the same nodes and elements of them, up to what a solve writes, if the elements are as their
-/// constructors make them. Not kept are the project's name, identifiers that are not positions, materials, extents that
-/// are not those of the nodes, stiffnesses that do not follow from section, modulus and length, and array entries of no
-/// node. A bar's modulus is one that gives its EAL3 again, if there is one; EAL3 that were computed in another order
-/// often have none, and come back changed by a unit or two in the last place. It is empty for a bar without length or
-/// area.
+/// importFiles makes the same nodes and elements from them, except for the fields that a solve writes, if the elements
+/// have the values that their constructors compute. Not kept are the project's name, identifiers that are not
+/// positions, materials, extents that are not those of the nodes, stiffnesses that do not follow from section, modulus
+/// and length, and array entries of no node. The modulus of a bar is one that gives its EAL3 again, if there is one;
+/// for an EAL3 that was computed in another order there is often none, and it comes back changed by a unit or two in
+/// the last place. It is empty for a bar without length or area.
 [[nodiscard]] std::optional<Failure> exportNodes(const Project& project, const std::filesystem::path& path,
                                                  Results results = Results::written);
 [[nodiscard]] std::optional<Failure> exportElements(const Project& project, const std::filesystem::path& path,

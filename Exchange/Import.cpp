@@ -37,24 +37,25 @@ struct Elements {
   std::vector<BeamElement> beams;
 };
 
-/// The project's elements and the draft's behind them.
-Result<Elements> elementsWith(const Project& project, const Draft& draft) {
+/// The project's elements, followed by those of the draft.
+Result<Elements> joinElements(const Project& project, const Draft& draft) {
   Elements elements{*project.trussElements, *project.beamElements};
   auto& [trusses, beams] = elements;
-  const auto newBeams = static_cast<std::size_t>(std::ranges::count(draft.members, true, &Draft::Member::isBeam));
+  const auto newBeams = static_cast<std::size_t>(std::ranges::count(draft.elements, true, &Draft::Element::isBeam));
   beams.reserve(beams.size() + newBeams);
-  trusses.reserve(trusses.size() + draft.members.size() - newBeams);
-  for (const Draft::Member& member : draft.members) {
-    const Vector3 start = findPlace(draft, member.start);
-    const Vector3 end = findPlace(draft, member.end);
-    if (member.isBeam)
-      beams.emplace_back(std::ssize(beams), member.start, member.end, start, end, member.area, member.inertiaY,
-                         member.inertiaZ, member.youngModulus, member.shearModulus, member.isNonLinear);
+  trusses.reserve(trusses.size() + draft.elements.size() - newBeams);
+  for (const Draft::Element& element : draft.elements) {
+    const Vector3 start = findPlace(draft, element.start);
+    const Vector3 end = findPlace(draft, element.end);
+    if (element.isBeam)
+      beams.emplace_back(std::ssize(beams), element.start, element.end, start, end, element.area, element.inertiaY,
+                         element.inertiaZ, element.youngModulus, element.shearModulus, element.isNonLinear);
     else
-      trusses.emplace_back(std::ssize(trusses), member.start, member.end, start, end, member.area, member.youngModulus,
-                           member.isCompressionOnly, member.isNonLinear);
-    if (member.isBeam ? !isFinite(beams.back()) : !isFinite(trusses.back()))
-      return Failure{"the member from node " + std::to_string(member.start) + " to node " + std::to_string(member.end) +
+      trusses.emplace_back(std::ssize(trusses), element.start, element.end, start, end, element.area,
+                           element.youngModulus, element.isCompressionOnly, element.isNonLinear);
+    if (element.isBeam ? !isFinite(beams.back()) : !isFinite(trusses.back()))
+      return Failure{"the element from node " + std::to_string(element.start) + " to node " +
+                     std::to_string(element.end) +
                      ", by the project's numbers, has a length or a stiffness that is too large for a number"};
   }
   return elements;
@@ -68,7 +69,7 @@ ImportOutcome addTo(Project& project, Draft& draft, Elements elements) {
   for (const Draft::Node& node : draft.nodes) {
     project.addNode(node.place);
     std::ranges::copy(node.load, project.F_I.edit().end() - dofsPerNode);
-    std::copy(node.held.begin(), node.held.end(), project.D_I.edit().end() - dofsPerNode);
+    std::copy(node.restrained.begin(), node.restrained.end(), project.D_I.edit().end() - dofsPerNode);
   }
   project.trussElements.edit() = std::move(elements.trusses);
   project.beamElements.edit() = std::move(elements.beams);
@@ -80,7 +81,7 @@ ImportOutcome addTo(Project& project, Draft& draft, Elements elements) {
 Result<ImportOutcome> importFiles(Project& project, const std::vector<std::filesystem::path>& files,
                                   const ImportSettings& settings) {
   Draft draft{project, settings};
-  std::vector<std::pair<std::filesystem::path, CsvTable>> members;
+  std::vector<std::pair<std::filesystem::path, CsvTable>> tablesOfElements;
   std::filesystem::path current;
   try {
     for (const auto& file : files) {
@@ -94,16 +95,16 @@ Result<ImportOutcome> importFiles(Project& project, const std::vector<std::files
       CsvTable table(std::move(*content));
       if (table.isOfNodes())
         addNodes(table, draft);
-      else if (table.isOfMembers())
-        members.emplace_back(file, std::move(table));
+      else if (table.isOfElements())
+        tablesOfElements.emplace_back(file, std::move(table));
       else
-        throw ImportError("line 1: the heading names neither x and y, for nodes, nor start and end, for members");
+        throw ImportError("line 1: the heading names neither x and y, for nodes, nor start and end, for elements");
     }
-    for (const auto& [file, table] : members) {
+    for (const auto& [file, table] : tablesOfElements) {
       current = file;
-      addMembers(table, draft);
+      addElements(table, draft);
     }
-    auto elements = elementsWith(project, draft);
+    auto elements = joinElements(project, draft);
     if (!elements) return elements.failure();
     auto filled = fitArrays(project);
     if (!filled) return filled.failure();

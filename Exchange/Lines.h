@@ -7,10 +7,10 @@
 
 namespace gavrel {
 
-/// The lines of a text, one after the other. What it gives are views of that text.
+/// The lines of a text, one after the other, as views of that text.
 class Lines {
  public:
-  /// `before`: how many lines stand before the text in its file.
+  /// `before`: number of lines before the text in its file.
   explicit Lines(std::string_view text, std::size_t before = 0) : rest_(text), number_(before) {}
 
   /// The next line without its line feed; nothing after the last one.
@@ -22,7 +22,7 @@ class Lines {
     return line;
   }
 
-  /// The number of the line that it gave last.
+  /// The number of the line that `next` returned last.
   [[nodiscard]] std::size_t number() const { return number_; }
   /// The text after that line.
   [[nodiscard]] std::string_view rest() const { return rest_; }
@@ -32,19 +32,19 @@ class Lines {
   std::size_t number_;
 };
 
-/// Space as ASCII has it, whatever the user's locale.
+/// Whether this is white space of ASCII, whatever the user's locale.
 [[nodiscard]] inline bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Without the space at its ends.
+/// The text without the white space at its ends.
 [[nodiscard]] inline std::string_view trimmed(std::string_view text) {
   while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
   return text;
 }
 
-/// With the letters A to Z in lower case.
+/// The text with the letters A to Z in lower case.
 [[nodiscard]] inline std::string lower(std::string_view text) {
   std::string result(text);
   for (char& c : result)

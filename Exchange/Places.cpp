@@ -15,7 +15,7 @@ static_assert(Wide::max_exponent > 2 * std::numeric_limits<double>::max_exponent
 constexpr std::size_t leafSize = 8;
 constexpr std::int64_t none = std::numeric_limits<std::int64_t>::max();
 constexpr long double edge = 4;           // of a cube, in tolerances
-constexpr long double reach = 1 + 1e-9L;  // how far near ones may be, with room for rounding
+constexpr long double reach = 1 + 1e-9L;  // of the search, in tolerances, with room for rounding
 
 constexpr std::array axes{&Vector3::x, &Vector3::y, &Vector3::z};
 
@@ -38,7 +38,7 @@ Places::Places(const std::vector<Vector3>& places, double tolerance)
   enclose(0, 0, tree_.size());
 }
 
-/// Divides the nodes of a box between its parts, across its longest edge.
+/// Divides the nodes of a box between its two parts, along its longest edge.
 void Places::enclose(std::size_t box, std::size_t begin, std::size_t end) {
   Box& bounds = boxes_[box];
   bounds = {tree_[begin].place, tree_[begin].place, tree_[begin].number};
@@ -74,7 +74,7 @@ void Places::compare(const Node& node, const Vector3& place, Nearest& nearest) {
   nearest = std::min(nearest, {distance(node.place, place), node.number});
 }
 
-/// The best that a node of this box can be.
+/// The smallest distance, and the lowest number, that a node of this box can have.
 Places::Nearest Places::nearestIn(std::size_t box, const Vector3& place) {
   ++comparisons_;
   const auto& [low, high, firstNumber] = boxes_[box];
@@ -83,7 +83,7 @@ Places::Nearest Places::nearestIn(std::size_t box, const Vector3& place) {
   return {distance(inside, place), firstNumber};
 }
 
-/// Searches a box and its parts, the more promising one first, as far as they may hold a nearer node.
+/// Searches a box and its parts, the nearer part first, unless they cannot hold a nearer node.
 void Places::searchTree(std::size_t box, std::size_t begin, std::size_t end, const Vector3& place, Nearest& nearest) {
   if (end - begin <= leafSize) {
     for (std::size_t i = begin; i < end; ++i) compare(tree_[i], place, nearest);
@@ -114,7 +114,7 @@ void Places::searchCubes(const Vector3& place, Nearest& nearest) {
       }
 }
 
-/// The cube with what lies beside the place by `shift` tolerances along each axis.
+/// The cube that holds the place moved by `shift` tolerances along each axis.
 Places::Cube Places::cubeAt(const Vector3& place, long double shift) const {
   const auto along = [&](double coordinate) {
     return std::floor((static_cast<long double>(coordinate) / tolerance_ + shift) / edge);

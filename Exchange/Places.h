@@ -11,15 +11,15 @@
 
 namespace gavrel {
 
-/// From one point to another; exact where the squares of coordinates are too large or too small for a double.
+/// The distance between two points; exact even where the squares of coordinates are too large or too small for a
+/// double.
 [[nodiscard]] double distance(const Vector3& a, const Vector3& b);
 
-/// Nodes by their places: those that are there, and new ones for places further away than the tolerance from all of
-/// them.
+/// Finds nodes by their places: an existing node within the tolerance or, if there is none, a new one.
 ///
-/// Those that are there stand in a balanced tree of boxes, as they may lie as close as they like. New ones are never
-/// closer than the tolerance, so that few share a cube whose edge is a few times that. Both ways the time for a place
-/// hardly grows with the number of nodes.
+/// Existing nodes may lie arbitrarily close together, so they are kept in a balanced tree of boxes. New ones are never
+/// closer than the tolerance, so they are kept in cubes with an edge of a few tolerances, which hold few each. The time
+/// to find a place hardly grows with the number of nodes.
 class Places {
  public:
   /// Nodes are numbered from 0 in the order of their `places`. The tolerance is above 0.
@@ -48,7 +48,8 @@ class Places {
     std::int64_t number;
     auto operator<=>(const Nearest&) const = default;
   };
-  /// Numbers of cubes: of more digits and a larger range than a double, so that every quotient has its cube.
+  /// Numbers of a cube along the axes, with more digits and a larger range than a double, so that any two places
+  /// further apart than a cube's edge have different ones.
   using Cube = std::array<long double, 3>;
   struct Hash {
     std::size_t operator()(const Cube& cube) const;

@@ -110,9 +110,9 @@ Cell workingState(const TrussElement& truss) {
   return truss.isOut() ? "out" : "in";
 }
 
-/// A modulus that makes the bar's EAL3 again, bit by bit, and has few digits if one with few does. There is one within
-/// four doubles of the quotient if EAL3 was made from one; otherwise that which comes nearest. Nothing where the bar
-/// has none.
+/// The modulus from which the bar's EAL3 is computed again exactly, one with few digits if there is one. If EAL3 was
+/// computed from a modulus, that lies within four doubles of the quotient; otherwise the nearest one is taken. Empty
+/// for a bar without length or area.
 Cell findYoungModulus(const TrussElement& truss) {
   constexpr int digits = 13;
   constexpr int furthest = 4;

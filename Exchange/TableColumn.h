@@ -30,15 +30,15 @@ struct TableColumn {
   Cell (*cell)(const Project&, std::int64_t row);
 };
 
-/// A table has a row for each node, in their order. Loads, restraints and displacements are those that the project
-/// keeps for the node, six a node.
+/// A table has a row for each node, in their order. Loads, restraints and displacements are the node's own, from its
+/// six entries in the project's arrays.
 [[nodiscard]] std::span<const TableColumn> nodeColumns();
 
-/// The words for the restrained directions of a node in its column "held", in the order of its degrees of freedom.
+/// The words for a node's restrained directions in the column "held", in the order of its degrees of freedom.
 inline constexpr std::array<std::string_view, dofsPerNode> heldWords{"x", "y", "z", "rx", "ry", "rz"};
 
 /// A table has a row for each bar and then for each beam. Length is the undeformed one; strain and force are those of
-/// the last assembly, positive in tension; what an element does not have is empty.
+/// the last assembly, positive in tension. Cells are empty for what an element does not have.
 [[nodiscard]] std::span<const TableColumn> elementColumns();
 
 [[nodiscard]] std::int64_t elementCount(const Project& project);

@@ -38,7 +38,7 @@ std::vector<Line> collectLines(const Project& project) {
   return lines;
 }
 
-/// An array of the file: what its element says of it, and its numbers one after the other.
+/// An array of the file: the attributes of its XML element, and its numbers one after the other.
 struct DataArray {
   std::string_view name;
   std::string_view type;

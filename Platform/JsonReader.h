@@ -157,7 +157,7 @@ void readJsonObject(JsonValue json, Target& target, const std::array<JsonMember<
       continue;
     }
     const JsonMember<Target>& member = members[next];
-    if (found[next]) throw JsonError("\"" + std::string(member.key) + "\" stands twice");
+    if (found[next]) throw JsonError("\"" + std::string(member.key) + "\" occurs twice");
     found[next] = true;
     ++next;
     try {

@@ -19,7 +19,7 @@ class FileExchange {
   /// Into and from the view model's project. The view model outlives this.
   explicit FileExchange(ProjectViewModel& viewModel) : viewModel_(viewModel) {}
 
-  /// Members without a cross-section or Young's modulus in the files get the given one.
+  /// Elements without a cross-section or Young's modulus in the files get the given one.
   [[nodiscard]] QString importFiles(const QList<QUrl>& files, double area, double youngModulus, bool isNonLinear);
 
   [[nodiscard]] QString exportNodes(const QUrl& file);

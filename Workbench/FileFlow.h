@@ -67,7 +67,7 @@ class FileFlow : public QObject {
   Q_INVOKABLE void showSavePanel();
 
   Q_INVOKABLE void showImportPanel();
-  /// Imports `filesToImport`. Members without a cross-section or Young's modulus in the files get the given one.
+  /// Imports `filesToImport`. Elements without a cross-section or Young's modulus in the files get the given one.
   Q_INVOKABLE void importFiles(double area, double youngModulus, bool isNonLinear);
 
   Q_INVOKABLE void exportNodes();

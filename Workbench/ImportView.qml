@@ -3,7 +3,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Gavrel.Views
 
-/// The import form: the cross-section, Young's modulus and behaviour of members for which the files give none.
+/// The import form: the cross-section, Young's modulus and behaviour of elements for which the files give none.
 Item {
     id: root
 

@@ -7,8 +7,8 @@
 namespace gavrel {
 
 /// A through truss bridge along x: two Pratt trusses, joined by floor members, top struts, bracing in the planes of
-/// both chords and a diagonal in each portal frame. It is held at x = 0 and rolls along x at the other end; the total
-/// load is shared equally by the lower nodes between the supports.
+/// both chords and a diagonal in each portal frame. It is restrained at x = 0 and rolls along x at the other end; the
+/// total load is shared equally by the lower nodes between the supports.
 struct Bridge {
   double span = 40.0;
   int panels = 8;  ///< at least 2

@@ -6,8 +6,8 @@
 
 namespace gavrel {
 
-/// A square net of cells with one diagonal each, hanging as a paraboloid from its held edges. The total load is shared
-/// equally by the inner nodes. A negative sag makes it a vault.
+/// A square net of cells with one diagonal each, hanging as a paraboloid from its restrained edges. The total load is
+/// shared equally by the inner nodes. A negative sag makes it a vault.
 struct CableNet {
   double span = 20.0;
   int cells = 10;  ///< along each edge; at least 2

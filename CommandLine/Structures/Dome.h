@@ -6,8 +6,8 @@
 
 namespace gavrel {
 
-/// A Schwedler dome: a spherical cap of ribs and rings with crossed diagonals. The lowest ring is held, the total load
-/// is shared equally by the nodes above it.
+/// A Schwedler dome: a spherical cap of ribs and rings with crossed diagonals. The lowest ring is restrained, the total
+/// load is shared equally by the nodes above it.
 struct Dome {
   double span = 30.0;
   double rise = 6.0;  ///< at most half the span

@@ -7,7 +7,7 @@
 namespace gavrel {
 
 /// A cube of nodesPerEdge^3 nodes with bars along the axes and both diagonals of every square face of its cells. The
-/// face x = 0 is held, the total load is shared equally by the nodes of the opposite face.
+/// face x = 0 is restrained, the total load is shared equally by the nodes of the opposite face.
 struct Lattice {
   int nodesPerEdge = 5;
   double spacing = 1.0;

@@ -7,7 +7,7 @@
 namespace gavrel {
 
 /// A four-legged lattice tower with crossed diagonals on its faces and a square with one diagonal at every level. The
-/// feet are held, the total load is shared equally by the four top nodes.
+/// feet are restrained, the total load is shared equally by the four top nodes.
 struct Tower {
   double height = 30.0;
   int sections = 6;  ///< at least 1

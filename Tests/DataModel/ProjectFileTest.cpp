@@ -127,7 +127,7 @@ TEST(ProjectFile, ReadsWholeNumbersOfEveryNotation) {
 
 TEST(ProjectFile, TellsWhatIsWrongAndWhere) {
   const char* const cases[][3] = {
-      {"\"name\":\"a\"", "\"name\":\"a\",\"name\":\"a\"", "\"name\" stands twice"},
+      {"\"name\":\"a\"", "\"name\":\"a\",\"name\":\"a\"", "\"name\" occurs twice"},
       {"\"D_I\"", "\"D_i\"", "\"D_I\" is missing"},
       {"\"name\":\"a\"", "\"name\":null", "name: expected a text, found null"},
       {"\"trussElements\":[", "\"trussElements\":[7,", "trussElements[0]: expected an object, found the number 7"},

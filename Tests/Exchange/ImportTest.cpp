@@ -43,7 +43,7 @@ TEST(Import, AddsTablesToWhatIsThere) {
   ASSERT_TRUE(outcome) << outcome.failure().reason;
   EXPECT_EQ(outcome->nodes, 2);
   EXPECT_EQ(outcome->trusses, 2);
-  EXPECT_THAT(outcome->remarks, ElementsAre("The column \"colour\" is passed over."));
+  EXPECT_THAT(outcome->remarks, ElementsAre("The column \"colour\" is not read."));
   EXPECT_EQ(*project.getNodeCoordinates(2), (Vector3{1, 2.5, 0}));
   EXPECT_EQ(*project.getNodeCoordinates(3), (Vector3{4, 0, 0}));
   EXPECT_EQ(project.nI, 24);
@@ -73,7 +73,7 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   EXPECT_EQ(reasonFor("a.csv", "x,y\n1\n"), "a.csv, line 2: 1 values for 2 columns");
   EXPECT_EQ(reasonFor("a.csv", "x,y,held\n1,2,w\n"),
             "a.csv, line 2, column held: \"w\" is none of x, y, z, rx, ry, rz");
-  EXPECT_EQ(reasonFor("a.csv", "x,y,node\n1,2,1\n"), "a.csv, line 2, column node: node 1 is there already");
+  EXPECT_EQ(reasonFor("a.csv", "x,y,node\n1,2,1\n"), "a.csv, line 2, column node: the number 1 occurs twice");
   EXPECT_EQ(reasonFor("a.csv", "x,y\n\"1,2\n"), "a.csv, line 2, column x: a quotation mark is not closed");
   EXPECT_EQ(reasonFor("a.csv", "start,end\n0,2\n"), "a.csv, line 2, column end: there is no node 2");
   EXPECT_EQ(reasonFor("a.csv", "start,end\n0,-1\n"),
@@ -100,16 +100,16 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   }
   EXPECT_THAT(reasonFor("a.csv", "a,b\n1,2\n"), HasSubstr("neither x and y, for nodes, nor start and end"));
   EXPECT_THAT(reasonFor("a.csv", " \n"), HasSubstr("the file is empty"));
-  EXPECT_EQ(reasonFor("a.csv", "x,y,X\n1,2,3\n"), "a.csv, line 1: the column \"X\" stands twice");
+  EXPECT_EQ(reasonFor("a.csv", "x,y,X\n1,2,3\n"), "a.csv, line 1: the column \"X\" occurs twice");
   EXPECT_THAT(reasonFor("a.csv", "start,end,area\n1,0,1e307\n"),
-              HasSubstr("the member from node 1 to node 0, by the project's numbers, has a length or a stiffness"));
+              HasSubstr("the element from node 1 to node 0, by the project's numbers, has a length or a stiffness"));
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 -1e308 20 2 11 1e308 21 2")), HasSubstr("from node 2 to node 3"));
   EXPECT_EQ(reasonFor("a.csv", "\n" + std::string(1000, ',')), "a.csv, line 2: 1001 columns; a table has at most 1000");
   EXPECT_EQ(reasonFor("a.csv", "x,y\n1,2\n" + std::string(100000, ',')), "a.csv, line 3: 100001 values for 2 columns");
   EXPECT_THAT(reasonFor("a.csv", std::string("x,y\n1,2\0\n", 9)), HasSubstr("column y: expected a number"));
   for (const char* const quoted : {"2\"3\"4", "\"2\"3", "2\"", "\"2\"\"3\"4", "\"2\" \"3\""})
     EXPECT_EQ(reasonFor("a.csv", std::string("x,y\n1,") + quoted),
-              "a.csv, line 2, column y: quotation marks stand around a whole value, and are doubled inside");
+              "a.csv, line 2, column y: quotation marks must enclose a whole value, and be doubled inside it");
   EXPECT_THAT(reasonFor("a.dxf", "0\nSECTION\nx\n"), HasSubstr("a.dxf, line 3: expected a group code"));
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 x")), HasSubstr("expected a number, found \"x\""));
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 1 20 2 11 3")), HasSubstr("line 18: the LINE has no group 21"));

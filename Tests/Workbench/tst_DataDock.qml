@@ -252,6 +252,6 @@ ProjectCase {
         compare(content.files.filesToImport, []);
         compare([model.numberOfNodes, model.numberOfElements], [2, 1]);
         verify(model.hasUnsavedChanges);
-        verify(content.files.prompt.text.includes("The column \"colour\" is passed over."), content.files.prompt.text);
+        verify(content.files.prompt.text.includes("The column \"colour\" is not read."), content.files.prompt.text);
     }
 }
