@@ -25,8 +25,8 @@ class GavrelApp : public QObject {
   explicit GavrelApp(QObject* parent = nullptr);
   ~GavrelApp() override;
 
-  /// Opens the window, with the project in `file` if one is given, and looks for updates in silence unless there is an
-  /// `updateFailure` to tell of. False if the window could not be made.
+  /// Opens the window, with the project in `file` if one is given, and checks for updates silently unless there is an
+  /// `updateFailure` to show. False if the window could not be created.
   [[nodiscard]] bool start(const std::optional<std::filesystem::path>& file, const std::string& updateFailure);
 
   ProjectViewModel projectViewModel;
@@ -37,7 +37,7 @@ class GavrelApp : public QObject {
  private:
   /// Why unsaved changes would be lost if the program ended now; empty if the next start would offer them.
   [[nodiscard]] QString whyNotToBeEnded();
-  /// Ends the program without a question. Stays, and tells why, if something would be lost.
+  /// Ends the program without a question. If something would be lost, it goes on and says why.
   void restart();
 
   QQmlApplicationEngine engine_;

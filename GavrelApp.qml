@@ -116,7 +116,7 @@ ApplicationWindow {
         QuestionView {
             question: qsTr("Restore “%1”?").arg(window.recovery.offeredName)
             explanation: qsTr("Gavrel ended before this structure was saved.\n%1\n\n").arg(window.recovery.offeredReason
-                    || qsTr("It has left no reason: it was ended from outside, or by a fault of its own."))
+                    || qsTr("The reason is not known: it was ended from outside, or it crashed."))
                 + qsTr("%1 nodes, %2 elements, last changed %3")
                 .arg(window.recovery.offeredNodes).arg(window.recovery.offeredElements).arg(window.recovery.offeredTime)
                 + (window.recovery.offeredFile !== "" ? qsTr("\nOpened from %1").arg(window.recovery.offeredFile) : "")

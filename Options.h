@@ -20,7 +20,7 @@ struct Options {
 };
 
 /// Reads the arguments, or prints help, the version or what is wrong with them and returns the exit code: 0, 64 for
-/// arguments that make no sense, or 1 if the help could not be written.
+/// arguments that are not understood, or 1 if the help could not be written.
 [[nodiscard]] std::variant<Options, int> readOptions(int argc, char** argv, const std::string& version);
 
 }  // namespace gavrel

@@ -53,12 +53,12 @@ int main(int argc, char** argv) {
   const Options& options = std::get<Options>(asked);
 
   if (!hasDisplay()) return 1;
-  // Before anything asks for the program's location, which this may change.
+  // Before anything reads the program's location, which this may change.
   if (!options.screenshot)
     if (const auto failure = settleInstallation(runningProgram()))
       std::fprintf(stderr, "gavrel: %s\n", failure->reason.c_str());
 
-  // Drawing in the main thread: Qt 6.4 frees a 3D view that goes away while its drawing thread may still be at it.
+  // Draws in the main thread: Qt 6.4 destroys a 3D view while its drawing thread may still be using it.
   qputenv("QSG_RENDER_LOOP", "basic");
   // Qt keeps compiled QML in the user's cache; a file there that a kill or a full disk has cut off crashes each later
   // start.

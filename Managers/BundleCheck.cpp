@@ -19,8 +19,8 @@ QString shown(const BundleVersion& version) {
   return QObject::tr("%1 (build %2)").arg(version.version).arg(version.build);
 }
 
-/// Whether a symbolic link in the folder leads out of it, be it by way of other links. An absolute one does, wherever
-/// it leads now: the folder will be moved.
+/// Whether a symbolic link in the folder leads out of it, directly or by way of other links. An absolute link counts as
+/// leading out wherever it leads now, since the folder will be moved.
 bool leadsOutside(const fs::path& folder) {
   const fs::path inside = fs::canonical(folder);
   return std::ranges::any_of(fs::recursive_directory_iterator(folder), [&](const fs::directory_entry& entry) {

@@ -13,7 +13,7 @@ namespace gavrel {
 
 namespace {
 
-/// The file's bytes; nothing if it is no file or too large for what a program says of itself.
+/// The file's bytes; nothing if it is not a file or too large for a property list.
 std::string readBytes(const std::filesystem::path& file) {
   constexpr std::uintmax_t maxBytes = 64 * 1024;
   std::error_code unknown;
@@ -28,8 +28,7 @@ std::string readBytes(const std::filesystem::path& file) {
 BundleInfo::Dictionary BundleInfo::parseTexts(std::string_view xml) {
   Dictionary texts;
   plist_t parsed = nullptr;
-  // Not plist_from_memory: it takes binary lists as well, and ends the process where a key of UTF-16 in one holds a
-  // zero.
+  // Not plist_from_memory: it reads binary lists, too, and ends the process if a UTF-16 key in one holds a zero.
   plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &parsed);
   const std::unique_ptr<void, decltype(&plist_free)> root(parsed, &plist_free);
   plist_dict_iter position = nullptr;

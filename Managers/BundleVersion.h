@@ -6,10 +6,10 @@
 
 namespace gavrel {
 
-/// Which version of the program a bundle is.
+/// The version of the program in a bundle.
 struct BundleVersion {
-  QString version;   ///< dotted; empty if the bundle does not tell
-  qint64 build = 0;  ///< 0 if the bundle does not tell
+  QString version;   ///< dotted; empty if the bundle does not state it
+  qint64 build = 0;  ///< 0 if the bundle does not state it
 
   friend bool operator==(const BundleVersion&, const BundleVersion&) = default;
 };

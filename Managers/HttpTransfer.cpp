@@ -14,7 +14,7 @@ QSslConfiguration trustedServers() {
   return configuration;
 }
 
-/// Whether the answer came whole and it is its status code that Qt reports as an error.
+/// Whether the answer is complete, and Qt reports an error only because of its status code.
 bool isServersError(const QNetworkReply& reply) {
   const int firstErrorStatus = 400;
   return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() >= firstErrorStatus &&
@@ -36,8 +36,8 @@ HttpTransfer::HttpTransfer(QNetworkAccessManager& session, const QUrl& url, Tran
   reply_ = session.get(request);
   connect(reply_, &QNetworkReply::readyRead, this, &HttpTransfer::receive);
   connect(reply_, &QNetworkReply::downloadProgress, this, [this](qint64 written, qint64 expected) {
-    if (failure_) return;  // Qt tells of the bytes that broke a limit after the transfer has ended
-    // At the end Qt calls what has come the expected total, too.
+    if (failure_) return;  // Qt reports the bytes that exceeded a limit after the transfer has ended
+    // At the end Qt reports the bytes received as the expected total even if the server has not announced one.
     const bool announced = reply_->header(QNetworkRequest::ContentLengthHeader).isValid();
     emit progressed(written, announced ? expected : -1);
   });

@@ -13,19 +13,19 @@
 
 namespace gavrel {
 
-/// Bounds of one transfer.
+/// Limits of one transfer.
 struct TransferLimits {
-  qint64 bytes;                           ///< more are a failure
+  qint64 bytes;                           ///< largest size of the body
   std::chrono::milliseconds silence;      ///< how long the server may send nothing
-  std::chrono::milliseconds whole = {};   ///< how long the transfer may take in all; 0: any time
-  std::chrono::milliseconds period = {};  ///< in each of which `leastRate` must be reached on average; 0: at any rate
+  std::chrono::milliseconds whole = {};   ///< how long the transfer may take in all; 0: no limit
+  std::chrono::milliseconds period = {};  ///< `leastRate` must be reached on average over each; 0: no lower limit
 };
 
-/// Bytes a second; a transfer that is slower would occupy the user for days.
+/// In bytes a second; a slower transfer of an update would take days.
 inline constexpr qint64 leastRate = 1000;
 
-/// One GET request over HTTPS, whose answer's body goes to `sink` as it comes. Redirections are followed, but never to
-/// an address without TLS. Cancelled silently when destroyed.
+/// One GET request over HTTPS. The body of the answer is written to `sink` as it arrives. Redirections are followed,
+/// but never to an address without TLS. Cancelled silently when destroyed.
 class HttpTransfer : public QObject {
   Q_OBJECT
 
@@ -34,13 +34,13 @@ class HttpTransfer : public QObject {
   HttpTransfer(QNetworkAccessManager& session, const QUrl& url, TransferLimits limits, QIODevice& sink);
   ~HttpTransfer() override;
 
-  /// After `finished`: why the body did not come whole, if it did not. An answer that tells of an error is whole.
+  /// After `finished`: why the body is not complete, if it is not. An answer with an error status can be complete.
   [[nodiscard]] const std::optional<QString>& failure() const { return failure_; }
   /// After `finished`: the HTTP status code, 0 if no answer came.
   [[nodiscard]] int status() const;
 
  signals:
-  void progressed(qint64 written, qint64 expected);  ///< in bytes; `expected` is below 1 where unknown
+  void progressed(qint64 written, qint64 expected);  ///< in bytes; `expected` is below 1 if unknown
   void finished();
 
  private:
@@ -51,7 +51,7 @@ class HttpTransfer : public QObject {
 
   TransferLimits limits_;
   QIODevice& sink_;
-  QPointer<QNetworkReply> reply_;  // goes with its session
+  QPointer<QNetworkReply> reply_;  // destroyed with its session
   qint64 received_ = 0;
   qint64 receivedBefore_ = 0;  // this period
   QTimer wholeTimer_;
@@ -59,7 +59,7 @@ class HttpTransfer : public QObject {
   std::optional<QString> failure_;
 };
 
-/// `address` as a URL with TLS and a host, if it is one.
+/// `address` as a URL, if it is one with TLS and a host.
 [[nodiscard]] std::optional<QUrl> secureUrl(const QString& address);
 
 }  // namespace gavrel

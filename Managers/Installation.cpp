@@ -61,7 +61,7 @@ Outcome startInstaller(const Installation& installation) try {
     return failed(
         QObject::tr("This copy was not installed as an application bundle. "
                     "Please update it through the package manager that installed it."));
-  // One opening for all: what is checked is what is unpacked, whatever takes the file's name meanwhile.
+  // Opened only once: the file that is unpacked is the one that was checked, even if it is replaced meanwhile.
   const FileDescriptor archive(::open(installation.archive.toStdString().c_str(), O_RDONLY | O_CLOEXEC));
   const bool mustBeSigned = !installation.publicKeys.empty();
   if (mustBeSigned &&
@@ -82,7 +82,7 @@ Outcome startInstaller(const Installation& installation) try {
   const auto app = firstAppEntry(namesIn(extracted));
   if (!app) return failed("App bundle not found in update");
   const fs::path replacement = extracted / *app;
-  // Before it is checked, so that a later change is found by the script.
+  // Before the checks, so that the script finds any later change.
   const auto digest = treeDigest(replacement);
   if (!digest) return failed(digest.failure());
   if (const auto reason = whyNotReplaceable(current, replacement)) return failed(*reason);

@@ -10,9 +10,9 @@
 
 namespace gavrel {
 
-/// What is to be installed, and in place of what.
+/// An update to install, and the bundle that it replaces.
 struct Installation {
-  QString archive;                     ///< zip file; its folder takes what is made on the way
+  QString archive;                     ///< zip file; the unpacked bundle and the script are put into its folder
   BundleInfo bundle;                   ///< of the running program
   std::vector<QByteArray> publicKeys;  ///< of the updates' signers; none where updates are not signed
   QByteArray signature;                ///< of the archive

@@ -8,7 +8,7 @@ namespace gavrel {
 
 namespace {
 
-/// A path as one word of the shell that stands for itself, whatever characters it has.
+/// A path as one word of the shell, quoted so that it may have any characters.
 std::string shellWord(const std::filesystem::path& path) {
   std::string word = "'";
   for (const char c : path.string()) word += c == '\'' ? "'\\''" : std::string(1, c);

@@ -15,13 +15,13 @@ namespace gavrel {
 [[nodiscard]] std::string bundleInstallerScript(const std::filesystem::path& current,
                                                 const std::filesystem::path& replacement);
 
-/// The script for Linux, to be started by startScript. It copies N to "C.new", which is whole, equal to what had the
-/// `digest` (see treeDigest) and on the disk before it takes the place of C; at every moment C or "C.old" is a whole
-/// bundle. What fails leaves the former one in its place, and that is started with "--update-failed" and the reason.
-/// The program to start again is `executable`, relative to the bundle. Any byte may occur in a path.
+/// The script for Linux, to be started by startScript. It copies N to "C.new" and puts that in the place of C only once
+/// the copy is complete, has the `digest` (see treeDigest) and is on the disk; at every moment C or "C.old" is a
+/// complete bundle. If a step fails, the former bundle is in its place and is started with "--update-failed" and the
+/// reason. The program to start again is `executable`, relative to the bundle. Any byte may occur in a path.
 ///
-/// While it works it has a lock (flock) on the folder of the copy, whatever that is called, as have the tools that it
-/// waits for; LeftOvers asks for it. The file that tells what the copy is comes first.
+/// While the script and the tools that it waits for run, they hold a lock (flock) on the folder of the copy, whatever
+/// its name is then; LeftOvers tests it. Info.plist, which tells what the copy is, is copied first.
 [[nodiscard]] std::string linuxInstallerScript(const std::filesystem::path& current,
                                                const std::filesystem::path& replacement,
                                                const std::filesystem::path& executable, const std::string& digest);

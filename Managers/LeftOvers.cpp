@@ -22,7 +22,7 @@ namespace {
 
 constexpr const char* identifierKey = "CFBundleIdentifier";
 
-/// The lock that an installation has on the folder that it makes, under whatever name.
+/// The lock that an installation holds on the folder of its copy, whatever the folder's name is.
 class FolderLock {
  public:
   explicit FolderLock(const fs::path& folder)
@@ -41,20 +41,20 @@ bool isThisUsers(const fs::path& folder) {
   return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
 }
 
-/// The file beside a bundle that an installation makes, and removes when nothing else of it is left. Without it, a
-/// folder of the names that installations use is somebody's own.
+/// The file beside a bundle that an installation creates with its copy and removes last. Without it, a folder with a
+/// name that installations use was made by somebody else.
 fs::path markBeside(const fs::path& bundle) {
   return bundle.string() + ".update";
 }
 
-/// Whether nothing is there that would be lost: a copy that was just begun, or the last of a removal.
+/// Whether the folder holds nothing of value: a copy that was just begun, or a removal that was nearly done.
 bool hasNoContent(const fs::path& folder) {
   return std::ranges::all_of(fs::directory_iterator(folder), [](const fs::directory_entry& entry) {
     return entry.path().filename() == "Info.plist" && fs::is_empty(entry);
   });
 }
 
-/// Removes the bundle, what tells whose it is last: the rest of a removal that is cut off is still known.
+/// Removes the bundle, its Info.plist last, so that the rest of an interrupted removal can still be identified.
 std::optional<Failure> removeBundle(const fs::path& folder) {
   std::error_code error;
   for (const fs::path& entry : std::vector<fs::path>(fs::directory_iterator(folder), {}))

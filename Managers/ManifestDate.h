@@ -7,14 +7,13 @@
 
 namespace gavrel {
 
-/// The date that a manifest's entry for an application bears. Absent unless it is there and written "YYYY-MM-DD".
+/// The date in a manifest's entry for an application. Absent if there is none that is written "YYYY-MM-DD".
 [[nodiscard]] std::optional<QDate> manifestDate(const QByteArray& json, const QString& application);
 
-/// Whether a clock that says `today` may be right when a manifest bears this date. Calendars differ by a day over the
-/// world.
+/// Whether a clock that shows `today` can be right, given a manifest of this date. Time zones differ by up to a day.
 [[nodiscard]] bool isPossible(QDate manifest, QDate today);
 
-/// Why a manifest of this date is not to be followed at all, now that one of date `newest`, if any, has been seen.
+/// Why a manifest of this date is rejected, after one of date `newest`, if any, has been seen.
 [[nodiscard]] std::optional<QString> whyOutdated(QDate manifest, std::optional<QDate> newest);
 
 /// Why a manifest of this date cannot prove that there is no newer version.

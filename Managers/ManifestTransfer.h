@@ -16,17 +16,17 @@
 
 namespace gavrel {
 
-/// Fetches the manifest and, where there are keys, proves that the owner of one has signed it. Cancelled silently when
+/// Fetches the manifest and, if there are keys, verifies that the owner of one has signed it. Cancelled silently when
 /// destroyed.
 class ManifestTransfer : public QObject {
   Q_OBJECT
 
  public:
-  /// Starts. The limits of time hold for the manifest and its signature each.
+  /// Starts. The time limits apply to the manifest and to its signature separately.
   ManifestTransfer(QNetworkAccessManager& session, const QUrl& url, std::vector<QByteArray> publicKeys,
                    TransferLimits limits);
 
-  /// After `finished`: why there is no manifest to rely on, if there is none.
+  /// After `finished`: why there is no manifest that can be trusted, if there is none.
   [[nodiscard]] const std::optional<UpdateError>& failure() const { return failure_; }
   /// After `finished`: the manifest.
   [[nodiscard]] const QByteArray& json() const { return content_.data(); }

@@ -10,7 +10,7 @@ namespace gavrel {
   return QString::fromStdString(path.string());
 }
 
-/// Whether anything stands at the path, be it a link that leads nowhere.
+/// Whether there is anything at the path, even a symbolic link that leads nowhere.
 [[nodiscard]] inline bool isThere(const std::filesystem::path& path) {
   return std::filesystem::exists(std::filesystem::symlink_status(path));
 }

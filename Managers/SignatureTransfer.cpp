@@ -13,7 +13,7 @@ constexpr int httpOk = 200;
 SignatureTransfer::SignatureTransfer(QNetworkAccessManager& session, const QString& address, TransferLimits limits) {
   const auto url = secureUrl(address + ".sig");
   if (!url) {
-    failure_ = tr("%1.sig is no address.").arg(address);
+    failure_ = tr("%1.sig is not a valid address.").arg(address);
     QMetaObject::invokeMethod(this, &SignatureTransfer::finished, Qt::QueuedConnection);
     return;
   }
@@ -21,7 +21,7 @@ SignatureTransfer::SignatureTransfer(QNetworkAccessManager& session, const QStri
   limits.bytes = signatureSize;
   transfer_ = std::make_unique<HttpTransfer>(session, *url, limits, content_);
   connect(transfer_.get(), &HttpTransfer::finished, this, [this] {
-    // First, because a page that says that nothing is there is longer than a signature.
+    // Tested first, because a page that says "not found" is longer than a signature.
     const int status = transfer_->status();
     if (status != 0 && status != httpOk)
       failure_ = tr("The server answered %1.").arg(status);

@@ -12,13 +12,13 @@
 
 namespace gavrel {
 
-/// Fetches the signature of a file on the server. It stands at the file's address with ".sig" behind it. Cancelled
-/// silently when destroyed.
+/// Fetches the signature of a file on the server, from the file's address with ".sig" appended. Cancelled silently when
+/// destroyed.
 class SignatureTransfer : public QObject {
   Q_OBJECT
 
  public:
-  /// Starts. `address`: of the signed file. Of the limits those of time count.
+  /// Starts. `address`: of the signed file. Only the time limits are used.
   SignatureTransfer(QNetworkAccessManager& session, const QString& address, TransferLimits limits);
 
   /// After `finished`: why there is no signature, if there is none.

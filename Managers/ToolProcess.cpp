@@ -18,7 +18,7 @@ namespace {
 
 using Variable = std::pair<const char*, const char*>;
 
-/// All that tools get to know. Names of files are UTF-8 to them, and messages English.
+/// The environment of the tools: names of files are UTF-8, and messages are English.
 constexpr std::array toolVariables{Variable{"PATH", "/usr/bin:/bin"}, Variable{"LC_ALL", "C.UTF-8"}};
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {

@@ -18,7 +18,8 @@ namespace {
 
 constexpr std::uint64_t blockSize = 4096;  // a file, a folder and a link take whole blocks
 
-/// Whether more stands in the folder than the archive has told. Entries that come and go meanwhile do not count.
+/// Whether there is more in the folder than the archive's directory states. Entries that disappear during the count are
+/// left out.
 bool hasMoreThan(const ArchiveContent& content, const fs::path& folder) {
   ArchiveContent found;
   std::error_code gone;
@@ -26,7 +27,7 @@ bool hasMoreThan(const ArchiveContent& content, const fs::path& folder) {
     struct stat status {};
     if (::lstat(entry->path().c_str(), &status) != 0) continue;
     if (S_ISREG(status.st_mode)) found.bytes += static_cast<std::uint64_t>(status.st_size);
-    if (!S_ISDIR(status.st_mode)) ++found.entries;  // the archive need not tell of folders
+    if (!S_ISDIR(status.st_mode)) ++found.entries;  // the archive's directory need not list folders
   }
   return found.bytes > content.bytes || found.entries > content.entries;
 }
@@ -35,7 +36,7 @@ void limitFiles(std::uint64_t bytes) {
   const rlimit limit{bytes, bytes};
   ::setrlimit(RLIMIT_FSIZE, &limit);
   const rlimit none{0, 0};
-  ::setrlimit(RLIMIT_CORE, &none);  // what is beyond the limit ends unzip by a signal that would leave its memory
+  ::setrlimit(RLIMIT_CORE, &none);  // a write beyond the limit ends unzip by a signal that would leave a core file
 }
 
 }  // namespace
@@ -72,7 +73,7 @@ std::optional<QString> unpack(const FileDescriptor& archive, const ArchiveConten
   constexpr int milliseconds = 200;
   while (unzip.state() != QProcess::NotRunning && !unzip.waitForFinished(milliseconds))
     if (hasMoreThan(content, folder)) unzip.kill();
-  // What was written since the last look counts, too.
+  // Tested once more for what was written since the last test.
   const bool isWhole = unzip.exitStatus() == QProcess::NormalExit && unzip.exitCode() == 0;
   if (isWhole && !hasMoreThan(content, folder)) return {};
   return cannotExtract;

@@ -13,9 +13,9 @@ namespace gavrel {
 [[nodiscard]] std::optional<QString> whyNoRoom(const ArchiveContent& content, const std::filesystem::path& folder,
                                                const std::filesystem::path& destination);
 
-/// Unpacks the open archive into the folder, which exists. No entry leaves it: unzip drops what points outwards in its
-/// name. It is ended as soon as there is more than `content`, which the archive may have lied about. Returns why not
-/// all is there.
+/// Unpacks the open archive into the folder, which exists. No entry is written outside of it: unzip drops the parts of
+/// names that lead out. unzip is ended as soon as it has written more than `content`, which the archive may have stated
+/// falsely. Returns the reason if not everything was unpacked.
 [[nodiscard]] std::optional<QString> unpack(const FileDescriptor& archive, const ArchiveContent& content,
                                             const std::filesystem::path& folder);
 

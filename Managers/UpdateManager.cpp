@@ -75,7 +75,7 @@ void UpdateManager::checkForUpdates(bool isExplicitCheck) {
   auto* check = new ManifestTransfer(session_, *url, setup_.publicKeys,
                                      {.bytes = largestManifest, .silence = setup_.silence, .whole = setup_.deadline});
   check->setParent(checks_.get());
-  // Posted to the check itself, so that nothing comes of one that is cancelled.
+  // Posted to the check itself, so that a cancelled check reports nothing.
   connect(
       check, &ManifestTransfer::finished, check,
       [this, check, isExplicitCheck] {
@@ -107,7 +107,7 @@ void UpdateManager::handleManifest(const QByteArray& json, bool isExplicitCheck)
   const auto newest = newestManifest();
   if (const auto reason = whyOutdated(*date, newest)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);
   const QDate today = setup_.today();
-  // A date to come, once remembered, would shut out all right ones.
+  // A date in the future, once remembered, would make all correct ones look outdated.
   if (newest != date && isPossible(*date, today)) settings_.setValue(newestManifestKey, date->toString(Qt::ISODate));
   const auto reason = whyNoProof(*date, today);
   if (reason && !isNewerThanRunning(info)) return failCheck({Error::checkFailed, *reason}, isExplicitCheck);

@@ -24,8 +24,8 @@
 
 namespace gavrel {
 
-/// Finds newer versions on the update server, downloads and installs them. How far this is stands in `state`, which
-/// changes on the main thread only; every failure ends there. Observers of `objectWillChange` are told before a change.
+/// Finds newer versions on the update server, downloads and installs them. `state` shows the progress and every
+/// failure; it changes on the main thread only. Observers of `objectWillChange` are told before a change.
 class UpdateManager : public QObject {
   Q_OBJECT
   Q_PROPERTY(gavrel::UpdateState state READ currentState NOTIFY stateChanged)
@@ -38,16 +38,15 @@ class UpdateManager : public QObject {
     QString versionCheckUrl;  ///< address of the manifest
     QString settings;         ///< file with the user's settings
     BundleInfo bundle = {};   ///< of the running program
-    /// Ed25519, 32 bytes each. The owner of any may sign updates; where there is none, they need no signature.
+    /// Ed25519, 32 bytes each. The owner of any of them may sign updates; without keys, updates need no signature.
     std::vector<QByteArray> publicKeys = {};
     qint64 largestArchive = qint64{1} << 30;                        ///< bytes
     std::chrono::milliseconds silence = std::chrono::minutes(1);    ///< after which a transfer has failed
     std::chrono::milliseconds deadline = std::chrono::seconds(30);  ///< for the manifest and for each signature
     std::chrono::milliseconds slowness = std::chrono::minutes(1);   ///< how long the archive may come too slowly
     std::function<QDate()> today = [] { return QDateTime::currentDateTimeUtc().date(); };
-    std::function<QString()> whyNotNow =
-        {};                                ///< asked before an installation; what it answers, if anything, forbids it
-    std::function<void()> terminate = {};  ///< ends the program so that it can be replaced
+    std::function<QString()> whyNotNow = {};  ///< asked before an installation; a text that it returns forbids it
+    std::function<void()> terminate = {};     ///< ends the program so that it can be replaced
   };
 
   explicit UpdateManager(Setup setup, QObject* parent = nullptr);
@@ -55,8 +54,8 @@ class UpdateManager : public QObject {
 
   Observable objectWillChange;
   Published<UpdateState> state;
-  Published<QString> currentVersion;  ///< empty if the bundle does not tell
-  Published<qint64> currentBuild;     ///< 0 if the bundle does not tell
+  Published<QString> currentVersion;  ///< empty if the bundle does not state it
+  Published<qint64> currentBuild;     ///< 0 if the bundle does not state it
   const QString versionCheckUrl;
   const QString appIdentifier = QStringLiteral("brantel");  ///< key in the manifest, part of file names
   std::unique_ptr<HttpTransfer> downloadTask;
@@ -64,9 +63,9 @@ class UpdateManager : public QObject {
   std::optional<VersionInfo> pendingVersionInfo;  ///< once a download has begun
 
   /// Asks the server for its manifest. An explicit check shows that it runs and how it failed; a silent one shows only
-  /// that there is a newer version. Finding none ends either in `idle`. Where updates are signed, the manifest is
-  /// believed only with its signature and its date: one older than another seen before is not followed, and an old one
-  /// is no proof that there is nothing newer.
+  /// that there is a newer version. Without a newer version both end in `idle`. If updates are signed, the manifest is
+  /// accepted only with its signature and its date: one older than another seen before is rejected, and an old one does
+  /// not prove that there is no newer version.
   Q_INVOKABLE void checkForUpdates(bool isExplicitCheck);
 
   /// Whether the user wants the silent check at each start. True until the user decides otherwise.
@@ -79,13 +78,13 @@ class UpdateManager : public QObject {
   /// Stops all checks and the download, and returns to `idle`.
   Q_INVOKABLE void cancel();
 
-  /// Downloads the archive and, where updates are signed, proves its signature.
+  /// Downloads the archive and, if updates are signed, verifies its signature.
   Q_INVOKABLE void downloadUpdate(const VersionInfo& info);
 
   /// Unpacks the archive in a background thread, starts the script that replaces the bundle and ends the program.
   Q_INVOKABLE void installUpdate(const VersionInfo& info, const QUrl& archive);
 
-  /// Tells of an installation that failed after the program had ended.
+  /// Shows the failure of an installation that happened after the program had ended.
   Q_INVOKABLE void installationFailed(const QString& reason);
 
  signals:
@@ -120,7 +119,7 @@ class UpdateManager : public QObject {
   std::unique_ptr<QTemporaryFile> download_;
   std::unique_ptr<SignatureTransfer> signatureTask_;
   QByteArray signature_;
-  QThreadPool worker_;  // last, so that it is done before anything else goes
+  QThreadPool worker_;  // declared last, so that it has ended before anything else is destroyed
 };
 
 }  // namespace gavrel

@@ -12,7 +12,7 @@ inline constexpr qsizetype publicKeySize = 32;
 inline constexpr qsizetype signatureSize = 64;
 
 /// Whether `signature` is the Ed25519 signature (RFC 8032, without prehashing) of the content by the owner of one of
-/// the keys. False also for a signature of another size; a key of another size counts for none.
+/// the keys. False also for a signature of another size; a key of another size is ignored.
 [[nodiscard]] bool isSigned(QByteArrayView content, const QByteArray& signature,
                             const std::vector<QByteArray>& publicKeys);
 
@@ -20,7 +20,7 @@ inline constexpr qsizetype signatureSize = 64;
 [[nodiscard]] bool isFileSigned(const QString& file, const QByteArray& signature,
                                 const std::vector<QByteArray>& publicKeys);
 
-/// The line for the user where it is not.
+/// The line for the user when a signature is missing or wrong.
 [[nodiscard]] QString wrongSignature();
 
 }  // namespace gavrel

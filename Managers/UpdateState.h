@@ -10,11 +10,11 @@
 
 namespace gavrel {
 
-/// Why an update did not come about.
+/// Why an update failed.
 struct UpdateError {
   enum class Case {
     networkError,
-    checkFailed,  ///< the manifest is not to be relied on
+    checkFailed,  ///< the manifest cannot be trusted
     downloadFailed,
     installationFailed,
     invalidUrl,
@@ -31,7 +31,7 @@ struct UpdateError {
   friend bool operator==(const UpdateError&, const UpdateError&) = default;
 };
 
-/// How far an update is.
+/// The progress of an update.
 struct UpdateState {
   Q_GADGET
   Q_PROPERTY(QString name READ name)

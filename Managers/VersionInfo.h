@@ -9,7 +9,7 @@
 
 namespace gavrel {
 
-/// One version of the program as the update server's manifest tells of it.
+/// One version of the program as the update server's manifest describes it.
 struct VersionInfo {
   Q_GADGET
   Q_PROPERTY(QString version MEMBER version)
@@ -20,21 +20,21 @@ struct VersionInfo {
   qint64 build = 0;
   QString downloadUrl;  ///< of the zip archive
   QString changelog;
-  bool mandatory = false;               ///< carried, not acted upon
-  std::optional<QString> minOsVersion;  ///< carried, not acted upon
+  bool mandatory = false;               ///< read, but without effect
+  std::optional<QString> minOsVersion;  ///< read, but without effect
 
   friend bool operator==(const VersionInfo&, const VersionInfo&) = default;
 };
 
 /// The manifest's entries by application identifier. Absent unless `json` is an object whose every value is a
-/// VersionInfo: one bad entry spoils the whole manifest.
+/// VersionInfo: one invalid entry makes the whole manifest invalid.
 [[nodiscard]] std::optional<QMap<QString, VersionInfo>> decodeManifest(const QByteArray& json);
 
 /// The manifest's entry for `info` as a JSON object, its keys in the order of the fields.
 [[nodiscard]] QByteArray encode(const VersionInfo& info);
 
 /// Whether version `candidate` is later than `current`, comparing dotted numbers from the left; missing ones count as 0
-/// and pieces that are no whole numbers are left out.
+/// and pieces that are not whole numbers are left out.
 [[nodiscard]] bool isNewerVersion(const QString& candidate, const QString& current);
 
 }  // namespace gavrel

@@ -4,8 +4,8 @@ import QtQuick.Layouts
 import Gavrel.PreviewContent
 import Gavrel.Views
 
-/// Shows a truss and switches it between linear and non-linear behaviour. Beams have no sheet: the number of one finds
-/// no truss, or the one that shares it.
+/// Shows a truss and switches it between linear and non-linear behaviour. Beams have no sheet: for the number of a beam
+/// it shows the truss with the same number, if there is one.
 Item {
     id: root
 

@@ -85,7 +85,7 @@ Item {
         lineHeight: 1.4
         font.pixelSize: 15
         color: "#f4f4f4"
-        text: qsTr("An empty structure\nAdd Node begins it, Open... brings one back")
+        text: qsTr("The structure is empty\nStart with Add Node, or open a project with Open...")
     }
 
     Sheet {

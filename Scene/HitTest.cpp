@@ -38,9 +38,9 @@ Span slab(double position, double speed, double limit) {
   return {std::min(a, b), std::max(a, b)};
 }
 
-/// Where a t^2 + 2 b t + c <= 0; for a < 0 only the part on the side of growing t if `later`, else the other.
-/// `discriminant`: b^2 - a c, from Lagrange's identity, as this difference cancels where a long tube is met far from
-/// its middle.
+/// Where a t^2 + 2 b t + c <= 0. For a < 0 these are two parts: the one of larger t if `later`, else the other.
+/// `discriminant`: b^2 - a c, computed by Lagrange's identity, since the difference loses its digits where a long tube
+/// is met far from its middle.
 Span belowZero(double a, double b, double c, double discriminant, bool later) {
   if (a == 0) {
     if (b == 0) return c <= 0 ? Span{} : nowhere;
@@ -56,7 +56,7 @@ Span belowZero(double a, double b, double c, double discriminant, bool later) {
   return later ? Span{between.to, infinity} : Span{-infinity, between.from};
 }
 
-/// The spans of the line o + t d inside a shape in its own axes; o is near the shape, so that nothing cancels.
+/// The spans of the line o + t d inside a shape in its own axes; o is near the shape, so that no digits are lost.
 Span inside(const Sphere& ball, double growth, const Vector3& o, const Vector3& d) {
   const double r = ball.radius * growth;
   const double a = dot(d, d);
@@ -123,7 +123,7 @@ class HitTester {
  private:
   [[nodiscard]] double growth(double distance) const { return std::max(1.0, ray_.thickening * distance); }
 
-  /// False for what the ray passes by, seen from a ball around it; nothing is turned or stretched for that.
+  /// False if the ray passes outside of a ball around the shape: a quick test before the exact one.
   [[nodiscard]] bool mayMeet(const SceneNode& node) const {
     const auto [radius, half] = extentOf(node);
     const double largest = std::max({std::abs(node.scale.x), std::abs(node.scale.y), std::abs(node.scale.z)});
@@ -132,7 +132,7 @@ class HitTester {
     const double reach2 = (thick * thick + half * half) * largest * largest;
     const double along = dot(offset, ray_.direction);
     const double away2 = dot(offset, offset) - along * along;
-    // Room for what the difference loses to rounding when the shape is far away.
+    // With room for the rounding errors of the difference when the shape is far away.
     return away2 <= reach2 + 1e-12 * along * along && (along >= 0 || along * along <= reach2);
   }
 
@@ -145,7 +145,7 @@ class HitTester {
     const auto& [a, b, c] = world.columns;
     const Vector3 bc = cross(b, c), ca = cross(c, a), ab = cross(a, b);
     const double determinant = dot(a, bc);
-    // Rounding leaves some volume even to what a turned parent has flattened.
+    // A flattened shape keeps a little volume by rounding if its parent is rotated.
     if (!(std::abs(determinant) > 1e-14 * length(a) * length(b) * length(c))) return std::nullopt;
     const auto local = [&](const Vector3& v) {
       return Vector3{dot(bc, v) / determinant, dot(ca, v) / determinant, dot(ab, v) / determinant};

@@ -11,9 +11,8 @@ namespace gavrel {
 struct Ray {
   Vector3 origin;
   Vector3 direction;
-  /// How many times as thick as it is a shape counts per unit of distance from the origin, but once at least: what a
-  /// viewer draws thicker than it is, so that it can be seen from afar, can be hit as it is drawn. 0 hits the shapes
-  /// exactly.
+  /// Factor on a shape's thickness per unit of its distance from the origin; the product counts as 1 if it is smaller.
+  /// So a shape that a viewer draws thicker, to be seen from afar, is hit as it is drawn. 0 hits the exact shapes.
   double thickening = 0;
 
   /// The point at this distance from the origin, where the direction has length 1.
@@ -25,8 +24,8 @@ struct HitTestResult {
   double distance = 0;              ///< from the ray's origin to the point that was hit, in the scene's units
 };
 
-/// Every shape that the ray meets, nearest first, once each. A shape that holds the ray's origin is met where the ray
-/// leaves it. Shapes with numbers that are not finite, and shapes flattened to nothing, are never met.
+/// Every shape that the ray meets, nearest first, once each. A shape around the ray's origin is met where the ray
+/// leaves it. Shapes with numbers that are not finite, and shapes flattened to a plane or less, are never met.
 [[nodiscard]] std::vector<HitTestResult> hitTest(const Scene& scene, const Ray& ray);
 
 }  // namespace gavrel

@@ -10,7 +10,7 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 constexpr double margin = 1.1;         // of a fitted picture
-constexpr double closestFit = 2;       // what a single node is looked at from
+constexpr double closestFit = 2;       // smallest distance of a fitted view, for a single node
 constexpr double deepestRatio = 1e-4;  // of near to far: what 24 bits of depth resolve
 
 /// The range that holds every r - s and r + s that was added.

@@ -9,8 +9,8 @@
 
 namespace gavrel {
 
-/// A perspective camera that a user turns about things, with y or z kept upright. Points on the picture are in pixels
-/// from its upper left corner.
+/// A perspective camera that the user turns around the structure, with y or z kept upright. Points on the picture are
+/// in pixels from its upper left corner.
 class OrbitCamera {
  public:
   static constexpr double fieldOfView = 60;  ///< vertical, in degrees
@@ -34,15 +34,15 @@ class OrbitCamera {
   /// Turns the camera about `pivot`, which keeps its place on the picture, to the left and downward.
   void orbit(const Vector3& pivot, double left, double down);
 
-  /// Moves so that what is as deep in the picture as `reference` follows the pointer by (dx, dy) pixels.
+  /// Moves so that points at the same depth as `reference` follow the pointer by (dx, dy) pixels.
   void pan(const Vector3& reference, double dx, double dy);
 
   /// Moves towards (factor > 1) or away from `reference`, which keeps its place on the picture, so that it looks
-  /// `factor` times as large. Stops at `closest` before it.
+  /// `factor` times as large. Stops at the distance `closest` from it.
   void zoom(const Vector3& reference, double factor, double closest);
 
-  /// Looks along the present direction from where the points fill the picture. Points with numbers that are not finite
-  /// do not count; nothing happens without points.
+  /// Moves to where the points fill the picture, without turning. Points with numbers that are not finite are left out;
+  /// nothing happens without points.
   void fit(const std::vector<Vector3>& points);
 
   /// The line of sight through a point of the picture, with directions of length 1.
@@ -62,7 +62,7 @@ class OrbitCamera {
     double near;
     double far;
   };
-  /// Planes that cut away nothing of the box, but what is too near for a depth buffer that reaches to its far end.
+  /// Planes that cut off nothing of the box, except for parts too near for the precision of the depth buffer.
   [[nodiscard]] ClipPlanes clipPlanes(const Bounds& box) const;
 
   /// Length that a pixel covers at a distance of 1.

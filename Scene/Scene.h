@@ -10,7 +10,7 @@
 
 namespace gavrel {
 
-/// A plain tree of named nodes with shapes, lights and a camera: what a picture shows, without anything that draws it.
+/// A plain tree of named nodes with shapes, lights and a camera: the content of a picture, independent of a renderer.
 /// Lengths are those of the model; angles are in radians; colours are sRGB components from 0 to 1.
 
 struct Color {
@@ -49,13 +49,13 @@ struct AmbientLight {};
 /// Shines along the local -z axis.
 struct DirectionalLight {};
 
-/// A turn by `angle` about `axis`, right-handed. The axis needs no unit length; about a zero axis nothing turns.
+/// A rotation by `angle` about `axis`, right-handed. The axis needs no unit length; a zero axis means no rotation.
 struct Rotation {
   Vector3 axis{0, 1, 0};
   double angle = 0;
 };
 
-/// What of a structure a scene node shows: a node or an element, or what stands at a node.
+/// The part of the structure that a scene node shows: a node, an element, or a load or support of a node.
 struct Source {
   enum class Kind { node, bar, beam, load, support };
 

@@ -18,10 +18,10 @@ struct Transform {
   [[nodiscard]] Transform operator*(const Transform& inner) const;
 };
 
-/// From the node's own axes to its parent's: scale, then rotation (Rodrigues' formula), then position.
+/// The map from the node's own axes to its parent's: scale, then rotation (Rodrigues' formula), then position.
 [[nodiscard]] Transform transformOf(const SceneNode& node);
 
-/// Whether that is the identity, as for nodes that only group their children.
+/// Whether this map is the identity, as for nodes that only group their children.
 [[nodiscard]] inline bool isInParentsAxes(const SceneNode& node) {
   return node.rotation.angle == 0 && node.position == Vector3{} && node.scale == Vector3{1, 1, 1};
 }

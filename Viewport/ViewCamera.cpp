@@ -84,7 +84,7 @@ void ViewCamera::pan(double dx, double dy) {
 void ViewCamera::zoom(double factor, double x, double y) {
   auto reference = hitAt(x, y);
   if (!reference) {
-    // No shape there: takes the depth of the structure's centre.
+    // Without a shape there, the depth of the structure's centre is used.
     const Ray ray = rayAt(x, y);
     const double depthOfUnitDistance = camera_.depth(ray.at(1));
     reference = ray.at(std::abs(camera_.depth(contents_->bounds().centre())) / depthOfUnitDistance);

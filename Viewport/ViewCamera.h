@@ -57,7 +57,7 @@ class ViewCamera : public QObject {
   /// Factor on a shape's thickness per unit of distance, so that thin shapes stay visible from afar; see Ray.
   [[nodiscard]] double thickening() const;
 
-  /// Begins a drag at a point of the picture: what is there stays under the pointer or in the middle of the turn.
+  /// Begins a drag at a point of the picture: the shape there stays under the pointer, or is the centre of rotation.
   Q_INVOKABLE void grab(double x, double y);
   /// Turns the camera as if the pointer, moved by (dx, dy) pixels, turned the structure.
   Q_INVOKABLE void orbit(double dx, double dy);
@@ -78,7 +78,7 @@ class ViewCamera : public QObject {
   void changed();
 
  private:
-  /// Tells of a new view; `fitted` if it shows the whole structure and is to do so when the picture's size changes.
+  /// Announces a new view; `fitted` if it shows the whole structure and must do so after the picture's size changes.
   void moved(bool fitted);
   [[nodiscard]] Ray rayAt(double x, double y) const;
   [[nodiscard]] std::optional<Vector3> hitAt(double x, double y) const;

@@ -17,7 +17,7 @@ Item {
             return qsTr("The structure was changed since this check.");
         if (calculation.outcome === "")
             return qsTr("Nothing was solved.");
-        return calculation.hasSeriousFindings ? qsTr("Solved in spite of this.") : qsTr("Solved: this is no more than a note.");
+        return calculation.hasSeriousFindings ? qsTr("Solved in spite of these findings.") : qsTr("Solved. Doubtful findings do not prevent a result.");
     }
 
     function select(index) {

@@ -43,7 +43,7 @@ Item {
         Label {
             Layout.fillWidth: true
             wrapMode: Text.Wrap
-            text: qsTr("What the files hold is added to the structure. Bars of which they tell no section or material get these:")
+            text: qsTr("The content of the files is added to the structure. Bars without section or material in the files get these values:")
         }
         FormRow {
             id: areaRow

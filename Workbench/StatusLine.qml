@@ -30,7 +30,7 @@ Pane {
             return qsTr("Click nodes to join, then %1").arg(command);
         if (nodes.length === 1)
             return qsTr("Node %1 collected: click the next one").arg(nodes[0]);
-        return qsTr("%1 nodes collected: click on, or %2").arg(nodes.length).arg(command);
+        return qsTr("%1 nodes collected: click the next one, or %2").arg(nodes.length).arg(command);
     }
     readonly property string mode: projectViewModel.appMode === AppMode.normal ? qsTr("Inspect")
         : projectViewModel.appMode === AppMode.addingTruss ? qsTr("New truss") : qsTr("New beam")
