@@ -91,7 +91,7 @@ struct Extent {
   double half = 0;
 };
 
-Extent extentOf(const SceneNode& node) {
+Extent findExtent(const SceneNode& node) {
   if (const auto* ball = std::get_if<Sphere>(&node.content)) return {ball->radius, 0};
   if (const auto* tube = std::get_if<Tube>(&node.content)) return {tube->radius, tube->height / 2};
   if (const auto* cone = std::get_if<Cone>(&node.content)) return {cone->bottomRadius, cone->height / 2};
@@ -113,7 +113,7 @@ class HitTester {
       if (isInParentsAxes(node)) {
         test(node, outer);
       } else if (!node.children.empty()) {
-        const Transform own = transformOf(node);
+        const Transform own = computeTransform(node);
         const Transform world = outer == nullptr ? own : *outer * own;
         test(node, &world);
       }
@@ -125,7 +125,7 @@ class HitTester {
 
   /// False if the ray passes outside of a ball around the shape: a quick test before the exact one.
   [[nodiscard]] bool mayMeet(const SceneNode& node) const {
-    const auto [radius, half] = extentOf(node);
+    const auto [radius, half] = findExtent(node);
     const double largest = std::max({std::abs(node.scale.x), std::abs(node.scale.y), std::abs(node.scale.z)});
     const Vector3 offset = node.position - ray_.origin;
     const double thick = radius * growth(length(offset) + half * largest);
@@ -137,10 +137,10 @@ class HitTester {
   }
 
   [[nodiscard]] std::optional<double> meet(const SceneNode& node, const Transform* outer) const {
-    const auto [radius, half] = extentOf(node);
+    const auto [radius, half] = findExtent(node);
     const bool isBall = std::holds_alternative<Sphere>(node.content);
     if (!(radius > 0) || !std::isfinite(half) || !(half > 0 || isBall)) return std::nullopt;
-    const Transform own = transformOf(node);
+    const Transform own = computeTransform(node);
     const Transform world = outer == nullptr ? own : *outer * own;
     const auto& [a, b, c] = world.columns;
     const Vector3 bc = cross(b, c), ca = cross(c, a), ab = cross(a, b);

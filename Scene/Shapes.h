@@ -21,7 +21,7 @@ void forEachShape(const SceneNode& root, const Visit& visit, const Transform* ou
       forEachShape(node, visit, outer);
       continue;
     }
-    const Transform own = transformOf(node);
+    const Transform own = computeTransform(node);
     const Transform world = outer == nullptr ? own : *outer * own;
     if (hasShape(node)) visit(node, world);
     if (!node.children.empty()) forEachShape(node, visit, &world);

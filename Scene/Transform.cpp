@@ -18,7 +18,7 @@ Transform Transform::operator*(const Transform& inner) const {
           point(inner.translation)};
 }
 
-Transform transformOf(const SceneNode& node) {
+Transform computeTransform(const SceneNode& node) {
   Transform t;
   const auto& [axis, angle] = node.rotation;
   const double size = std::hypot(axis.x, axis.y, axis.z);

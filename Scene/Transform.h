@@ -19,7 +19,7 @@ struct Transform {
 };
 
 /// The map from the node's own axes to its parent's: scale, then rotation (Rodrigues' formula), then position.
-[[nodiscard]] Transform transformOf(const SceneNode& node);
+[[nodiscard]] Transform computeTransform(const SceneNode& node);
 
 /// Whether this map is the identity, as for nodes that only group their children.
 [[nodiscard]] inline bool isInParentsAxes(const SceneNode& node) {

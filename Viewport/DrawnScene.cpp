@@ -100,7 +100,7 @@ void DrawnScene::append(InstanceTable& balls, InstanceTable& tubes, const SceneN
   stretch.x *= growth;
   stretch.z *= growth;
   if (isBall) stretch.y *= growth;
-  (isBall ? balls : tubes).append(transformOf(node), stretch, origin_, color);
+  (isBall ? balls : tubes).append(computeTransform(node), stretch, origin_, color);
 }
 
 }  // namespace gavrel

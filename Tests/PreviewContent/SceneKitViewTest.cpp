@@ -88,7 +88,7 @@ TEST(SceneKitView, DrawsInAFixedOrderUnderFixedNames) {
   EXPECT_TRUE(std::holds_alternative<AmbientLight>(nodes[1].content));
   EXPECT_EQ(nodes[1].color, white(1.0 / 3));
   EXPECT_TRUE(std::holds_alternative<DirectionalLight>(nodes[2].content));
-  expectNear(transformOf(nodes[2]).direction({0, 0, -1}), {0, -std::sqrt(0.5), -std::sqrt(0.5)});
+  expectNear(computeTransform(nodes[2]).direction({0, 0, -1}), {0, -std::sqrt(0.5), -std::sqrt(0.5)});
   EXPECT_EQ(std::get<Sphere>(nodes[3].content).radius, 0.1);
   EXPECT_EQ(std::get<Tube>(nodes[5].content).radius, 0.05);
   EXPECT_EQ(std::get<Tube>(nodes[6].content).radius, 0.1);
@@ -159,7 +159,7 @@ TEST(SceneKitView, TubesRunBetweenTheirEnds) {
     const SceneNode tube = SceneKitView::createCylinderNode(a, b, 0.05);
     const double height = std::get<Tube>(tube.content).height;
     EXPECT_EQ(height, double(float(length(b - a)))) << "single precision";
-    const Transform world = transformOf(tube);
+    const Transform world = computeTransform(tube);
     // Either end may come first: the tube looks the same. Rounding L leaves an angle of up to 1e-3 near the vertical.
     const Vector3 top = world.point({0, height / 2, 0});
     expectNear(length(top - b) < length(top - a) ? top : world.point({0, -height / 2, 0}), b, 2e-3);
@@ -187,7 +187,7 @@ TEST(SceneKitView, ArrowsPointAlongTheirLoads) {
     const SceneNode& head = arrow.children[1];
     EXPECT_FALSE(arrow.children[0].name || head.name || arrow.children[0].source || head.source);
     EXPECT_EQ(head.color, red);
-    expectNear(transformOf(head).point({0, std::get<Cone>(head.content).height / 2, 0}), tip);
+    expectNear(computeTransform(head).point({0, std::get<Cone>(head.content).height / 2, 0}), tip);
     const SceneNode& shaft = arrow.children[0];
     EXPECT_EQ(std::get<Tube>(shaft.content).radius, 0.03);
     // The shaft reaches from the node to the base of the head, 0.3 before its tip.
@@ -199,7 +199,7 @@ TEST(SceneKitView, ArrowsPointAlongTheirLoads) {
   EXPECT_THROW(v.named("load_node_3"), std::out_of_range);
 
   const SceneNode slanted = SceneKitView::createArrowNode({1, 1, 1}, {3, -2, 7}, 0.03, 0.1, 0.5, red);  // L = 7
-  const Transform shaft = transformOf(slanted.children[0]), head = transformOf(slanted.children[1]);
+  const Transform shaft = computeTransform(slanted.children[0]), head = computeTransform(slanted.children[1]);
   expectNear(head.translation, {3, -2, 7});
   expectNear(head.direction({0, 7, 0}), {2, -3, 6}, 1e-4);
   expectNear(shaft.direction({0, 7, 0}), {2, -3, 6}, 1e-4);
@@ -222,8 +222,8 @@ TEST(SceneKitView, RestraintsAreConesBeforeTheNode) {
     const SceneNode& head = marker.children.at(1);
     const double h = std::get<Cone>(head.content).height;
     const double tolerance = 1e-4;  // the length of 0.2 is rounded, and the angle with it
-    expectNear(transformOf(head).point({0, h / 2, 0}), place - e * 0.15, tolerance);
-    expectNear(transformOf(head).point({0, -h / 2, 0}), place - e * 0.45, tolerance);
+    expectNear(computeTransform(head).point({0, h / 2, 0}), place - e * 0.15, tolerance);
+    expectNear(computeTransform(head).point({0, -h / 2, 0}), place - e * 0.45, tolerance);
   }
 }
 

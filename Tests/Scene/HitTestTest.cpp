@@ -81,12 +81,12 @@ TEST(HitTest, MeetsShapesWhereTheyAreUnderAnyTransform) {
     group.rotation = {vector(1e-200), unit(random)};
     group.scale = {1, 3, 0.5};
     inner.position = vector(10);
-    const Transform world = transformOf(group) * transformOf(inner) * transformOf(node);
+    const Transform world = computeTransform(group) * computeTransform(inner) * computeTransform(node);
     inner.children = {node};
     plain.children = {inner};
     group.children = {plain};
     const Scene scene = sceneOf({group});
-    const Transform own = transformOf(node);
+    const Transform own = computeTransform(node);
     const auto hits = hitTest(scene, {world.point(o), world.direction(d)});
     const double alone = distanceTo(node, {own.point(o), own.direction(d)});
 

@@ -29,24 +29,24 @@ SceneNode turned(const Vector3& axis, double angle) {
 TEST(Transform, TurnsRightHandedAboutAnAxisOfAnyLength) {
   for (const double size : {1e-200, 1e-9, 1.0, 1e200}) {
     SCOPED_TRACE(size);
-    expectNear(transformOf(turned({0, size, 0}, pi / 2)).direction({1, 2, 3}), {3, 2, -1});
-    expectNear(transformOf(turned({size, size, size}, 2 * pi / 3)).direction({1, 2, 3}), {3, 1, 2});
+    expectNear(computeTransform(turned({0, size, 0}, pi / 2)).direction({1, 2, 3}), {3, 2, -1});
+    expectNear(computeTransform(turned({size, size, size}, 2 * pi / 3)).direction({1, 2, 3}), {3, 1, 2});
   }
   // By hand: a turn by the angle of the 3-4-5 triangle about (1, 2, 2) / 3.
-  expectNear(transformOf(turned({1, 2, 2}, std::atan2(4, 3))).direction({9, 0, 0}), {5.8, 5.6, -4});
+  expectNear(computeTransform(turned({1, 2, 2}, std::atan2(4, 3))).direction({9, 0, 0}), {5.8, 5.6, -4});
   for (const SceneNode& still : {turned({0, 0, 0}, 1), turned({1, 2, 3}, 0)})
-    EXPECT_EQ(transformOf(still).point({1, 2, 3}), (Vector3{1, 2, 3}));
+    EXPECT_EQ(computeTransform(still).point({1, 2, 3}), (Vector3{1, 2, 3}));
 }
 
 TEST(Transform, ScalesThenTurnsThenMovesInsideTheParent) {
   SceneNode node = turned({0, 0, 1}, pi / 2);
   node.scale = {2, -3, 4};
   node.position = {10, 20, 30};
-  expectNear(transformOf(node).point({1, 1, 1}), {13, 22, 34});
-  expectNear(transformOf(node).direction({1, 1, 1}), {3, 2, 4});
+  expectNear(computeTransform(node).point({1, 1, 1}), {13, 22, 34});
+  expectNear(computeTransform(node).direction({1, 1, 1}), {3, 2, 4});
   SceneNode parent = turned({1, 0, 0}, pi / 2);
   parent.position = {1, 1, 1};
-  expectNear((transformOf(parent) * transformOf(node)).point({1, 1, 1}), {14, -33, 23});
+  expectNear((computeTransform(parent) * computeTransform(node)).point({1, 1, 1}), {14, -33, 23});
 }
 
 TEST(SceneNode, LooksAtAnyTargetWithItsYAxisUpright) {
@@ -60,7 +60,7 @@ TEST(SceneNode, LooksAtAnyTargetWithItsYAxisUpright) {
     node.lookAt(eye + sight);
     EXPECT_EQ(node.position, eye);
     const double size = length(sight);
-    const auto [right, up, back] = transformOf(node).columns;
+    const auto [right, up, back] = computeTransform(node).columns;
     expectNear(back, {-sight.x / size, -sight.y / size, -sight.z / size}, 1e-7);
     EXPECT_NEAR(right.y, 0, 1e-12) << "not rolled";
     EXPECT_GT(up.y, -1e-12) << "not on its head";
