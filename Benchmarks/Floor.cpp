@@ -18,7 +18,7 @@ struct Triangle {
   std::vector<double> values;
 };
 
-Triangle translationsOf(const CSR& H_II) {
+Triangle extractTranslations(const CSR& H_II) {
   Triangle triangle;
   for (std::int64_t r = 0; r + 1 < std::ssize(H_II.starts); ++r) {
     if (r % dofsPerNode >= translations) continue;
@@ -36,7 +36,7 @@ Triangle translationsOf(const CSR& H_II) {
 }  // namespace
 
 Floor Floor::measure(const CSR& H_II) {
-  Triangle triangle = translationsOf(H_II);
+  Triangle triangle = extractTranslations(H_II);
   cholmod_common common;
   cholmod_l_start(&common);
   common.supernodal = CHOLMOD_SUPERNODAL;

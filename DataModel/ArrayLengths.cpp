@@ -4,7 +4,7 @@ namespace gavrel {
 
 namespace {
 
-std::string counted(std::int64_t number, const std::string& one, const std::string& many) {
+std::string formatCount(std::int64_t number, const std::string& one, const std::string& many) {
   return std::to_string(number) + " " + (number == 1 ? one : many);
 }
 
@@ -12,8 +12,8 @@ std::string counted(std::int64_t number, const std::string& one, const std::stri
 
 std::string ArrayLengths::Misfit::text() const {
   const std::int64_t nodes = wanted / (array == "X_I" ? 3 : dofsPerNode);
-  return std::string(array) + " has " + counted(entries, "entry", "entries") + ", where " +
-         counted(nodes, "node has ", "nodes have ") + std::to_string(wanted);
+  return std::string(array) + " has " + formatCount(entries, "entry", "entries") + ", where " +
+         formatCount(nodes, "node has ", "nodes have ") + std::to_string(wanted);
 }
 
 ArrayLengths ArrayLengths::check(const Project& project) {

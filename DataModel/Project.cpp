@@ -15,7 +15,7 @@ namespace {
 
 /// Position of the first of a node's three consecutive entries in an array of the given length; none when they end
 /// before.
-std::optional<std::size_t> firstOfThree(std::int64_t nodeID, std::size_t length) {
+std::optional<std::size_t> findFirstOfThree(std::int64_t nodeID, std::size_t length) {
   const std::int64_t last = checkedProduct(3, nodeID, 2, "a node number is too large to number its entries");
   if (last >= static_cast<std::int64_t>(length)) return std::nullopt;
   if (nodeID < 0) fatalIndex("the nodes", nodeID, static_cast<std::int64_t>(length) / 3);
@@ -23,7 +23,7 @@ std::optional<std::size_t> firstOfThree(std::int64_t nodeID, std::size_t length)
 }
 
 std::optional<Vector3> readVector(const std::vector<double>& array, std::int64_t nodeID) {
-  const auto i = firstOfThree(nodeID, array.size());
+  const auto i = findFirstOfThree(nodeID, array.size());
   if (!i) return std::nullopt;
   return Vector3{array[*i], array[*i + 1], array[*i + 2]};
 }
@@ -115,7 +115,7 @@ std::optional<Vector3> Project::getNodeForce(std::int64_t nodeID) const {
 }
 
 std::optional<Project::Restraints> Project::getNodeRestraints(std::int64_t nodeID) const {
-  const auto i = firstOfThree(nodeID, D_I->size());
+  const auto i = findFirstOfThree(nodeID, D_I->size());
   if (!i) return std::nullopt;
   return Restraints{(*D_I)[*i], (*D_I)[*i + 1], (*D_I)[*i + 2]};
 }

@@ -12,7 +12,7 @@ namespace gavrel {
 
 namespace {
 
-std::string notFinite(const std::string& where, double number) {
+std::string describeNotFinite(const std::string& where, double number) {
   return where + " is " + numberText(number) + ", which a project file cannot hold";
 }
 
@@ -26,7 +26,7 @@ void requireFinite(const std::string& key, const std::vector<double>& numbers,
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     if (std::isfinite(numbers[i])) continue;
     const std::string meaning = " (" + describe(static_cast<std::int64_t>(i)) + ")";
-    throw JsonError(notFinite(key + "[" + std::to_string(i) + "]" + meaning, numbers[i]));
+    throw JsonError(describeNotFinite(key + "[" + std::to_string(i) + "]" + meaning, numbers[i]));
   }
 }
 
@@ -37,7 +37,7 @@ void requireFinite(const std::string& key, const std::vector<Record>& elements) 
       if constexpr (std::is_same_v<decltype(field.member), double Record::*>) {
         const double number = elements[i].*field.member;
         if (!std::isfinite(number))
-          throw JsonError(notFinite(key + "[" + std::to_string(i) + "]." + std::string(field.key), number));
+          throw JsonError(describeNotFinite(key + "[" + std::to_string(i) + "]." + std::string(field.key), number));
       }
     });
   }

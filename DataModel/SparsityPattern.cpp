@@ -27,8 +27,8 @@ void forEachPair(const std::vector<TrussElement>& trusses, const std::vector<Bea
 }
 
 /// For each node that an element touches, itself and its neighbours of higher number; ascending, without repetition.
-std::vector<std::vector<std::int32_t>> upperNeighbours(const std::vector<TrussElement>& trusses,
-                                                       const std::vector<BeamElement>& beams, std::int64_t nodes) {
+std::vector<std::vector<std::int32_t>> findUpperNeighbours(const std::vector<TrussElement>& trusses,
+                                                           const std::vector<BeamElement>& beams, std::int64_t nodes) {
   std::vector<std::vector<std::int32_t>> neighbours(static_cast<std::size_t>(nodes));
   forEachPair(trusses, beams, [&](std::int64_t start, std::int64_t end) {
     const auto [low, high] = std::minmax(start, end);
@@ -57,7 +57,7 @@ std::vector<std::vector<std::int32_t>> CSR::CreateSparsityPattern(const std::vec
 
   // Node by node instead of entry by entry: the six rows of a node differ only in their first column.
   std::vector<std::vector<std::int32_t>> J_Ii(static_cast<std::size_t>(nI));
-  const auto neighbours = upperNeighbours(trusses, beams, nI / dofsPerNode);
+  const auto neighbours = findUpperNeighbours(trusses, beams, nI / dofsPerNode);
   for (std::size_t node = 0; node < neighbours.size(); ++node) {
     const auto& list = neighbours[node];
     if (list.empty()) continue;

@@ -52,10 +52,10 @@ class Residual {
   }
 
   /// The forces that no step will change and, of a solve that did not converge, all that remain.
-  [[nodiscard]] const Leftover& of(Cause cause) const { return left_[static_cast<std::size_t>(cause)]; }
+  [[nodiscard]] const Leftover& leftover(Cause cause) const { return left_[static_cast<std::size_t>(cause)]; }
 
   /// Whether these forces alone keep the solve from converging.
-  [[nodiscard]] bool isTooLarge(Cause cause) const { return !(of(cause).norm() < tolerated); }
+  [[nodiscard]] bool isTooLarge(Cause cause) const { return !(leftover(cause).norm() < tolerated); }
 
   double tolerated = 0;
 
@@ -115,7 +115,7 @@ class Residual {
 };
 
 /// Nodes with a load that is infinite or not a number.
-Positions nodesWithoutNumbers(const Project& project) {
+Positions findNodesWithInfiniteLoads(const Project& project) {
   std::vector<bool> marked(static_cast<std::size_t>(project.nodeCount()));
   for (std::size_t i = 0; i < static_cast<std::size_t>(project.nI); ++i)
     if (!std::isfinite((*project.F_I)[i])) marked[i / dofsPerNode] = true;
@@ -123,7 +123,7 @@ Positions nodesWithoutNumbers(const Project& project) {
 }
 
 /// Positions of the bars at these nodes that were out.
-Positions barsOutAt(const Project& solved, const Positions& nodes) {
+Positions findBarsOutAt(const Project& solved, const Positions& nodes) {
   Positions out;
   const auto isAmong = [&nodes](std::int64_t node) { return std::ranges::binary_search(nodes, node); };
   const auto& trusses = *solved.trussElements;
@@ -135,7 +135,7 @@ Positions barsOutAt(const Project& solved, const Positions& nodes) {
 
 /// Loads whose norm cannot be used: not finite, all zero, or out of range.
 std::optional<Finding> inspectNorm(const Project& project, double norm, bool converged) {
-  if (const auto nodes = nodesWithoutNumbers(project); !nodes.empty())
+  if (const auto nodes = findNodesWithInfiniteLoads(project); !nodes.empty())
     return Finding{NeverConverges, "Loads that are not finite",
                    "A load of " + listPositions("node", nodes) +
                        " is infinite or not a number, so that the solve never converges: enter a finite number.",
@@ -154,7 +154,7 @@ std::optional<Finding> inspectNorm(const Project& project, double norm, bool con
                      " to be added up, so that the solve never converges: take other units."};
 }
 
-std::string drifts(Finding::Consequence consequence) {
+std::string describeDrift(Finding::Consequence consequence) {
   return consequence == NeverConverges ? ", and the solve never converges" : "";
 }
 
@@ -166,43 +166,43 @@ std::vector<Finding> inspectLoads(const Project& solved, const SolveOutcome& out
 
   std::vector<Finding> findings;
   const auto weigh = [&](Cause cause) { return residual.isTooLarge(cause) ? NeverConverges : Doubtful; };
-  if (const Leftover& left = residual.of(Cause::NoNode); left.squares > 0) {
+  if (const Leftover& left = residual.leftover(Cause::NoNode); left.squares > 0) {
     const auto consequence = weigh(Cause::NoNode);
     findings.push_back({consequence, "Loads beyond the last node",
                         "There are " + std::to_string(solved.F_I->size()) + " loads for " + std::to_string(solved.nI) +
-                            " directions; those beyond the last node act on nothing" + drifts(consequence) +
+                            " directions; those beyond the last node act on nothing" + describeDrift(consequence) +
                             ": remove them from the file."});
   }
-  if (const Leftover& left = residual.of(Cause::Support); left.squares > 0) {
+  if (const Leftover& left = residual.leftover(Cause::Support); left.squares > 0) {
     const auto consequence = weigh(Cause::Support);
     findings.push_back({consequence, "Loads on supports",
                         "A restrained direction of " + listPositions("node", left.nodes) +
-                            " carries a load, which moves it further in each step" + drifts(consequence) +
+                            " carries a load, which moves it further in each step" + describeDrift(consequence) +
                             ": remove the load or the restraint.",
                         left.nodes});
   }
   if (outcome.fault) return findings;
-  if (const Leftover& left = residual.of(Cause::NoElement); left.squares > 0) {
+  if (const Leftover& left = residual.leftover(Cause::NoElement); left.squares > 0) {
     const auto consequence = weigh(Cause::NoElement);
-    const auto out = barsOutAt(solved, left.nodes);
+    const auto out = findBarsOutAt(solved, left.nodes);
     findings.push_back(
         {consequence, "Loads that nothing resists",
          "No element has stiffness in the direction of a load at " + listPositions("node", left.nodes) +
              (out.empty() ? "" : ", since " + listPositions("bar", out) + " took tension and dropped out") +
              ", so that the solver puts in a stiffness of its own, and the node moves further in each "
              "step" +
-             drifts(consequence) + ": brace it, or remove the load.",
+             describeDrift(consequence) + ": brace it, or remove the load.",
          left.nodes, out});
   }
   if (!outcome.ranOutOfSteps()) return findings;
-  if (const Leftover& left = residual.of(Cause::TooSoft); left.squares > 0 && residual.isTooLarge(Cause::TooSoft))
+  if (const Leftover& left = residual.leftover(Cause::TooSoft); left.squares > 0 && residual.isTooLarge(Cause::TooSoft))
     findings.push_back({NeverConverges, "Stiffness that counts as zero",
                         "The stiffness of " + listPositions("node", left.nodes) + " is less than " +
                             formatRounded(Project::zeroPivot) +
                             " in some direction, which the solver takes for zero and replaces, so that the solve never "
                             "converges: take other units.",
                         left.nodes});
-  const Leftover& byBeams = residual.of(Cause::Beam);
+  const Leftover& byBeams = residual.leftover(Cause::Beam);
   if (residual.isTooLarge(Cause::Beam) && byBeams.squares > 0)
     findings.push_back({NeverConverges, "Loads carried by beams",
                         "Forces of up to " + formatRounded(byBeams.largest) + " at " +
@@ -215,7 +215,7 @@ std::vector<Finding> inspectLoads(const Project& solved, const SolveOutcome& out
 
 Finding describeImbalance(const Project& solved, const SolveOutcome& outcome) {
   const Residual residual(solved, outcome);
-  const Leftover& left = residual.of(Cause::Equilibrium);
+  const Leftover& left = residual.leftover(Cause::Equilibrium);
   return {NeverConverges, "No equilibrium",
           "After " + std::to_string(outcome.norms.size()) + " steps forces of up to " + formatRounded(left.largest) +
               " remain" + (left.nodes.empty() ? "" : " at " + listPositions("node", left.nodes)) +

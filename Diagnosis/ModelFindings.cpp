@@ -13,7 +13,7 @@ using Positions = std::vector<std::int64_t>;
 
 /// Positions of the beams for which the predicate holds.
 template <class Predicate>
-Positions beamsWhere(const Project& project, Predicate&& predicate) {
+Positions findBeams(const Project& project, Predicate&& predicate) {
   Positions found;
   const auto& beams = *project.beamElements;
   for (std::size_t i = 0; i < beams.size(); ++i)
@@ -39,7 +39,7 @@ bool hasStiffness(const TrussElement& truss) {
   return std::ranges::all_of(parts, [&truss](double part) { return std::isfinite(truss.EAL3 * part * part); });
 }
 
-Positions barsWithoutStiffness(const Project& project) {
+Positions findBarsWithoutStiffness(const Project& project) {
   Positions found;
   for (std::size_t i = 0; i < project.trussElements->size(); ++i)
     if (!hasStiffness((*project.trussElements)[i])) found.push_back(static_cast<std::int64_t>(i));
@@ -47,7 +47,7 @@ Positions barsWithoutStiffness(const Project& project) {
 }
 
 /// How many restraints a solve reads: of the nodes of bars the translations, of those of beams all directions.
-std::int64_t restraintsRead(const Project& project) {
+std::int64_t countRestraintsRead(const Project& project) {
   std::int64_t read = 0;
   for (const TrussElement& truss : *project.trussElements)
     read = std::max(read, dofsPerNode * std::max(truss.startNodeId, truss.endNodeId) + 3);
@@ -57,7 +57,7 @@ std::int64_t restraintsRead(const Project& project) {
 }
 
 std::optional<Finding> inspectArrays(const Project& project) {
-  const std::int64_t restraints = restraintsRead(project);
+  const std::int64_t restraints = countRestraintsRead(project);
   if (std::ssize(*project.F_I) < project.nI || std::ssize(*project.D_I) < restraints)
     return Finding{EndsProgram, "Missing loads or restraints",
                    "There are " + std::to_string(project.F_I->size()) + " loads and " +
@@ -77,7 +77,7 @@ std::optional<Finding> inspectArrays(const Project& project) {
 
 /// Positions of the elements whose stored extents, which a solve uses, are not those of their nodes.
 template <class Element>
-Positions misfits(const Project& project, const std::vector<Element>& elements) {
+Positions findMisfits(const Project& project, const std::vector<Element>& elements) {
   constexpr double fit = 1e-6;  // of a length
   Positions found;
   for (std::size_t i = 0; i < elements.size(); ++i) {
@@ -125,7 +125,7 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
          lonely});
 
   const auto without = [&](auto&& predicate) {
-    return beamsWhere(project, [&](const BeamElement& beam) { return !hasStiffness(beam) && predicate(beam); });
+    return findBeams(project, [&](const BeamElement& beam) { return !hasStiffness(beam) && predicate(beam); });
   };
   addBeams(EndsProgram, "Beams without length", without(isShort),
            "a solve ends the program, since both ends lie in the same place: join other nodes.");
@@ -139,23 +139,23 @@ std::vector<Finding> inspectModel(const Project& project, const Connectivity& co
       "a solve ends the program, since the stiffness is too large or not a number: look at the section, the moduli, "
       "and the extent along x.");
   addTrusses(
-      EndsProgram, "Bars without finite stiffness", barsWithoutStiffness(project),
+      EndsProgram, "Bars without finite stiffness", findBarsWithoutStiffness(project),
       "a solve ends the program, since the stiffness is too large or not a number: look at the area, the modulus, "
       "and the places of the nodes.");
   addBeams(Doubtful, "Beams without length",
-           beamsWhere(project, [](const BeamElement& beam) { return hasStiffness(beam) && isShort(beam); }),
+           findBeams(project, [](const BeamElement& beam) { return hasStiffness(beam) && isShort(beam); }),
            "both ends lie in the same place: join other nodes.");
   addBeams(Doubtful, "Beams the wrong way round",
-           beamsWhere(project,
-                      [](const BeamElement& beam) {
-                        return !isShort(beam) && beam.dXx < 0 && (beam.EIy != 0 || beam.EIz != 0);
-                      }),
+           findBeams(project,
+                     [](const BeamElement& beam) {
+                       return !isShort(beam) && beam.dXx < 0 && (beam.EIy != 0 || beam.EIz != 0);
+                     }),
            "the stiffness in bending is negative: let them start at the larger x.");
   addTrusses(Doubtful, "Bars without length", connectivity.zeroLengthTrusses,
              "nothing is carried, since both ends lie in the same place: join other nodes.");
   const char* unfitting = "a solve uses the stored extents, which are not those of the nodes: correct the file.";
-  addTrusses(Doubtful, "Elements that do not fit their nodes", misfits(project, *project.trussElements), unfitting);
-  addBeams(Doubtful, "Elements that do not fit their nodes", misfits(project, *project.beamElements), unfitting);
+  addTrusses(Doubtful, "Elements that do not fit their nodes", findMisfits(project, *project.trussElements), unfitting);
+  addBeams(Doubtful, "Elements that do not fit their nodes", findMisfits(project, *project.beamElements), unfitting);
   const char* repeated =
       "the same two nodes are joined again, so that the stiffness counts twice: take one out of the "
       "file, unless you meant that.";

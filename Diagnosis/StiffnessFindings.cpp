@@ -18,7 +18,7 @@ double readDiagonal(const Project& project, std::int64_t dof) {
 
 /// Positions of the elements for which the predicate holds and one of whose nodes is marked.
 template <class Element, class Predicate>
-Positions elementsAt(const std::vector<bool>& marked, const std::vector<Element>& elements, Predicate&& predicate) {
+Positions findElementsAt(const std::vector<bool>& marked, const std::vector<Element>& elements, Predicate&& predicate) {
   Positions found;
   for (std::size_t i = 0; i < elements.size(); ++i) {
     const bool touches = marked[static_cast<std::size_t>(elements[i].startNodeId)] ||
@@ -86,13 +86,13 @@ std::optional<Finding> blameElements(const Project& project, const std::vector<b
   const auto are = [](const char* kind, const Positions& found, const char* one, const char* many) {
     return listPositions(kind, found) + (found.size() == 1 ? one : many);
   };
-  if (const auto trusses = elementsAt(marked, *project.trussElements, isNegative); !trusses.empty())
+  if (const auto trusses = findElementsAt(marked, *project.trussElements, isNegative); !trusses.empty())
     return blame(trusses, {}, are("bar", trusses, " has", " have") + " a negative stiffness",
                  "correct the area or the modulus.");
-  if (const auto beams = elementsAt(marked, *project.beamElements, isNegativeBeam); !beams.empty())
+  if (const auto beams = findElementsAt(marked, *project.beamElements, isNegativeBeam); !beams.empty())
     return blame({}, beams, are("beam", beams, " has", " have") + " a negative stiffness",
                  "correct the section or the moduli.");
-  if (const auto beams = elementsAt(marked, *project.beamElements, isTurned); !beams.empty())
+  if (const auto beams = findElementsAt(marked, *project.beamElements, isTurned); !beams.empty())
     return blame({}, beams, are("beam", beams, " is", " are") + " the wrong way round",
                  "let the start be at the larger x and have the lower number.");
   return std::nullopt;
@@ -115,7 +115,7 @@ Finding explainNotPositive(const Project& project, const SolveFault& fault) {
   if (auto blamed = blameElements(project, marked, where, ending, nodes, EndsProgram);
       blamed && disappearsWhenRighted(project, fault.step, [&fault](std::int64_t dof) { return dof == *fault.dof; }))
     return *blamed;
-  const auto compressed = elementsAt(marked, *project.trussElements, isCompressedNonLinear);
+  const auto compressed = findElementsAt(marked, *project.trussElements, isCompressedNonLinear);
   if (!compressed.empty())
     return {EndsProgram,
             "Compressed non-linear bars",
@@ -125,7 +125,8 @@ Finding explainNotPositive(const Project& project, const SolveFault& fault) {
             compressed,
             {},
             compressed};
-  const auto out = elementsAt(marked, *project.trussElements, [](const TrussElement& truss) { return truss.isOut(); });
+  const auto out =
+      findElementsAt(marked, *project.trussElements, [](const TrussElement& truss) { return truss.isOut(); });
   if (!out.empty())
     return {EndsProgram, "Compression-only bars have dropped out",
             where + ", since " + describeBarsOut(out) + ending + "hold the node in another way.", nodes, out};
@@ -166,8 +167,8 @@ Finding explainLoss(const Project& project, const Loss& loss, const std::vector<
       out.push_back(position);
   std::vector<bool> marked(inPart.size());
   marked[static_cast<std::size_t>(node)] = true;
-  auto compressed = elementsAt(marked, *project.trussElements, isCompressedNonLinear);
-  if (compressed.empty()) compressed = elementsAt(inPart, *project.trussElements, isCompressedNonLinear);
+  auto compressed = findElementsAt(marked, *project.trussElements, isCompressedNonLinear);
+  if (compressed.empty()) compressed = findElementsAt(inPart, *project.trussElements, isCompressedNonLinear);
   if (compressed.empty() && !out.empty())
     return {loss.consequence,
             "Compression-only bars have dropped out",

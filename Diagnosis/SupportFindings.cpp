@@ -35,7 +35,7 @@ Vector3 findPlace(const Project& project, std::int64_t node) {
 
 /// The displacement of a node along direction 0, 1 or 2 in a unit of each movement of its part; rotations are about the
 /// part's centre and measured at its radius.
-Movement movementAlong(std::int64_t direction, const Vector3& place, const Body& part) {
+Movement computeMovement(std::int64_t direction, const Vector3& place, const Body& part) {
   const Vector3 r = place - part.centre;
   const double R = part.radius > 0 ? part.radius : 1;
   switch (direction) {
@@ -128,7 +128,7 @@ Freedom Freedom::examine(const Project& assembled, const Connectivity& connectiv
         const auto diagonal = static_cast<std::size_t>(assembled.H_II.starts[dof]);
         freedom.anyRestraint = freedom.anyRestraint || restrained;
         const bool held = restrained || std::abs(assembled.H_II.values[diagonal]) < Project::zeroPivot;
-        const Movement along = movementAlong(direction, findPlace(assembled, node), part);
+        const Movement along = computeMovement(direction, findPlace(assembled, node), part);
         for (std::size_t i = 0; i < along.size(); ++i)
           for (std::size_t j = 0; j < along.size(); ++j) {
             part.all[i][j] += along[i] * along[j];

@@ -46,7 +46,7 @@ std::string installerScript(const BundleInfo& current, const fs::path& replaceme
 }
 
 /// The names in a folder, hidden ones included, in the order of their bytes.
-std::vector<std::string> namesIn(const fs::path& folder) {
+std::vector<std::string> listNames(const fs::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
   std::ranges::sort(names);
@@ -79,7 +79,7 @@ Outcome startInstaller(const Installation& installation) try {
   if (const auto reason = whyNoRoom(*content, extracted, current.url->parent_path())) return failed(*reason);
   if (const auto reason = unpack(archive, *content, extracted)) return failed(*reason);
 
-  const auto app = firstAppEntry(namesIn(extracted));
+  const auto app = firstAppEntry(listNames(extracted));
   if (!app) return failed("App bundle not found in update");
   const fs::path replacement = extracted / *app;
   // Before the checks, so that the script finds any later change.

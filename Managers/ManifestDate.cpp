@@ -10,7 +10,7 @@ namespace {
 
 constexpr int longestAge = 90;  // days
 
-QString written(QDate date) {
+QString formatDate(QDate date) {
   return date.toString(Qt::ISODate);
 }
 
@@ -19,7 +19,7 @@ QString written(QDate date) {
 std::optional<QDate> manifestDate(const QByteArray& json, const QString& application) {
   const QString text = QJsonDocument::fromJson(json).object()[application].toObject()["date"].toString();
   const QDate date = QDate::fromString(text, Qt::ISODate);
-  return date.isValid() && written(date) == text ? std::optional(date) : std::nullopt;
+  return date.isValid() && formatDate(date) == text ? std::optional(date) : std::nullopt;
 }
 
 bool isPossible(QDate manifest, QDate today) {
@@ -31,7 +31,7 @@ std::optional<QString> whyOutdated(QDate manifest, std::optional<QDate> newest) 
   return QObject::tr(
              "The list of versions is of %1, but one of %2 has been seen before. Newer versions may be withheld from "
              "you.")
-      .arg(written(manifest), written(*newest));
+      .arg(formatDate(manifest), formatDate(*newest));
 }
 
 std::optional<QString> whyNoProof(QDate manifest, QDate today) {
@@ -39,14 +39,14 @@ std::optional<QString> whyNoProof(QDate manifest, QDate today) {
     return QObject::tr(
                "No newer version is listed, but the list is of %1, and the clock of this computer says %2. Set it if "
                "it is wrong, and check again.")
-        .arg(written(manifest), written(today));
+        .arg(formatDate(manifest), formatDate(today));
   if (manifest.daysTo(today) <= longestAge) return {};
   return QObject::tr(
              "No newer version is listed, but the list is of %1, more than %2 days before %3. Newer versions may be "
              "withheld from you, or the clock of this computer is wrong.")
-      .arg(written(manifest))
+      .arg(formatDate(manifest))
       .arg(longestAge)
-      .arg(written(today));
+      .arg(formatDate(today));
 }
 
 }  // namespace gavrel

@@ -7,7 +7,7 @@ namespace gavrel {
 namespace {
 
 /// Marks the stored entries that are not zero or were selected before.
-std::vector<bool> wantedEntries(const SymmetricMatrix& matrix, const CholeskySelection& previous) {
+std::vector<bool> markWantedEntries(const SymmetricMatrix& matrix, const CholeskySelection& previous) {
   std::vector<bool> wanted(matrix.values.size());
   for (std::size_t k = 0; k < wanted.size(); ++k) wanted[k] = matrix.values[k] != 0.0;
   for (const std::int64_t source : previous.sources) wanted[static_cast<std::size_t>(source)] = true;
@@ -18,7 +18,7 @@ class Selector {
  public:
   Selector(const SymmetricMatrix& matrix, const CholeskySelection& previous)
       : matrix_(matrix),
-        wanted_(wantedEntries(matrix, previous)),
+        wanted_(markWantedEntries(matrix, previous)),
         number_(static_cast<std::size_t>(matrix.size), notCoupled),
         lastBlock_(static_cast<std::size_t>(matrix.size / matrix.blockSize + 1), -1) {}
 

@@ -54,7 +54,7 @@ struct Owner {
   }
 };
 
-std::optional<Owner> ownerNamedIn(const std::filesystem::path& file) {
+std::optional<Owner> readOwner(const std::filesystem::path& file) {
   const auto text = readFile(file);
   if (!text) return std::nullopt;
   std::istringstream words(*text);
@@ -78,7 +78,7 @@ std::optional<FileLock> FileLock::take(const std::filesystem::path& path) {
   if (!file.isOpen()) return std::nullopt;
   if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) return FileLock(std::move(file), false);
   if (errno == EWOULDBLOCK) return std::nullopt;
-  const auto owner = ownerNamedIn(path);
+  const auto owner = readOwner(path);
   if ((owner && owner->lives()) || !writeOwner(file.get())) return std::nullopt;
   return FileLock(std::move(file), true);
 }

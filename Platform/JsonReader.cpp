@@ -18,7 +18,7 @@ std::string_view readToken(JsonValue json) {
   return token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
 }
 
-std::string whatIs(JsonValue json) {
+std::string describeValue(JsonValue json) {
   json_type type{};
   if (json.type().get(type) != simdjson::SUCCESS) return "something else";
   switch (type) {
@@ -108,7 +108,7 @@ void JsonDocument::requireJson() const {
 }
 
 void throwUnexpected(std::string_view expectedType, JsonValue json) {
-  throw JsonError("expected " + std::string(expectedType) + ", found " + whatIs(json));
+  throw JsonError("expected " + std::string(expectedType) + ", found " + describeValue(json));
 }
 
 void readAnyNumber(JsonValue json, double& value) {

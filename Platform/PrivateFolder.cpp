@@ -17,7 +17,7 @@ namespace {
 
 /// The possible paths of the folder inside the shared one, in the order in which they are tried. There are several
 /// because another user may have taken a name.
-std::vector<fs::path> candidatesIn(const fs::path& shared) {
+std::vector<fs::path> listCandidates(const fs::path& shared) {
   constexpr int count = 100;
   const fs::path first = shared / ("gavrel-" + std::to_string(::geteuid()));
   std::vector<fs::path> candidates{first};
@@ -37,7 +37,7 @@ Result<fs::path> privateTemporaryFolder() {
   std::error_code missing;
   const auto shared = fs::temp_directory_path(missing);
   if (missing) return Failure{"There is no folder for temporary files: " + missing.message()};
-  const auto candidates = candidatesIn(shared);
+  const auto candidates = listCandidates(shared);
   // Looked for before one is created, so that the folder stays the same when a name that was taken has become free.
   for (const fs::path& folder : candidates)
     if (isOfThisUserAlone(folder)) return folder;

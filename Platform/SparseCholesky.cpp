@@ -78,7 +78,7 @@ cholmod_sparse lowerTriangle(std::vector<std::int64_t>& starts, std::vector<std:
   return view;
 }
 
-std::optional<CholeskyFault> structureFault(const SymmetricMatrix& matrix) {
+std::optional<CholeskyFault> findStructureFault(const SymmetricMatrix& matrix) {
   const auto entries = static_cast<std::int64_t>(matrix.indices.size());
   if (std::ssize(matrix.starts) != matrix.size + 1 || matrix.values.size() != matrix.indices.size() ||
       matrix.starts.front() != 0 || matrix.starts.back() != entries)
@@ -96,7 +96,7 @@ std::optional<CholeskyFault> structureFault(const SymmetricMatrix& matrix) {
   return std::nullopt;
 }
 
-std::optional<CholeskyFault> valueFault(const SymmetricMatrix& matrix) {
+std::optional<CholeskyFault> findValueFault(const SymmetricMatrix& matrix) {
   const auto isFinite = [](double value) { return std::abs(value) <= std::numeric_limits<double>::max(); };
   if (std::ranges::count_if(matrix.values, isFinite) != std::ssize(matrix.values)) {
     const auto place = std::ranges::find_if_not(matrix.values, isFinite) - matrix.values.begin();
@@ -113,8 +113,8 @@ std::optional<CholeskyFault> valueFault(const SymmetricMatrix& matrix) {
 
 /// Fill-reducing order of the selected unknowns. The graph of the groups of unknowns is ordered, which is a small part
 /// of the graph of all unknowns and keeps those of a group together.
-std::vector<std::int64_t> fillReducingOrder(const CholeskySelection& selection, std::int64_t blockSize,
-                                            Common& common) {
+std::vector<std::int64_t> computeFillReducingOrder(const CholeskySelection& selection, std::int64_t blockSize,
+                                                   Common& common) {
   std::vector<std::int64_t> groupOf(selection.unknowns.size());
   std::vector<std::int64_t> firstOf;  // the first unknown of each group
   for (std::size_t i = 0; i < groupOf.size(); ++i) {
@@ -215,9 +215,9 @@ SparseCholesky::~SparseCholesky() = default;
 std::optional<CholeskyFault> SparseCholesky::analyse(const SymmetricMatrix& matrix) {
   State& s = *state_;
   if (!s.analysed) {
-    if (const auto fault = structureFault(matrix)) return fault;
+    if (const auto fault = findStructureFault(matrix)) return fault;
   }
-  if (const auto fault = valueFault(matrix)) return fault;
+  if (const auto fault = findValueFault(matrix)) return fault;
 
   s.selected.resize(s.selection.sources.size());
   if (!s.analysed || !s.selection.gather(matrix, s.selected)) {
@@ -235,7 +235,7 @@ std::optional<CholeskyFault> SparseCholesky::analyse(const SymmetricMatrix& matr
   if (s.analysis || s.selection.unknowns.empty()) return std::nullopt;
 
   if (!reserveKernelBuffer()) return CholeskyFault{Kind::OutOfMemory, 0, 0};
-  std::vector<std::int64_t> order = fillReducingOrder(s.selection, matrix.blockSize, s.common);
+  std::vector<std::int64_t> order = computeFillReducingOrder(s.selection, matrix.blockSize, s.common);
   if (order.empty()) return CholeskyFault{Kind::OutOfMemory, 0, 0};
   cholmod_sparse view = lowerTriangle(s.selection.starts, s.selection.rows, s.selected.data());
   s.common->method[0].ordering = CHOLMOD_GIVEN;

@@ -59,14 +59,14 @@ class SectionWriter {
     text(key, viewBytes(values.data(), values.size()));
   }
 
-  /// `count` values, each as `valueOf` gives it for its place.
+  /// `count` values, each as `readValue` gives it for its place.
   template <class Value, class ValueOf>
-  void column(const std::string& key, std::size_t count, const ValueOf& valueOf) {
+  void column(const std::string& key, std::size_t count, const ValueOf& readValue) {
     head(key, count * sizeof(Value));
     std::array<Value, 8192> block{};
     for (std::size_t start = 0; start < count; start += block.size()) {
       const std::size_t length = std::min(block.size(), count - start);
-      for (std::size_t i = 0; i < length; ++i) block[i] = valueOf(start + i);
+      for (std::size_t i = 0; i < length; ++i) block[i] = readValue(start + i);
       sink_(viewBytes(block.data(), length));
     }
   }
