@@ -57,7 +57,7 @@ TEST(Files, WhatIsReadOrIsToBeWrittenTwiceIsRefusedBeforeTheWork) {
   std::filesystem::create_symlink("m.json", folder / "soft");
   std::filesystem::create_symlink("new", folder / "dangling");
   const std::string inFolder = "cd " + folder.path().string() + " && " GAVREL_CLI " ";
-  const auto statusOf = [&](const std::string& command) {
+  const auto runForStatus = [&](const std::string& command) {
     return std::system((inFolder + command + " 2>errors >output").c_str()) >> 8;
   };
   for (const char* refused :
@@ -66,15 +66,15 @@ TEST(Files, WhatIsReadOrIsToBeWrittenTwiceIsRefusedBeforeTheWork) {
         "export m.json --nodes new --vtu dangling", "export m.json --nodes new --elements ./new",
         "import in.csv -o in.csv", "solve /dev/stdin -o m.json <m.json", "solve m.json -o /dev/fd/3 3>>m.json",
         "generate dome -o none/new", "import in.csv -o none/new", "export m.json --nodes new --vtu none/new"}) {
-    EXPECT_EQ(statusOf(refused), 1) << refused;
+    EXPECT_EQ(runForStatus(refused), 1) << refused;
     EXPECT_THAT(folder.get("errors"), testing::MatchesRegex("[^\n]*cannot (write|create)[^\n]*\n")) << refused;
     EXPECT_EQ(folder.get("output"), "") << refused;
     EXPECT_EQ(folder.get("m.json"), model) << refused;
     EXPECT_EQ(folder.get("in.csv"), table) << refused;
     EXPECT_EQ(folder.entries(), 7) << refused;
   }
-  EXPECT_EQ(statusOf("export m.json --nodes /dev/null --vtu /dev/null"), 0);
-  EXPECT_EQ(statusOf("import in.csv --into m.json -o m.json"), 0) << "what is added to may be written";
+  EXPECT_EQ(runForStatus("export m.json --nodes /dev/null --vtu /dev/null"), 0);
+  EXPECT_EQ(runForStatus("import in.csv --into m.json -o m.json"), 0) << "what is added to may be written";
   EXPECT_THAT(folder.get("output"), StartsWith("Imported 2 nodes"));
 }
 

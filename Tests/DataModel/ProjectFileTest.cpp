@@ -24,7 +24,7 @@ std::string replaced(std::string text, std::string_view from, std::string_view t
   return place == std::string::npos ? text : text.replace(place, from.size(), to);
 }
 
-std::string reasonOf(const std::string& json) {
+std::string decodeForReason(const std::string& json) {
   const auto project = decodeProject(json);
   return project ? "none" : project.failure().reason;
 }
@@ -119,10 +119,11 @@ TEST(ProjectFile, ReadsWholeNumbersOfEveryNotation) {
        words("3.5 1e-1 9223372036854775808 9.223372036854775808e18 -9.223372036854778e18 100000000000000000000 "
              "-9223372036854775809 -9223372036854775809.0 9007199254740993.5 1e-400 3.00000000000000000000001 "
              "10000000000000000000e1 true \"3\" null"))
-    EXPECT_THAT(reasonOf(withId(text)), HasSubstr("id: expected a whole number, found "));
+    EXPECT_THAT(decodeForReason(withId(text)), HasSubstr("id: expected a whole number, found "));
   for (const std::string unread :
        {"[1 2]", "{\"b\"}", "tru", "01", "nul", "\"\\x\"", "[[[]", "{\"b\": nan}", "1e999", "\"\\udc00\""})
-    EXPECT_THAT(reasonOf(replaced(small, "{", "{\"a\": " + unread + ", ")), testing::StartsWith("not valid JSON"));
+    EXPECT_THAT(decodeForReason(replaced(small, "{", "{\"a\": " + unread + ", ")),
+                testing::StartsWith("not valid JSON"));
 }
 
 TEST(ProjectFile, TellsWhatIsWrongAndWhere) {
@@ -143,12 +144,13 @@ TEST(ProjectFile, TellsWhatIsWrongAndWhere) {
       {"\"X_I\":[1,", "\"X_I\":[1,\n,", "not valid JSON at line 2, column 1 (byte "},
       {"\"X_I\":[1,", "\"X_I\":[1e999,", "beyond the range of a double"},
   };
-  for (const auto& [from, to, reason] : cases) EXPECT_THAT(reasonOf(replaced(small, from, to)), HasSubstr(reason));
-  EXPECT_EQ(reasonOf("[]"), "expected an object, found an array");
-  EXPECT_EQ(reasonOf("1.5"), "expected an object or an array");
-  EXPECT_EQ(reasonOf("\xEF\xBB\xBF[1,]"), "not valid JSON at line 1, column 7 (byte 6): invalid value");
-  EXPECT_THAT(reasonOf(small + " 2"), HasSubstr("must not be followed by other values"));
-  EXPECT_THAT(reasonOf(small.substr(0, 500)), HasSubstr("the text ends here"));
+  for (const auto& [from, to, reason] : cases)
+    EXPECT_THAT(decodeForReason(replaced(small, from, to)), HasSubstr(reason));
+  EXPECT_EQ(decodeForReason("[]"), "expected an object, found an array");
+  EXPECT_EQ(decodeForReason("1.5"), "expected an object or an array");
+  EXPECT_EQ(decodeForReason("\xEF\xBB\xBF[1,]"), "not valid JSON at line 1, column 7 (byte 6): invalid value");
+  EXPECT_THAT(decodeForReason(small + " 2"), HasSubstr("must not be followed by other values"));
+  EXPECT_THAT(decodeForReason(small.substr(0, 500)), HasSubstr("the text ends here"));
 }
 
 TEST(ProjectFile, RefusesToWriteWhatJsonCannotHold) {

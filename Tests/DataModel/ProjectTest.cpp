@@ -110,7 +110,7 @@ TEST(Project, CopiesAndSolutionsBringEverythingButTheObservers) {
 }
 
 TEST(Project, ALinearSolveAloneWarnsOfLostStiffness) {
-  const auto warningOf = [](Project& project, double lastDiagonal) {
+  const auto captureWarning = [](Project& project, double lastDiagonal) {
     project.H_II.values = {1, 1, lastDiagonal};
     testing::internal::CaptureStderr();
     project.LinearSolve();
@@ -120,9 +120,10 @@ TEST(Project, ALinearSolveAloneWarnsOfLostStiffness) {
   project.nI = 2;
   project.H_II = CSR(std::vector<std::vector<std::int32_t>>{{0, 1}, {1}});
   project.R_I = project.dU_I = {0, 0};
-  EXPECT_EQ(warningOf(project, 2), "");
-  EXPECT_EQ(warningOf(project, 1 + 1e-15).find("Warning: the structure may be unstable at node 0, translation"), 0U);
-  EXPECT_EQ(warningOf(project, 2), "");
+  EXPECT_EQ(captureWarning(project, 2), "");
+  EXPECT_EQ(captureWarning(project, 1 + 1e-15).find("Warning: the structure may be unstable at node 0, translation"),
+            0U);
+  EXPECT_EQ(captureWarning(project, 2), "");
 }
 
 /// One announcement for each published property that an operation writes, and before it: ahead of the k-th, no more

@@ -32,7 +32,7 @@ struct Row : Project {
 };
 
 /// What the solve prints; its steps are counted from 1.
-std::string linesOf(Project& project) {
+std::string solveForLines(Project& project) {
   testing::internal::CaptureStdout();
   int steps = 0;
   project.Solve([&](int step, double) { EXPECT_EQ(step, ++steps); });
@@ -50,11 +50,11 @@ TEST(Solver, LoadOnARestraintDriftsAndNoLoadGivesNoNorm) {
   addBar(bar, 0, 1, stiffness);
   bar.pull(1, 3);
   bar.F_I.edit()[7] = 4;
-  EXPECT_EQ(linesOf(bar), "\n1.0\n" + times(49, "0.8\n"));
+  EXPECT_EQ(solveForLines(bar), "\n1.0\n" + times(49, "0.8\n"));
   EXPECT_EQ(bar.moved(1), 3 / stiffness);
   EXPECT_EQ((*bar.U_I)[7], 50 * 4 / stiffness);
   bar.F_I.edit().assign(12, 0.0);
-  EXPECT_EQ(linesOf(bar), "\n" + times(50, "nan\n"));
+  EXPECT_EQ(solveForLines(bar), "\n" + times(50, "nan\n"));
   EXPECT_THAT(*bar.U_I, Each(0.0));
 }
 
@@ -67,9 +67,9 @@ TEST(Solver, AResidualAtTheToleranceIsNotBelowIt) {
   const auto part = [&] { return onSupport / std::sqrt(1 + onSupport * onSupport); };
   while (part() < Project::convergenceTolerance) onSupport = std::nextafter(onSupport, 1.0);
   ASSERT_EQ(part(), Project::convergenceTolerance);
-  EXPECT_EQ(linesOf(bar), "\n1.0\n" + times(49, "1e-05\n"));
+  EXPECT_EQ(solveForLines(bar), "\n1.0\n" + times(49, "1e-05\n"));
   while (part() >= Project::convergenceTolerance) onSupport = std::nextafter(onSupport, 0.0);
-  EXPECT_EQ(linesOf(bar), "\n1.0\n9.999999999999999e-06\n");
+  EXPECT_EQ(solveForLines(bar), "\n1.0\n9.999999999999999e-06\n");
 }
 
 /// In this order two small stiffnesses add up to something that is not lost beside a large one.
@@ -106,7 +106,7 @@ TEST(Solver, CompressionOnlyBarLeavesARepairedUnknown) {
   addBar(row, 1, 2, stiffness, {.isCompressionOnly = true});
   row.pull(1, 0);
   row.pull(2, 1);
-  EXPECT_THAT(linesOf(row), testing::EndsWith(times(47, "1.0\n")));
+  EXPECT_THAT(solveForLines(row), testing::EndsWith(times(47, "1.0\n")));
   EXPECT_NEAR(row.moved(1), 0, 1e-15);
   EXPECT_NEAR(row.moved(2), 51 / stiffness, 1e-12);  // two bars' give in the first step, then one more each step
 }
@@ -117,7 +117,7 @@ TEST(Solver, BeamsTakeTheLoadAnewInEachStep) {
     clamp(cantilever, 0);
     addBeam(cantilever, 1, 0, stiffness, isNonLinear);
     cantilever.setLoadAndRestraint(1, {2, 3, 0}, false, false, false);
-    EXPECT_EQ(linesOf(cantilever), "\n" + times(50, "1.0\n"));
+    EXPECT_EQ(solveForLines(cantilever), "\n" + times(50, "1.0\n"));
     const double once[] = {2 / stiffness, 1 / stiffness, 0, 0, 0, -1.5 / stiffness};  // FL/EA, FL^3/3EI, FL^2/2EI
     for (std::size_t k = 0; k < 6; ++k) {
       EXPECT_NEAR(cantilever.dU_I[6 + k], once[k], 1e-15);
@@ -231,14 +231,14 @@ TEST(Solver, WarnsOnceOfAMechanismThatRoundingHides) {
   EXPECT_TRUE(weakness->lasts);
   Mechanism mechanism(stiffness);
   testing::internal::CaptureStderr();
-  static_cast<void>(linesOf(mechanism));
+  static_cast<void>(solveForLines(mechanism));
   EXPECT_THAT(
       testing::internal::GetCapturedStderr(),
       testing::MatchesRegex("Warning: the structure may be unstable at node [01], translation along x: [^\n]*\n"));
   mechanism.D_I.edit()[7] = true;
   mechanism.F_I.edit()[7] = 1;  // all steps
   testing::internal::CaptureStderr();
-  EXPECT_EQ(std::ranges::count(linesOf(mechanism), '\n'), 51);
+  EXPECT_EQ(std::ranges::count(solveForLines(mechanism), '\n'), 51);
   const std::string warnings = testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::ranges::count(warnings, '\n'), 1) << warnings;
 }

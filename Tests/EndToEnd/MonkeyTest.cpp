@@ -37,7 +37,7 @@ class Monkey {
   int below(int limit) { return std::uniform_int_distribution(0, limit - 1)(random_); }
 
   template <std::size_t count>
-  std::string oneOf(const std::array<const char*, count>& choices) {
+  std::string pickOne(const std::array<const char*, count>& choices) {
     return choices[static_cast<std::size_t>(below(count))];
   }
 
@@ -53,10 +53,10 @@ class Monkey {
         "alt+v",  "alt+g",  "Delete", "ctrl+a", "Home",   "Next",   "ctrl+shift+s", "shift+Tab",    "F10",    "ctrl+q"};
     static constexpr std::array texts{"1", "minus 2 period 5", "1 e 3", "n a n", "0", "x", "1 e 4 0 0", "period", "7"};
     const int kind = below(20);
-    if (kind < 4) return "key " + oneOf(keys);
-    if (kind < 5) return "key ctrl+a " + oneOf(texts);
+    if (kind < 4) return "key " + pickOne(keys);
+    if (kind < 5) return "key ctrl+a " + pickOne(texts);
     if (kind < 6) return place(8, 70, 1180, 600) + " mousedown 1 " + place(8, 70, 1180, 600) + " mouseup 1";
-    if (kind < 7) return place(8, 70, 1180, 600) + " click " + oneOf<4>({"3", "4", "5", "2"});
+    if (kind < 7) return place(8, 70, 1180, 600) + " click " + pickOne<4>({"3", "4", "5", "2"});
     if (kind < 11) return place(100, 740, 1000, 30) + " click 1";                                    // the command row
     if (kind < 14) return place(400, 250, 420, 330) + " click 1";                                    // a sheet
     if (kind < 15) return place(0, 0, 260, 26) + " click 1 " + place(0, 30, 300, 350) + " click 1";  // a menu

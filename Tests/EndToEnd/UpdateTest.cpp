@@ -42,13 +42,13 @@ class ServerThread : public QThread {
   UpdateServer server{GAVREL_UPDATE_HOST};
 };
 
-std::string textOf(const fs::path& file) {
+std::string readText(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// Processes that run this program, by number.
-std::vector<std::string> processesOf(const fs::path& program) {
+std::vector<std::string> findProcesses(const fs::path& program) {
   std::vector<std::string> found;
   for (const auto& entry : fs::directory_iterator("/proc")) {
     std::error_code notOurs;
@@ -81,7 +81,7 @@ class Update : public testing::Test {
 
   void TearDown() override {
     ::unsetenv("TMPDIR");
-    for (const std::string& process : processesOf(program)) ::kill(std::stoi(process), SIGKILL);
+    for (const std::string& process : findProcesses(program)) ::kill(std::stoi(process), SIGKILL);
   }
 
   enum class Changes { none, kept, notKept };
@@ -128,8 +128,8 @@ class Update : public testing::Test {
   std::string follower() {
     std::string line;  // empty for a moment after the process has begun
     Desktop::expect("the restart", [&] {
-      const auto processes = processesOf(program);
-      return processes.size() == 1 && !(line = textOf("/proc/" + processes.front() + "/cmdline")).empty();
+      const auto processes = findProcesses(program);
+      return processes.size() == 1 && !(line = readText("/proc/" + processes.front() + "/cmdline")).empty();
     });
     return line.substr(program.string().size() + 1);
   }

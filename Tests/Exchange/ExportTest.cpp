@@ -32,7 +32,7 @@ struct Structure : Project {
   }
 };
 
-std::string outputOf(const std::string& command) {
+std::string runForOutput(const std::string& command) {
   const auto close = [](FILE* pipe) { ::pclose(pipe); };
   const std::unique_ptr<FILE, decltype(close)> pipe(::popen(command.c_str(), "r"), close);
   std::string output;
@@ -81,7 +81,7 @@ TEST(Export, VtkReadsTheGrid) {
   addBar(structure, 0, 1, 1);
   structure.trussElements.edit()[2].endNodeId = 9;
   ASSERT_FALSE(exportVtu(structure, folder / "grid.vtu"));
-  const std::string found = outputOf(std::string(READ_VTU) + " " + std::string(folder / "grid.vtu"));
+  const std::string found = runForOutput(std::string(READ_VTU) + " " + std::string(folder / "grid.vtu"));
   for (const char* line : {"point 0.0 0.0 0.0\npoint 3.0 4.0 0.0\npoint 6.0 0.0 0.1\n",
                            "cell vtkLine 0 1\ncell vtkLine 1 2\ncell vtkLine 2 0\ndisplacement",
                            "displacement (0.0, 0.0, 0.0) (0.3333333333333333, 0.0, 0.0) (0.0, 0.0, 0.0)\n",

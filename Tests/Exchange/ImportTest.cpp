@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 using Ends = std::vector<std::pair<std::int64_t, std::int64_t>>;
 
-Ends endsOf(const Project& project) {
+Ends readEnds(const Project& project) {
   Ends ends;
   for (const TrussElement& bar : *project.trussElements) ends.emplace_back(bar.startNodeId, bar.endNodeId);
   return ends;
@@ -49,14 +49,14 @@ TEST(Import, AddsTablesToWhatIsThere) {
   EXPECT_EQ(project.nI, 24);
   EXPECT_EQ(project.F_I->at(13), -3);
   EXPECT_TRUE((*project.D_I)[12] && (*project.D_I)[17] && !(*project.D_I)[13]);
-  EXPECT_EQ(endsOf(project), (Ends{{0, 1}, {3, 2}, {2, 3}}));
+  EXPECT_EQ(readEnds(project), (Ends{{0, 1}, {3, 2}, {2, 3}}));
   const auto& bars = *project.trussElements;
   EXPECT_EQ(bars[1], TrussElement(1, 3, 2, {4, 0, 0}, {1, 2.5, 0}, 9, 8, false, true));
   EXPECT_EQ(bars[2], TrussElement(2, 2, 3, {1, 2.5, 0}, {4, 0, 0}, 0.5, 8, false, true));
 
   const auto more = folder.put("more.csv", "start\tend\n0\t3\n");
   ASSERT_TRUE(importFiles(project, {more}, {}));
-  EXPECT_EQ(endsOf(project).back(), (Ends::value_type{0, 3}));
+  EXPECT_EQ(readEnds(project).back(), (Ends::value_type{0, 3}));
 }
 
 TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
@@ -121,18 +121,18 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
 
 TEST(Import, ReadsACommaByOneRuleInATable) {
   const TemporaryFolder folder;
-  const auto coordinatesOf = [&](const std::string& content) -> std::vector<double> {
+  const auto importCoordinates = [&](const std::string& content) -> std::vector<double> {
     Project project;
     if (!importFiles(project, {folder.put("a.csv", content)}, {})) return {};
     return *project.X_I;
   };
-  EXPECT_THAT(coordinatesOf("x;y\n1,234;-0,5\n"), ElementsAre(1.234, -0.5, 0));
-  EXPECT_THAT(coordinatesOf("x;y\n1,234;2\n"), ElementsAre(1.234, 2, 0));
-  EXPECT_THAT(coordinatesOf("x\ty\n1,234\t5,5e1\n"), ElementsAre(1.234, 55, 0));
-  EXPECT_THAT(coordinatesOf("x\ty\tnote\n0,234\t1\tv1.2\n"), ElementsAre(0.234, 1, 0));
-  EXPECT_THAT(coordinatesOf("x\ty\tnote\n1.5\t1\ta,b\n"), ElementsAre(1.5, 1, 0));
-  EXPECT_THAT(coordinatesOf("x,y\n\"1.5\", \"2\" \n"), ElementsAre(1.5, 2, 0));
-  EXPECT_THAT(coordinatesOf("\"a \"\"b\"\", c\", x ,\ty\n\"1\"\"\",\"1.5\",2\r\n\r\n"), ElementsAre(1.5, 2, 0));
+  EXPECT_THAT(importCoordinates("x;y\n1,234;-0,5\n"), ElementsAre(1.234, -0.5, 0));
+  EXPECT_THAT(importCoordinates("x;y\n1,234;2\n"), ElementsAre(1.234, 2, 0));
+  EXPECT_THAT(importCoordinates("x\ty\n1,234\t5,5e1\n"), ElementsAre(1.234, 55, 0));
+  EXPECT_THAT(importCoordinates("x\ty\tnote\n0,234\t1\tv1.2\n"), ElementsAre(0.234, 1, 0));
+  EXPECT_THAT(importCoordinates("x\ty\tnote\n1.5\t1\ta,b\n"), ElementsAre(1.5, 1, 0));
+  EXPECT_THAT(importCoordinates("x,y\n\"1.5\", \"2\" \n"), ElementsAre(1.5, 2, 0));
+  EXPECT_THAT(importCoordinates("\"a \"\"b\"\", c\", x ,\ty\n\"1\"\"\",\"1.5\",2\r\n\r\n"), ElementsAre(1.5, 2, 0));
 
   Project project;
   const auto reasonFor = [&](const std::string& content) {
@@ -171,7 +171,7 @@ TEST(Import, JoinsTheLinesOfADrawing) {
                      "0 LWPOLYLINE 230 -1 10 0 20 0 10 1 20 1"));
   const auto outcome = importFiles(project, {file}, {});
   ASSERT_TRUE(outcome) << outcome.failure().reason;
-  EXPECT_EQ(endsOf(project), (Ends{{1, 0}, {0, 2}, {2, 3}, {3, 0}, {3, 4}}));
+  EXPECT_EQ(readEnds(project), (Ends{{1, 0}, {0, 2}, {2, 3}, {3, 0}, {3, 4}}));
   EXPECT_EQ(*project.getNodeCoordinates(4), (Vector3{8, 4, 9}));
   EXPECT_EQ(project.trussElements->front(), TrussElement(0, 1, 0, {0, 0, 0}, {4, 0, 3}, 25, 1e5, false, false));
   EXPECT_THAT(outcome->remarks,

@@ -5,7 +5,7 @@ using namespace gavrel;
 
 /// Texts are read only from what looks like XML, and without what XML cannot hold.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  const std::string_view text = textOf(data, size);
+  const std::string_view text = toText(data, size);
   const auto texts = BundleInfo::parseTexts(text);
   require(texts.empty() || (text.find("dict") != text.npos && text.find("key") != text.npos), "texts from nowhere");
   for (const auto& [key, value] : texts)

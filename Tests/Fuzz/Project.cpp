@@ -51,7 +51,7 @@ void requireSame(const Project& project, const json& spelled) {
 /// Whatever the bytes, reading a project ends with a reason or with a project that holds what they say and survives
 /// writing and reading.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  const std::string text(textOf(data, size));
+  const std::string text(toText(data, size));
   const auto project = decodeProject(text);
   if (!project) {
     const std::string& reason = project.failure().reason;

@@ -8,7 +8,7 @@ using namespace gavrel;
 /// A file without its checksum: what reads is written as a file that reads as the same.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const TemporaryFolder& folder = inputFolder();
-  const std::string content(textOf(data, size));
+  const std::string content(toText(data, size));
   const auto read = readRecovery(folder.put("bytes", content));
   const bool isWhole = content.size() >= 64;
   require(!read && (isWhole || read.failure().reason == "it is cut short"), "a file without a checksum was read");

@@ -16,7 +16,7 @@ inline void require(bool holds, const char* what) {
   std::abort();
 }
 
-inline std::string_view textOf(const unsigned char* data, std::size_t size) {
+inline std::string_view toText(const unsigned char* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 

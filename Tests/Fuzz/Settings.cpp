@@ -9,7 +9,7 @@ using namespace gavrel;
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   static int run = 0;  // Qt keeps what it has read of a file by its name
   const std::string name = std::to_string(run++) + ".ini";
-  const QString file = QString::fromStdString(inputFolder().put(name, textOf(data, size)));
+  const QString file = QString::fromStdString(inputFolder().put(name, toText(data, size)));
   RecentPaths recent(file);
   const QStringList found = recent.all();
   for (const QString& path : found) require(QFileInfo::exists(path), "a file that is not there");

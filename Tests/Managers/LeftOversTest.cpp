@@ -108,11 +108,11 @@ TEST_F(LeftOvers, StayWhileAnInstallationGoesOn) {
 
 TEST_F(LeftOvers, AnInstallationThatIsKilledAtAnyStepLeavesAWholeBundle) {
   const fs::path update = files / "update/Gavrel.app";
-  const auto digestOf = [](const fs::path& folder) { return *treeDigest(folder); };
+  const auto computeDigest = [](const fs::path& folder) { return *treeDigest(folder); };
   writeBundle(update);
   std::ofstream(update / "new file").put('2');
   fs::permissions(update / "bin/gavrel", fs::perms(0600));
-  files.put("install.sh", linuxInstallerScript(bundle, update, "bin/gavrel", digestOf(update)));
+  files.put("install.sh", linuxInstallerScript(bundle, update, "bin/gavrel", computeDigest(update)));
   // Kills the script before one of its own steps, counted from 1.
   files.put("kill.sh",
             "set -T; step=0 last=$1; sleep() { :; }\n"
@@ -122,12 +122,13 @@ TEST_F(LeftOvers, AnInstallationThatIsKilledAtAnyStepLeavesAWholeBundle) {
   int step = 0;
   for (int status = SIGKILL; status == SIGKILL && step < 500;) {
     writeBundle(bundle);
-    const std::string old = digestOf(bundle);
+    const std::string old = computeDigest(bundle);
     status = std::system((command + std::to_string(++step)).c_str());
     const fs::path whole = fs::exists(bundle) ? bundle : former;
-    EXPECT_TRUE(digestOf(whole) == old || (whole == bundle && digestOf(whole) == digestOf(update))) << step;
+    EXPECT_TRUE(computeDigest(whole) == old || (whole == bundle && computeDigest(whole) == computeDigest(update)))
+        << step;
     EXPECT_EQ(::access((whole / "bin/gavrel").c_str(), X_OK), 0) << step;
-    seen.insert(whole.string() + digestOf(whole));
+    seen.insert(whole.string() + computeDigest(whole));
     EXPECT_EQ(settle(whole), "Gavrel.app install.sh kill.sh update") << step;
     fs::remove_all(bundle);
   }

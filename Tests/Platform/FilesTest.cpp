@@ -33,14 +33,14 @@ mode_t permissions(const fs::path& file) {
   return ::stat(file.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
-std::string reasonOf(const std::optional<Failure>& failure) {
+std::string readReason(const std::optional<Failure>& failure) {
   return failure ? failure->reason : "none";
 }
 
 /// For the end of a child process: tells the parent what went wrong and exits, without any clean-up of the parent's.
 void replaceAndExit(const fs::path& file, const std::string& bytes) {
   const auto failure = replaceFile(file, bytes);
-  std::fputs(reasonOf(failure).c_str(), stderr);
+  std::fputs(readReason(failure).c_str(), stderr);
   ::_exit(failure ? 3 : 0);
 }
 
@@ -63,7 +63,7 @@ TEST(AtomicFile, ReplacesTheContentAndKeepsThePermissions) {
   const auto file = folder.put("file", "a longer old content");
   for (const mode_t mode : {0640u, 0600u, 0755u}) {
     ::chmod(file.c_str(), mode);
-    EXPECT_EQ(reasonOf(replaceFile(file, "new")), "none");
+    EXPECT_EQ(readReason(replaceFile(file, "new")), "none");
     EXPECT_EQ(folder.get("file"), "new");
     EXPECT_EQ(permissions(file), mode);
   }
@@ -75,7 +75,7 @@ TEST(AtomicFile, CreatesAFileWithTheUsersPermissionsInTheCurrentFolder) {
   const auto before = fs::current_path();
   fs::current_path(folder.path());
   const mode_t old = ::umask(027);
-  EXPECT_EQ(reasonOf(replaceFile("file", std::string("\0\n", 2))), "none");
+  EXPECT_EQ(readReason(replaceFile("file", std::string("\0\n", 2))), "none");
   EXPECT_EQ(::umask(old), 027u);
   fs::current_path(before);
   EXPECT_EQ(folder.get("file"), std::string("\0\n", 2));
@@ -100,7 +100,7 @@ TEST(AtomicFile, FollowsAndKeepsSymbolicLinks) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.link);
     fs::create_symlink(c.target, folder / c.link);
-    EXPECT_EQ(reasonOf(replaceFile(folder / c.link, c.link)), "none");
+    EXPECT_EQ(readReason(replaceFile(folder / c.link, c.link)), "none");
     EXPECT_EQ(folder.get(c.file), c.link);
     EXPECT_EQ(fs::read_symlink(folder / c.link), c.target);
     EXPECT_FALSE(fs::is_symlink(folder / c.file));
@@ -110,13 +110,13 @@ TEST(AtomicFile, FollowsAndKeepsSymbolicLinks) {
 
 TEST(AtomicFile, TellsWhyNothingCanBeWritten) {
   const TemporaryFolder folder;
-  EXPECT_EQ(reasonOf(replaceFile(folder.path(), "x")),
+  EXPECT_EQ(readReason(replaceFile(folder.path(), "x")),
             "cannot write \"" + folder.path().string() + "\": Is a directory");
-  EXPECT_THAT(reasonOf(replaceFile(folder / "a/b", "x")), HasSubstr("a/b\": No such file or directory"));
+  EXPECT_THAT(readReason(replaceFile(folder / "a/b", "x")), HasSubstr("a/b\": No such file or directory"));
   folder.put("file", "old");
-  EXPECT_THAT(reasonOf(replaceFile(folder / "file/below", "x")), HasSubstr("Not a directory"));
+  EXPECT_THAT(readReason(replaceFile(folder / "file/below", "x")), HasSubstr("Not a directory"));
   fs::create_symlink("loop", folder / "loop");
-  EXPECT_THAT(reasonOf(replaceFile(folder / "loop", "new")), HasSubstr("symbolic links"));
+  EXPECT_THAT(readReason(replaceFile(folder / "loop", "new")), HasSubstr("symbolic links"));
   EXPECT_TRUE(fs::is_symlink(folder / "loop"));
   EXPECT_EQ(folder.entries(), 2);
 }
@@ -254,7 +254,7 @@ TEST(AtomicFile, IsWrittenOverWhereNothingCanBePutInItsPlace) {
     const auto create = [&] {
       becomeOrdinaryUser();
       const auto refused = whyNotReplaceable(locked.sub / "new");
-      std::fputs(reasonOf(refused).c_str(), stderr);
+      std::fputs(readReason(refused).c_str(), stderr);
       ::_exit(refused ? 3 : 0);
     };
     EXPECT_EXIT(create(), testing::ExitedWithCode(mode == sticky ? 0 : 3), mode == sticky ? "none" : "denied");

@@ -108,8 +108,8 @@ TEST(SparseCholesky, SolvesWhateverEntriesComeAndGo) {
 }
 
 /// What stands in the way of the 3 × 3 matrix with these arrays.
-CholeskyFault faultOf(const std::vector<std::int64_t>& starts, const std::vector<std::int32_t>& indices,
-                      const std::vector<double>& values) {
+CholeskyFault findFault(const std::vector<std::int64_t>& starts, const std::vector<std::int32_t>& indices,
+                        const std::vector<double>& values) {
   SparseCholesky cholesky;
   return cholesky.factorize({3, 3, starts, indices, values}).value_or(CholeskyFault{Kind::OutOfMemory, -1, 0});
 }
@@ -144,11 +144,11 @@ TEST(SparseCholesky, TellsWhichUnknownStandsInTheWay) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    const CholeskyFault fault = faultOf(c.starts, c.indices, c.values);
+    const CholeskyFault fault = findFault(c.starts, c.indices, c.values);
     EXPECT_EQ(fault.kind, c.kind);
     EXPECT_EQ(fault.unknown, c.unknown);
   }
-  EXPECT_EQ(faultOf({0, 1, 2, 3}, {0, 1, 2}, {1, -2.5, 1}).value, -2.5);
+  EXPECT_EQ(findFault({0, 1, 2, 3}, {0, 1, 2}, {1, -2.5, 1}).value, -2.5);
 }
 
 TEST(SparseCholesky, NamesTheUnknownAmongOthersThatAreZero) {

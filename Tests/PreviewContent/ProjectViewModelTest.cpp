@@ -26,7 +26,7 @@ std::string printed(const std::function<void()>& action) {
 }
 
 /// Everything that neither saving nor loading may touch.
-auto stateOf(const ProjectViewModel& model) {
+auto captureState(const ProjectViewModel& model) {
   return std::tuple(*model.appMode, *model.selectedNodesForTruss, *model.lastUsedStartX, *model.lastUsedStartY,
                     *model.lastUsedStartZ, *model.lastUsedConnectToLast, *model.isStrainVisualizationActive);
 }
@@ -124,7 +124,7 @@ TEST(ProjectViewModel, AnnouncesEachPropertyThatAnOperationWrites) {
       model.setAppMode(AppMode::addingTruss);
       model.setSelectedNodesForTruss({1});
       const auto former = *model.project;
-      const auto differing = [&, state = stateOf(model), nodes = *model.numberOfNodes] {
+      const auto differing = [&, state = captureState(model), nodes = *model.numberOfNodes] {
         return (*model.project != former) + (*model.numberOfNodes != nodes) + (*model.appMode != std::get<0>(state)) +
                (*model.selectedNodesForTruss != std::get<1>(state));
       };
@@ -216,7 +216,7 @@ TEST(ProjectViewModel, SavesAndLoads) {
   model.setSelectedNodesForTruss({1, 0});
   model.setLastUsedStartX("7e1");
   model.setIsStrainVisualizationActive(true);
-  const auto state = stateOf(model);
+  const auto state = captureState(model);
   EXPECT_EQ(printed([&] { EXPECT_TRUE(model.saveProject(folder / "a b.json")); }),
             "Project saved successfully to a b.json\n");
   EXPECT_EQ(printed([&] { EXPECT_TRUE(model.saveProject(QUrl())); }), "Project saved successfully to a b.json\n");
@@ -241,7 +241,7 @@ TEST(ProjectViewModel, SavesAndLoads) {
   EXPECT_EQ(model.currentFileUrl, folder / "a b.json");
   EXPECT_EQ(model.currentFolder().toLocalFile().toStdString(), folder.path());
   EXPECT_EQ(*model.numberOfNodes, 2);
-  EXPECT_EQ(stateOf(model), state);
+  EXPECT_EQ(captureState(model), state);
 
   model.newProject();
   EXPECT_EQ(*model.numberOfNodes + (*model.project)->nodeCount(), 0);

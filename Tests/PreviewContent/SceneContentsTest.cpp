@@ -17,7 +17,7 @@ struct Drawn {
   double stretch;
 };
 
-std::vector<Drawn> rowsOf(InstanceTable& table) {
+std::vector<Drawn> readRows(InstanceTable& table) {
   int count = 0;
   const QByteArray bytes = table.instanceBuffer(&count);
   std::vector<Drawn> rows;
@@ -53,14 +53,14 @@ TEST(SceneContents, TablesHoldEveryShapeAroundTheMiddleOfTheNodes) {
   area.project().setLoadAndRestraint(0, {0, 0, -7}, true, false, false);
   area.contents.update();
   expectNear(area.contents.origin(), {2, 7, 0}, 1e-12);
-  const auto balls = rowsOf(*area.contents.balls());
+  const auto balls = readRows(*area.contents.balls());
   ASSERT_EQ(balls.size(), 3U);
   expectNear(balls[1].place, {2, -2, 0});
   expectNear(balls[1].x, {0.1, 0, 0});
   expectNear(balls[1].y, {0, 0.1, 0});
   expectNear(balls[1].z, {0, 0, 0.1});
   expectColor(balls[1].color, {0, 0, 1, 1});
-  const auto tubes = rowsOf(*area.contents.tubes());
+  const auto tubes = readRows(*area.contents.tubes());
   ASSERT_EQ(tubes.size(), 3U) << "bar, beam and the shaft of the load, but none of the restraint";
   expectNear(tubes[0].place, {0, -2, 0});
   EXPECT_NEAR(std::abs(tubes[0].y.x), 4, 1e-5);
@@ -68,7 +68,7 @@ TEST(SceneContents, TablesHoldEveryShapeAroundTheMiddleOfTheNodes) {
   EXPECT_NEAR(length(tubes[0].z), 0.05, 1e-6);
   EXPECT_NEAR(tubes[0].stretch, 0.05, 1e-6);
   expectColor(tubes[1].color, {1, 0.5, 0, 1});
-  const auto cones = rowsOf(*area.contents.cones());
+  const auto cones = readRows(*area.contents.cones());
   ASSERT_EQ(cones.size(), 2U);
   expectNear(cones[0].place, {-2, -2, -1});  // of the load, which is drawn with a length of 1
   expectNear(cones[0].y, {0, 0, -0.3});
@@ -111,15 +111,15 @@ TEST(SceneContents, PointsOutWhatIsUnderThePointerAndWhatIsMarked) {
   const auto shown = [&] { return std::pair(ball.size(), tube.size()); };
   EXPECT_TRUE(area.camera.hover(area.middleX, area.middleY));
   EXPECT_EQ(shown(), std::pair(1, 0));
-  const Drawn light = rowsOf(ball)[0];
+  const Drawn light = readRows(ball)[0];
   expectNear(light.place, {-2, -2, 0});
   expectNear({light.x.x, light.y.y, light.z.z}, {0.105, 0.105, 0.105});
   expectColor(light.color, {0.55, 0.55, 1, 1});
   EXPECT_TRUE(area.camera.hover(area.middleX + area.pixels, area.middleY));
   EXPECT_EQ(shown(), std::pair(0, 1));
-  EXPECT_NEAR(std::abs(rowsOf(tube)[0].y.x), 4, 1e-5) << "thicker, but not longer";
-  EXPECT_NEAR(length(rowsOf(tube)[0].x), 0.0525, 1e-6);
-  EXPECT_NEAR(length(rowsOf(tube)[0].z), 0.0525, 1e-6);
+  EXPECT_NEAR(std::abs(readRows(tube)[0].y.x), 4, 1e-5) << "thicker, but not longer";
+  EXPECT_NEAR(length(readRows(tube)[0].x), 0.0525, 1e-6);
+  EXPECT_NEAR(length(readRows(tube)[0].z), 0.0525, 1e-6);
   EXPECT_FALSE(area.camera.hover(area.middleX - area.pixels, area.middleY)) << "a load cannot be picked";
   EXPECT_EQ(shown(), std::pair(0, 0));
   area.camera.hover(area.middleX, area.middleY);
@@ -130,7 +130,7 @@ TEST(SceneContents, PointsOutWhatIsUnderThePointerAndWhatIsMarked) {
   EXPECT_EQ(shown(), std::pair(0, 0)) << "the shape may be gone";
 
   area.model.setMarks({.nodes = {2}, .trusses = {0}, .beams = {0}});
-  const auto balls = rowsOf(*area.contents.markedBalls());
+  const auto balls = readRows(*area.contents.markedBalls());
   ASSERT_EQ(balls.size(), 1U);
   expectNear(balls[0].place, {-2, 2, 0});
   EXPECT_NEAR(balls[0].y.y, 0.16, 1e-6);

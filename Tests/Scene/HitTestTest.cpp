@@ -24,14 +24,14 @@ SceneNode shape(std::variant<Sphere, Tube, Cone> content, const Vector3& positio
   return node;
 }
 
-Scene sceneOf(std::vector<SceneNode> nodes) {
+Scene makeScene(std::vector<SceneNode> nodes) {
   Scene scene;
   scene.rootNode.children = std::move(nodes);
   return scene;
 }
 
 double distanceTo(const SceneNode& node, const Ray& ray) {
-  const Scene scene = sceneOf({node});
+  const Scene scene = makeScene({node});
   const auto hits = hitTest(scene, ray);
   return hits.empty() ? -1 : hits.front().distance;
 }
@@ -85,7 +85,7 @@ TEST(HitTest, MeetsShapesWhereTheyAreUnderAnyTransform) {
     inner.children = {node};
     plain.children = {inner};
     group.children = {plain};
-    const Scene scene = sceneOf({group});
+    const Scene scene = makeScene({group});
     const Transform own = computeTransform(node);
     const auto hits = hitTest(scene, {world.point(o), world.direction(d)});
     const double alone = distanceTo(node, {own.point(o), own.direction(d)});
@@ -134,8 +134,8 @@ TEST(HitTest, KnowsCapsApexBaseAndGrazes) {
 
 TEST(HitTest, OrdersByDistanceAndKeepsItsDigitsFarAway) {
   const Scene scene =
-      sceneOf({shape(Sphere{1}, {0, 0, -9}), shape(Tube{1, 1}, {0, 0, -3}), shape(Cone{1, 1}, {0, 0, -6}),
-               shape(Sphere{1}, {5, 0, -6}), shape(Sphere{1}, {0, 0, -9})});
+      makeScene({shape(Sphere{1}, {0, 0, -9}), shape(Tube{1, 1}, {0, 0, -3}), shape(Cone{1, 1}, {0, 0, -6}),
+                 shape(Sphere{1}, {5, 0, -6}), shape(Sphere{1}, {0, 0, -9})});
   const auto hits = hitTest(scene, {{0, 0, 0}, {0, 0, -1}});
   ASSERT_EQ(hits.size(), 4U);
   for (std::size_t i = 0; i < 4; ++i)
@@ -209,9 +209,9 @@ TEST(HitTest, NeverMeetsWhatHasNoProperNumbers) {
     flat.children = {child};
     nodes.push_back(flat);
   }
-  const Scene scene = sceneOf(nodes);
+  const Scene scene = makeScene(nodes);
   for (const double thickening : {0.0, 1.0}) EXPECT_TRUE(hitTest(scene, {{0, 0, 5}, {0, 0, -1}, thickening}).empty());
-  const Scene ball = sceneOf({shape(Sphere{1})});
+  const Scene ball = makeScene({shape(Sphere{1})});
   for (const Vector3& direction : {Vector3{}, {Limits::quiet_NaN(), 0, 1}, {Limits::infinity(), 0, 0}})
     EXPECT_TRUE(hitTest(ball, {{0, 0, 5}, direction}).empty());
 }

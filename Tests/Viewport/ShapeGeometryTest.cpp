@@ -19,7 +19,7 @@ struct Corner {
 };
 
 /// The corners of all triangles as the renderer reads them.
-std::vector<Corner> cornersOf(const ShapeGeometry& geometry) {
+std::vector<Corner> readCorners(const ShapeGeometry& geometry) {
   using Attribute = QQuick3DGeometry::Attribute;
   EXPECT_EQ(geometry.attributeCount(), 3);
   EXPECT_EQ(geometry.attribute(0).semantic, Attribute::PositionSemantic);
@@ -54,7 +54,7 @@ TEST(ShapeGeometry, MeshesLieOnTheirShapesAndFaceOutwards) {
       SCOPED_TRACE(testing::Message() << "shape " << shape << ", sides " << sides);
       geometry.setShape(shape);
       geometry.setSides(sides);
-      const auto corners = cornersOf(geometry);
+      const auto corners = readCorners(geometry);
       ASSERT_EQ(corners.size(), 3U * static_cast<unsigned>(geometry.triangles()));
       double volume = 0;  // between the triangles and the origin
       for (std::size_t i = 0; i < corners.size(); i += 3) {

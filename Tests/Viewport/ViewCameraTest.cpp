@@ -15,7 +15,7 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 
-Vector3 vectorOf(const QVector3D& v) {
+Vector3 toVector3(const QVector3D& v) {
   return {v.x(), v.y(), v.z()};
 }
 
@@ -40,11 +40,11 @@ TEST(ViewCamera, StandardDirectionsShowEverythingInTheSameLightWhicheverAxisIsUp
     ViewedScene area;
     area.camera.show(view);
     expectNear(area.camera.camera().axes().back, from);
-    const Vector3 light = seen(area.camera, vectorOf(area.camera.lightDirection()));
+    const Vector3 light = seen(area.camera, toVector3(area.camera.lightDirection()));
     area.camera.setZUp(true);
     EXPECT_TRUE(area.camera.zUp());
     expectNear(area.camera.camera().axes().back, {from.x, -from.z, from.y});
-    expectNear(seen(area.camera, vectorOf(area.camera.lightDirection())), light);
+    expectNear(seen(area.camera, toVector3(area.camera.lightDirection())), light);
     if (view == ViewCamera::Front) expectNear(light, {0, std::sqrt(0.5), std::sqrt(0.5)});
     for (const Vector3& centre : area.contents.shapeCentres()) {
       const auto point = area.camera.camera().project(centre);
@@ -57,14 +57,14 @@ TEST(ViewCamera, StandardDirectionsShowEverythingInTheSameLightWhicheverAxisIsUp
 
 TEST(ViewCamera, TellsTheRendererWhereItIs) {
   ViewedScene area;
-  EXPECT_EQ(vectorOf(area.camera.position()), (Vector3{-2, -2, 10})) << "from the middle of the nodes";
+  EXPECT_EQ(toVector3(area.camera.position()), (Vector3{-2, -2, 10})) << "from the middle of the nodes";
   EXPECT_EQ(area.camera.fieldOfView(), 60);
   EXPECT_NEAR(area.camera.thickening(), 25 * 2 * std::tan(pi / 6) / 600, 1e-12);
   area.camera.setZUp(true);
   area.camera.show(ViewCamera::Right);
   const auto turned = area.camera.rotation() * QVector3D(0, 0, 1);
-  expectNear(vectorOf(turned), {1, 0, 0});
-  expectNear(vectorOf(area.camera.rotation() * QVector3D(0, 1, 0)), {0, 0, 1});
+  expectNear(toVector3(turned), {1, 0, 0});
+  expectNear(toVector3(area.camera.rotation() * QVector3D(0, 1, 0)), {0, 0, 1});
   const double eye = area.camera.camera().position.x;
   const double nearest = eye - area.contents.bounds().high.x, farthest = eye - area.contents.bounds().low.x;
   EXPECT_LT(area.camera.clipNear(), nearest);
@@ -74,7 +74,7 @@ TEST(ViewCamera, TellsTheRendererWhereItIs) {
   const ViewCamera unset;
   EXPECT_EQ(unset.clipNear(), 0.1);
   EXPECT_EQ(unset.clipFar(), 1000);
-  EXPECT_EQ(vectorOf(unset.position()), (Vector3{0, 5, 10}));
+  EXPECT_EQ(toVector3(unset.position()), (Vector3{0, 5, 10}));
 }
 
 TEST(ViewCamera, TurnsMovesAndZoomsAboutWhatIsUnderThePointer) {
