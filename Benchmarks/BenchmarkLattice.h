@@ -4,8 +4,7 @@
 
 namespace gavrel {
 
-/// The lattice of non-linear bars that all figures are taken on, pulled along x so strongly that a solve needs several
-/// steps.
+/// The lattice of non-linear bars for all measurements, pulled along x so strongly that a solve needs several steps.
 inline Lattice benchmarkLattice(int nodesPerEdge) {
   Lattice lattice;
   lattice.nodesPerEdge = nodesPerEdge;

@@ -11,7 +11,7 @@ using namespace gavrel;
 
 namespace {
 
-/// What looking at a structure costs beside its solve, of which the check is one.
+/// The time of the check, beside that of a solve alone.
 void check(benchmark::State& state) {
   const auto project = benchmarkLattice(static_cast<int>(state.range(0))).build();
   for ([[maybe_unused]] auto _ : state) {

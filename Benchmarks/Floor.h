@@ -4,7 +4,7 @@
 
 namespace gavrel {
 
-/// What CHOLMOD alone needs for the same structure: the matrix with three unknowns a node, handed over ready made.
+/// The time of CHOLMOD alone for the same structure, given the assembled matrix with three unknowns a node.
 struct Floor {
   double analysis = 0;
   double factorization = 0;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double milli = 1e-3;
 
-/// What keeping the unsaved changes costs: for how long it stops the user, and until all is on the disk.
+/// The time to keep unsaved changes: on the main thread, where the user waits, and until they are on the disk.
 void recovery(benchmark::State& state) {
   ProjectViewModel viewModel;
   viewModel.setProject(benchmarkLattice(static_cast<int>(state.range(0))).build());

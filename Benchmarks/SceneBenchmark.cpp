@@ -16,7 +16,7 @@ namespace {
 constexpr int picks = 50;
 constexpr double milli = 1e-3;
 
-/// What the 3D view does on the processor: a change of the project to tables for the renderer, and a click.
+/// The work of the 3D view on the processor: tables for the renderer after a change of the project, and a click.
 void scene(benchmark::State& state) {
   ProjectViewModel viewModel;
   viewModel.setProject(benchmarkLattice(static_cast<int>(state.range(0))).build());

@@ -17,7 +17,7 @@ using namespace gavrel;
 
 namespace {
 
-/// Sends standard output nowhere while it lives, so that a solve's lines do not mix with the table.
+/// Discards standard output while it exists, so that a solve's lines do not mix with the table.
 class QuietOutput {
  public:
   QuietOutput() : kept_(::dup(STDOUT_FILENO)) {
@@ -38,12 +38,12 @@ class QuietOutput {
   int kept_;
 };
 
-/// Forgets the largest memory that the process has held so far.
+/// Resets the peak memory of the process.
 void resetPeak() {
   std::ofstream("/proc/self/clear_refs") << "5";
 }
 
-/// The largest memory that the process has held since.
+/// The peak memory of the process since it was reset.
 double peakGiB() {
   std::ifstream status("/proc/self/status");
   std::string word;
@@ -54,7 +54,7 @@ double peakGiB() {
   return kibibytes / kibPerGib;
 }
 
-/// The whole solve; a further step is one after the first that factorizes, so all but the first and the last.
+/// The whole solve; a further step is one that factorizes after the first, so all except the first and the last.
 void wholeSolve(Project& project, benchmark::UserCounters& counters) {
   const QuietOutput quiet;
   std::vector<double> steps;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double milli = 1e-3;
 
-/// What sorting and searching the elements costs, a text that occurs nowhere being the longest search.
+/// The time to sort and search the elements; the text occurs nowhere, which takes longest to find out.
 void table(benchmark::State& state) {
   ProjectViewModel viewModel;
   viewModel.setProject(benchmarkLattice(static_cast<int>(state.range(0))).build());

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
 #ifdef GAVREL_APPLICATION
-  // One for all benchmarks: when it is gone, Qt's threads are, too.
+  // One for all benchmarks, since Qt's threads end with it.
   const QCoreApplication application(argc, argv);
 #endif
   Table table;

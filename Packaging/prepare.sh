@@ -2,7 +2,7 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-# Installs what the given lists in Packaging/ name and this machine lacks. Does nothing when all is there.
+# Installs the packages of the given lists in Packaging/ that this machine lacks.
 installMissingPackages() {
   local package missing=() sudo=()
   local installed

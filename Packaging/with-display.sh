@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs a command on a new X display in memory: with-display.sh WIDTHxHEIGHT COMMAND [ARGUMENT...]
-# The server itself picks a display that is free, so that many may start at the same time.
+# The server itself picks a free display, so that several can start at the same time.
 set -euo pipefail
 
 size=$1
@@ -10,7 +10,7 @@ server=
 trap '[ -z "$server" ] || kill "$server" 2>/dev/null; rm -rf "$folder"' EXIT
 
 mkfifo "$folder/number"
-# With a reset whenever its last client goes, it would turn away another that comes at that moment.
+# If it reset itself when its last client ends, it would refuse another that connects at that moment.
 Xvfb -noreset -displayfd 3 -screen 0 "${size}x24" -nolisten tcp 3>"$folder/number" 2>"$folder/log" &
 server=$!
 if ! read -r -t 30 number <"$folder/number"; then

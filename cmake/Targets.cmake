@@ -1,5 +1,5 @@
-# Sets what every target of our own is compiled with. Arithmetic is contracted nowhere, so that results agree between machines.
-# GCC 12 warns of impossible overlaps in std::string's own code (its bug 105651), hence no -Wrestrict there.
+# Compiles a target of our own with warnings as errors. Multiplications and additions are not fused, so that results agree
+# between machines. GCC 12 warns of impossible overlaps in std::string's own code (its bug 105651), hence no -Wrestrict.
 function(apply_compiler_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
