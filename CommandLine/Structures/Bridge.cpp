@@ -55,7 +55,7 @@ std::shared_ptr<Project> Bridge::build() const {
 
   const double share = 1.0 / (2.0 * (panels - 1));
   for (const Side& side : sides) {
-    builder.hold(side.lower.front());
+    builder.restrain(side.lower.front());
     builder.roller(side.lower.back());
     for (std::size_t i = 1; i + 1 < side.lower.size(); ++i) builder.load(side.lower[i], totalLoad, share);
   }

@@ -29,7 +29,7 @@ std::shared_ptr<Project> CableNet::build() const {
   for (int i = 0; i <= cells; ++i)
     for (int j = 0; j <= cells; ++j) {
       if (onEdge(i) || onEdge(j)) {
-        builder.hold(number(i, j));
+        builder.restrain(number(i, j));
       } else {
         builder.load(number(i, j), totalLoad, share);
       }

@@ -52,7 +52,7 @@ std::shared_ptr<Project> Dome::build() const {
   const auto loaded = crown + 1 + static_cast<std::int64_t>(segments) * (rings - 1);
   const double share = 1.0 / static_cast<double>(loaded);
   for (std::int64_t node = 0; node < loaded; ++node) builder.load(node, totalLoad, share);
-  for (const std::int64_t node : upper) builder.hold(node);
+  for (const std::int64_t node : upper) builder.restrain(node);
   return builder.project();
 }
 

@@ -35,7 +35,7 @@ std::shared_ptr<Project> Lattice::build() const {
 
   const double share = 1.0 / (static_cast<double>(n) * n);
   forEachPlace([&](int i, int j, int k) {
-    if (i == 0) builder.hold(number(i, j, k));
+    if (i == 0) builder.restrain(number(i, j, k));
     if (i == n - 1) builder.load(number(i, j, k), totalLoad, share);
   });
   return builder.project();

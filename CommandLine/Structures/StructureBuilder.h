@@ -36,9 +36,9 @@ class StructureBuilder {
                          properties_.isNonLinear);
   }
 
-  void hold(std::int64_t node) { project_->setLoadAndRestraint(node, {}, true, true, true); }
+  void restrain(std::int64_t node) { project_->setLoadAndRestraint(node, {}, true, true, true); }
 
-  /// Holds a node sideways and vertically and leaves it free along x.
+  /// Restrains a node sideways and vertically and leaves it free along x.
   void roller(std::int64_t node) { project_->setLoadAndRestraint(node, {}, false, true, true); }
 
   /// Loads a free node with its part of the total load.

@@ -34,7 +34,7 @@ void addSection(StructureBuilder& builder, const Level& below, const Level& abov
 std::shared_ptr<Project> Tower::build() const {
   StructureBuilder builder("Lattice tower, " + std::to_string(sections) + " sections", bars);
   Level level = addLevel(builder, baseWidth, 0);
-  for (const std::int64_t foot : level) builder.hold(foot);
+  for (const std::int64_t foot : level) builder.restrain(foot);
   for (int section = 1; section <= sections; ++section) {
     const double part = static_cast<double>(section) / sections;
     const Level above = addLevel(builder, baseWidth + part * (topWidth - baseWidth), part * height);
