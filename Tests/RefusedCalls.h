@@ -39,4 +39,10 @@ inline void refuse(const RefusedCall& call) {
     ::_exit(6);
 }
 
+/// For a child process: file permissions do not bind the superuser, and no fault may let it replace a device.
+inline void becomeOrdinaryUser() {
+  constexpr uid_t nobody = 65534;
+  if (::geteuid() == 0 && ::setuid(nobody) != 0) ::_exit(4);
+}
+
 }  // namespace gavrel

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that each folder uses only what stands below it and what its targets link, and that code is in namespace gavrel.
+"""Checks that each folder uses only what stands below it and what its targets link, that code is in namespace gavrel,
+and that no two files of tests have one name.
 
 Below Managers nothing uses Qt, and nothing but Managers uses Qt Network, which Qt's own QML library links.
 The order of the folders is that in which CMakeLists.txt adds them; README.md and CONTRIBUTING.md have to tell the same.
@@ -82,7 +83,16 @@ def faults_of_documents(order):
             yield f"{document}: the folders are {', '.join(told)}; in CMakeLists.txt {', '.join(order[::-1])}"
 
 
+def faults_of_tests():
+    """Files of tests are told apart by their names alone, in lists of failures as in an editor."""
+    seen = {}
+    for file in sorted(file for file in (root / "Tests").rglob("*") if file.suffix in (".h", ".cpp", ".qml", ".py")):
+        if file.name in seen:
+            yield f"{file.relative_to(root)}: {seen[file.name]} has that name already"
+        seen[file.name] = file.relative_to(root)
+
+
 order = folders()
-faults = [*faults_of_files(order), *faults_of_documents(order)]
+faults = [*faults_of_files(order), *faults_of_documents(order), *faults_of_tests()]
 print("\n".join(faults) or f"{len(order)} folders in order")
 sys.exit(bool(faults))

@@ -187,21 +187,4 @@ TEST(Project, AnnouncesEachPropertyBeforeItChanges) {
   }
 }
 
-TEST(Project, CallsObserversInOrderUntilTheyAreForgotten) {
-  Project owner;
-  std::string calls;
-  const auto log = [&](char name) { return owner.observe([&calls, name] { calls += name; }); };
-  const auto a = log('a');
-  const auto b = log('b');
-  log('c');
-  owner.announce();
-  owner.forget(b);
-  owner.announce();
-  log('d');  // must not take the place of b
-  owner.forget(b);
-  owner.forget(a);
-  owner.announce();
-  EXPECT_EQ(calls, "abcaccd");
-}
-
 }  // namespace

@@ -9,8 +9,8 @@
 #include <numbers>
 
 #include "PreviewContent/Coordinator.h"
-#include "PreviewContent/Drawable.h"
 #include "Scene/Transform.h"
+#include "Tests/Near.h"
 #include "Tests/Structures.h"
 
 using namespace gavrel;
@@ -54,12 +54,6 @@ struct View {
     return all;
   }
 };
-
-void expectNear(const Vector3& actual, const Vector3& expected, double tolerance = 1e-6) {
-  EXPECT_NEAR(actual.x, expected.x, tolerance);
-  EXPECT_NEAR(actual.y, expected.y, tolerance);
-  EXPECT_NEAR(actual.z, expected.z, tolerance);
-}
 
 TEST(SceneKitView, DrawsInAFixedOrderUnderFixedNames) {
   View v;
@@ -260,34 +254,6 @@ TEST(SceneKitView, StrainColoursScaleEachSideByItsOwnExtreme) {
   EXPECT_EQ(v.named("element_0").color, compression);
   EXPECT_EQ(v.named("element_1").color, tension);
   EXPECT_GT(SceneKitView::strainExtremes(Project()).min, SceneKitView::strainExtremes(Project()).max);
-}
-
-TEST(SceneKitViewDeathTest, WhatEndsTheProcessWhenDrawnIsKnownBefore) {
-  constexpr std::int64_t largest = (std::numeric_limits<std::int64_t>::max() - 2) / 3;
-  for (const std::int64_t node : {std::int64_t{0}, std::int64_t{2}, largest, largest + 1, std::int64_t{1} << 62,
-                                  std::numeric_limits<std::int64_t>::max(), std::int64_t{-1}, -largest,
-                                  std::numeric_limits<std::int64_t>::min()}) {
-    for (const bool isBeam : {false, true}) {
-      for (const bool atStart : {false, true}) {
-        SCOPED_TRACE(std::to_string(node) + (isBeam ? " of a beam" : " of a bar"));
-        View drawn;
-        drawn.project->addNode({0, 0, 0});
-        drawn.project->addNode({1, 0, 0});
-        const std::int64_t start = atStart ? node : 0, end = atStart ? 0 : node;
-        const Vector3 from, to{1, 0, 0};
-        auto& beams = drawn.project->beamElements.edit();
-        auto& bars = drawn.project->trussElements.edit();
-        if (isBeam)
-          beams.emplace_back(0, start, end, from, to, 1, 1, 1, 1, 1, false);
-        else
-          bars.emplace_back(0, start, end, from, to, 1, 1, false, false);
-        if (whyNotDrawable(*drawn.project))
-          EXPECT_DEATH(drawn.update(), "Fatal error: ");
-        else
-          drawn.update();
-      }
-    }
-  }
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QGuiApplication>
 
 #include "Tests/Workbench/FakePortal.h"
 
@@ -36,10 +36,3 @@ TEST(DesktopAppearance, FollowsThePortal) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication application(argc, argv);
-  testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
-}

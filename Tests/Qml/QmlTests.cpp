@@ -39,4 +39,4 @@ class Setup : public QObject {
 
 QUICK_TEST_MAIN_WITH_SETUP(qml_tests, Setup)
 
-#include "main.moc"
+#include "QmlTests.moc"

@@ -1,3 +1,5 @@
+#include "Managers/ManifestTransfer.h"
+
 #include <gmock/gmock.h>
 
 #include <QFile>
