@@ -70,6 +70,8 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   };
   EXPECT_EQ(reasonFor("a.csv", "x,y\n1,\n"), "a.csv, line 2, column y: expected a number, found \"\"");
   EXPECT_EQ(reasonFor("a.csv", "x,y\n\n1,nan\n"), "a.csv, line 3, column y: expected a number, found \"nan\"");
+  EXPECT_THAT(reasonFor("a.csv", "x,y\n1,1e999\n"), HasSubstr("line 2, column y: expected a number"));
+  EXPECT_THAT(reasonFor("a.dxf", dxf("0 LINE 10 1e999 20 0")), HasSubstr("expected a number, found \"1e999\""));
   EXPECT_EQ(reasonFor("a.csv", "x,y\n1\n"), "a.csv, line 2: 1 values for 2 columns");
   EXPECT_EQ(reasonFor("a.csv", "x,y,held\n1,2,w\n"),
             "a.csv, line 2, column held: \"w\" is none of x, y, z, rx, ry, rz");

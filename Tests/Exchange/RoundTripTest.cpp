@@ -2,10 +2,8 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <random>
 
-#include "DataModel/ProjectFile.h"
 #include "Exchange/Export.h"
 #include "Exchange/Import.h"
 #include "Tests/Structures.h"
@@ -65,15 +63,5 @@ TEST(RoundTrip, TablesKeepRandomStructures) {
   for (unsigned seed = 1; seed <= count && !testing::Test::HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     expectToComeBack(*drawn(seed));
-  }
-}
-
-TEST(RoundTrip, TablesKeepTheExamples) {
-  for (const auto& entry : std::filesystem::directory_iterator(GAVREL_EXAMPLES)) {
-    if (entry.path().extension() != ".json") continue;
-    SCOPED_TRACE(entry.path());
-    const auto project = readProject(entry.path());
-    ASSERT_TRUE(project);
-    expectToComeBack(**project);
   }
 }

@@ -9,6 +9,7 @@
 #include <limits>
 #include <random>
 
+#include "Tests/Platform/Spellings.h"
 #include "Tests/Text.h"
 
 using namespace gavrel;
@@ -60,6 +61,16 @@ TEST(ParseNumber, TakesNothingButANumber) {
   for (const auto* text : {"", " 1", "1 ", "\t1", "1,000", "1,5", "abc", "1e", "0x", "--1", "1.0.0", "1_000", "in"})
     EXPECT_EQ(parseNumber(text), std::nullopt) << '"' << text << '"';
   EXPECT_EQ(parseNumber(std::string("1\0", 2)), std::nullopt);
+}
+
+TEST(ParseNumber, RoundsToTheNearestDouble) {
+  Spellings spellings;
+  for (int i = 0; i < 20000; ++i) {
+    const std::string text = spellings.next();
+    const double nearest = std::strtod(text.c_str(), nullptr);  // which rounds correctly
+    ASSERT_EQ(std::bit_cast<std::uint64_t>(parseNumber(text).value()), std::bit_cast<std::uint64_t>(nearest)) << text;
+    ASSERT_EQ(parseJsonNumber(text), std::isinf(nearest) ? std::nullopt : std::optional(nearest)) << text;
+  }
 }
 
 TEST(ParseJsonNumber, TakesTheNotationOfJsonOnly) {
