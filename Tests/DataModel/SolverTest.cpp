@@ -111,22 +111,6 @@ TEST(Solver, CompressionOnlyBarLeavesARepairedUnknown) {
   EXPECT_NEAR(row.moved(2), 51 / stiffness, 1e-12);  // two bars' give in the first step, then one more each step
 }
 
-TEST(Solver, BeamsTakeTheLoadAnewInEachStep) {
-  for (const bool isNonLinear : {false, true}) {
-    Row cantilever(2);
-    clamp(cantilever, 0);
-    addBeam(cantilever, 1, 0, stiffness, isNonLinear);
-    cantilever.setLoadAndRestraint(1, {2, 3, 0}, false, false, false);
-    EXPECT_EQ(solveForLines(cantilever), "\n" + times(50, "1.0\n"));
-    const double once[] = {2 / stiffness, 1 / stiffness, 0, 0, 0, -1.5 / stiffness};  // FL/EA, FL^3/3EI, FL^2/2EI
-    for (std::size_t k = 0; k < 6; ++k) {
-      EXPECT_NEAR(cantilever.dU_I[6 + k], once[k], 1e-15);
-      EXPECT_NEAR((*cantilever.U_I)[6 + k], 50 * once[k], 1e-13);
-    }
-    EXPECT_NEAR(cantilever.beamElements->front().dθz, 49 * once[5], 1e-13);
-  }
-}
-
 TEST(Solver, RepairsSmallDiagonalsWithTheFirstValue) {
   Project project;
   project.nI = 5;

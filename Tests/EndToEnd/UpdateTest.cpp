@@ -120,7 +120,6 @@ class Update : public testing::Test {
     Desktop::settle();
     Desktop::run("key --delay 40 Tab Tab space");  // past "Cancel" to "Install & Restart"
     if (changes == Changes::notKept) return;
-    if (whileItEnds) whileItEnds();
     EXPECT_EQ(desktop->exitStatus(), 0);
   }
 
@@ -143,7 +142,6 @@ class Update : public testing::Test {
   TemporaryFolder files;
   std::optional<Desktop> desktop;
   const fs::path work = files / ("gavrel-" + std::to_string(::geteuid())) / "brantelUpdate";
-  std::function<void()> whileItEnds;
   const fs::path bundle = files / "it's \"home\"/Gavrel.app";
   const fs::path program = bundle / "bin/gavrel";
   ServerThread thread;
@@ -191,23 +189,6 @@ TEST_F(Update, IsRefusedWhileChangesCannotBeKept) {
   Desktop::keys("Escape");  // puts the reason away
   Desktop::expectWindow();
   desktop->expectTitle("^\\*New Project");
-}
-
-TEST_F(Update, AFailedCopyIsToldOfByTheFormerVersion) {
-  // What was checked is gone when it is to be copied.
-  whileItEnds = [this] {
-    Desktop::expect("the script", [this] { return fs::exists(work / "install.sh"); });
-    fs::remove_all(work / "extracted");
-  };
-  installTheUpdate();
-  EXPECT_THAT(follower(), testing::StartsWith("--update-failed=cp: cannot stat"));
-  EXPECT_EQ(version(), "gavrel 1.0.0\n");
-  for (const char* ending : {".old", ".new", ".update"}) EXPECT_FALSE(fs::exists(bundle.string() + ending));
-  // The sheet tells of it; "OK" ends that.
-  Desktop::focusWindow();
-  Desktop::keys("Tab space");
-  Desktop::expectWindow();
-  EXPECT_EQ(thread.requests("/versions.json"), 3);
 }
 
 }  // namespace

@@ -172,87 +172,13 @@ TEST(Window, OffersWhatAKilledProcessHasLeftAndAsksBeforeItGoes) {
   EXPECT_EQ(std::ssize(*(*kept)->trussElements), 1);
 }
 
-TEST(Window, ASaveUnderATakenNameAsksAndTheKeyboardReachesNothingBehindASheet) {
-  Desktop desktop;
-  desktop.home.put("taken.json", "somebody's");
-  desktop.keys("ctrl+shift+n ctrl+n ctrl+o ctrl+shift+s Return");
-  desktop.expectLine("Added Node: id 0");
-  desktop.keys("ctrl+s");
-  desktop.expectLine("No save location specified. Use 'Save As...'");
-  saveAs(desktop, "taken");
-  EXPECT_EQ(desktop.home.get("taken.json"), "somebody's");
-  desktop.keys("Return");  // Choose Another Name
-  saveAs(desktop, "taken.json");
-  desktop.keys("Escape");
-  EXPECT_EQ(desktop.home.get("taken.json"), "somebody's");
-  desktop.keys("ctrl+s");
-  saveAs(desktop, "free");
-  desktop.expectLine("Project saved successfully to free.json");
-  desktop.keys("ctrl+shift+s");
-  saveAs(desktop, "taken");
-  desktop.keys("Tab space");  // Replace
-  desktop.expectLine("Project saved successfully to taken.json");
-  desktop.keys("ctrl+q");
-  EXPECT_EQ(desktop.exitStatus(), 0);
-  EXPECT_EQ(desktop.home.get("taken.json"), desktop.home.get("free.json"));
-}
-
-/// A file with one node, whose bar, if there is one, leads to that node from another.
-std::filesystem::path projectFile(const std::filesystem::path& file, std::optional<std::int64_t> barFrom = {}) {
-  Project project;
-  project.addNode({1, 2, 3});
-  if (barFrom)
-    project.trussElements.edit().emplace_back(0, *barFrom, 0, Vector3{}, Vector3{1, 2, 3}, 1, 1, false, false);
-  EXPECT_EQ(writeProject(project, file), std::nullopt);
-  return file;
-}
-
-TEST(Window, ASaveThatFailsIsToldAndAnotherPlaceGoesOnWithQuitting) {
-  TemporaryFolder files;
-  std::filesystem::create_directory(files / "gone");
-  Desktop desktop({projectFile(files / "gone/model.json").string()});
-  desktop.keys("ctrl+shift+n Return");
-  desktop.expectLine("Added Node: id 1");
-  std::filesystem::remove_all(files / "gone");
-  desktop.keys("ctrl+shift+n ctrl+q");  // below a form, too
-  desktop.keys("Return");               // Save
-  desktop.keys("Tab space");            // Write Anew
-  desktop.expectLine("Failed to save project: ");
-  desktop.expectTitle("^\\*model.json");
-  desktop.keys("Return");  // the notice leads to the panel
-  saveAs(desktop, (files / "rescued.json").string());
-  desktop.expectLine("Project saved successfully to rescued.json");
-  EXPECT_EQ(desktop.exitStatus(), 0);
-  EXPECT_EQ((*readProject(files / "rescued.json"))->nodeCount(), 2);
-}
-
-TEST(Window, WhatAnotherProgramHasWrittenIsNotOverwrittenUnasked) {
-  TemporaryFolder files;
-  const auto file = projectFile(files / "model.json");
-  Desktop desktop({file.string()});
-  desktop.keys("ctrl+shift+n Return");
-  desktop.expectLine("Added Node: id 1");
-  files.put("model.json", "theirs");
-  desktop.keys("ctrl+s");
-  desktop.keys("Escape");
-  EXPECT_EQ(files.get("model.json"), "theirs");
-  desktop.expectTitle("^\\*model.json");
-  desktop.keys("ctrl+s");
-  desktop.keys("Tab space");  // Overwrite
-  desktop.expectLine("Project saved successfully to model.json");
-  EXPECT_EQ((*readProject(file))->nodeCount(), 2);
-  std::filesystem::remove(file);
-  desktop.keys("ctrl+q");
-  desktop.keys("Escape");
-  desktop.expectTitle("^model.json");
-  desktop.keys("ctrl+q");
-  desktop.keys("Tab space");  // Discard
-  EXPECT_EQ(desktop.exitStatus(), 0);
-}
-
 TEST(Window, AFileThatEndsTheProgramWhenShownIsAskedForFirst) {
   TemporaryFolder files;
-  const auto file = projectFile(files / "odd.json", -1);
+  Project project;
+  project.addNode({1, 2, 3});
+  project.trussElements.edit().emplace_back(0, -1, 0, Vector3{}, Vector3{1, 2, 3}, 1, 1, false, false);
+  const auto file = files / "odd.json";
+  ASSERT_EQ(writeProject(project, file), std::nullopt);
   for (const bool anyway : {false, true}) {
     Desktop desktop = Desktop::underSheet({file.string()});
     EXPECT_EQ(desktop.output(), "");
@@ -267,6 +193,13 @@ TEST(Window, AFileThatEndsTheProgramWhenShownIsAskedForFirst) {
       desktop.expectLine("Added Node: id 0");
     }
   }
+}
+
+TEST(Window, TellsOfAnUpdateThatFailedAfterItsEnd) {
+  Desktop desktop = Desktop::underSheet({"--update-failed=cp: no room"});
+  desktop.keys("ctrl+shift+n");  // reaches nothing behind the sheet
+  desktop.keys("Tab space");     // OK
+  Desktop::expectWindow();
 }
 
 TEST(Window, LivesOnWhenNobodyReadsItsOutput) {

@@ -360,31 +360,6 @@ TEST(ProjectViewModel, SeesWhatOthersHaveDoneToItsFile) {
   EXPECT_EQ(model.changeOnDisk(), "");
 }
 
-TEST(ProjectViewModel, HoldsBackWhatWouldEndTheProcessWhenDrawn) {
-  TemporaryFolder folder;
-  Project dangerous;
-  dangerous.addNode({0, 0, 0});
-  dangerous.trussElements.edit().emplace_back(0, 0, -1, Vector3{}, Vector3{1, 0, 0}, 1, 1, false, false);
-  const auto file = folder / "dangerous.json";
-  ASSERT_EQ(writeProject(dangerous, file), std::nullopt);
-  ProjectViewModel model;
-  QStringList asked;
-  QObject::connect(&model, &ProjectViewModel::openHeldBack, [&](const QString& name, const QString& reason) {
-    asked = {name, reason};
-  });
-  model.addNode({1, 1, 1}, false);
-  model.addNode({1, 1, 2}, false);
-  const auto former = *model.project;
-  EXPECT_EQ(printed([&] { EXPECT_FALSE(model.openProject(file)); }), "");
-  EXPECT_EQ(asked, QStringList({"dangerous.json", "trussElements[0] names node -1"}));
-  EXPECT_EQ(*model.project, former);
-  EXPECT_EQ(*model.numberOfNodes, 2);
-  EXPECT_EQ(model.currentFileUrl, std::nullopt);
-  EXPECT_TRUE(model.hasUnsavedChanges());
-  EXPECT_EQ(printed([&] { model.openAnyway(); }), "Project loaded successfully from dangerous.json\n");
-  EXPECT_EQ(*model.numberOfNodes, 1);
-}
-
 TEST(ProjectViewModel, AFailedLoadLeavesAnEmptyProject) {
   TemporaryFolder folder;
   for (const auto& file : {folder.put("half.json", "{\"name\": \"x\", "), folder / "missing.json", folder.path()}) {

@@ -111,6 +111,12 @@ TEST_F(FileFlowTest, AFailedSaveIsToldWithItsReasonAndOffersAnotherPlace) {
   flow.answer(FileFlow::Reject);
   EXPECT_FALSE(flow.busy()) << "another failure ends it";
   EXPECT_TRUE(quits.empty());
+  EXPECT_FALSE(flow.mayQuit());
+  flow.answer(FileFlow::Default);
+  flow.answer(FileFlow::Reject);
+  flow.takeFiles({url("rescued.json")});
+  EXPECT_EQ(nodesIn("rescued.json"), 3);
+  EXPECT_EQ(quits.size(), 1) << "what was asked for goes on";
 }
 
 TEST_F(FileFlowTest, AFailedOpenIsToldAndCanBeTakenBack) {

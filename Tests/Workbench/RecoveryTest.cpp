@@ -13,7 +13,6 @@
 #include <thread>
 
 #include "Tests/TemporaryFolder.h"
-#include "Tests/Workbench/SmallDisk.h"
 
 using namespace gavrel;
 
@@ -185,41 +184,6 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   copy.recovery.flush();
   EXPECT_EQ(copy.recovery.failure(), "");
   EXPECT_TRUE(std::isnan(readRecovery(left.front())->project->getNodeCoordinates(2)->x));
-}
-
-TEST_F(RecoveryTest, OnAReadOnlyOrFullDiskTheLastFileStaysUntilThereIsRoom) {
-  fs::create_directory(folder);
-  const SmallDisk disk(folder, 64);
-  if (!disk.mounted()) GTEST_SKIP() << "Only the superuser can mount a disk.";
-  RunningCopy copy(folder);
-  const auto expectKept = [&](std::int64_t nodes) {
-    const auto kept = recoveryFiles(folder);
-    ASSERT_EQ(kept.size(), 1);
-    const auto content = readRecovery(kept.front());
-    ASSERT_TRUE(content) << content.failure().reason;
-    EXPECT_EQ(content->project->nodeCount(), nodes);
-  };
-
-  ASSERT_TRUE(disk.setReadOnly(true));
-  copy.addNodes(1);
-  copy.recovery.flush();
-  EXPECT_THAT(copy.recovery.failure().toStdString(), testing::HasSubstr("Read-only file system"));
-  ASSERT_TRUE(disk.setReadOnly(false));
-  copy.recovery.flush();
-  EXPECT_EQ(copy.recovery.failure(), "");
-  expectKept(1);
-
-  std::int64_t kept = 1;
-  for (; copy.recovery.failure() == "" && kept < 1000; kept = *copy.viewModel.numberOfNodes - 1) {
-    copy.addNodes(1);
-    copy.recovery.flush();
-  }
-  EXPECT_THAT(copy.recovery.failure().toStdString(), testing::HasSubstr("No space left on device"));
-  expectKept(kept);
-  ASSERT_TRUE(disk.setSize(1024));
-  copy.recovery.flush();
-  EXPECT_EQ(copy.recovery.failure(), "");
-  expectKept(kept + 1);
 }
 
 TEST_F(RecoveryTest, KilledAtAnyMomentAProcessLosesASecondAtMost) {

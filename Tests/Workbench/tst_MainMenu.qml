@@ -97,31 +97,6 @@ ProjectCase {
         }
     }
 
-    function test_elementCommandsFollowTheMode() {
-        const enabled = () => ["Add Truss…", "Add Beam…"].map(text => action(3, text).enabled);
-        model.newProject();
-        addNodes(2, false);
-        compare(enabled(), [false, false]);
-        action(3, "Select for Truss").trigger();
-        verify(!action(3, "Select for Beam").enabled);
-        model.selectedNodesForTruss = [0];
-        compare(enabled(), [false, false]);
-        model.selectedNodesForTruss = [0, 1];
-        compare(enabled(), [true, false]);
-        action(3, "Done Selecting").trigger();
-        action(3, "Select for Beam").trigger();
-        model.selectedNodesForTruss = [0, 1];
-        compare(enabled(), [false, true]);
-        action(3, "Add Beam…").trigger();
-        verify(content.showingBeamConfigSheet);
-        keyClick(Qt.Key_Escape);
-        verify(!content.showingBeamConfigSheet);
-        action(3, "Add Node…").trigger();
-        verify(content.showingAddNodeSheet);
-        keyClick(Qt.Key_Escape);
-        model.discardChanges();
-    }
-
     function test_whatLiesBehindASheetRests_data() {
         return [
             { tag: "node form", open: () => content.actions.addNode.trigger() },
@@ -158,22 +133,6 @@ ProjectCase {
         model.appMode = data.tag === "node" ? AppMode.normal : AppMode.addingTruss;
         model.selectedNodesForTruss = [0, 1];
         compare(enabled(), before);
-        model.discardChanges();
-    }
-
-    function test_aFormKeepsTheNodesItWasOpenedWith() {
-        model.newProject();
-        addNodes(3, false);
-        for (const [mode, sheet] of [[AppMode.addingTruss, "showingTrussConfigSheet"], [AppMode.addingBeam, "showingBeamConfigSheet"]]) {
-            const elements = model.numberOfElements;
-            model.appMode = mode;
-            model.selectedNodesForTruss = [2, 0];
-            content[sheet] = true;
-            model.selectedNodesForTruss = [];
-            keyClick(Qt.Key_Return);
-            compare(model.numberOfElements, elements + 1);
-            verify(!content[sheet]);
-        }
         model.discardChanges();
     }
 
