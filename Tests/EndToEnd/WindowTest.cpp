@@ -124,27 +124,6 @@ TEST(Window, BuildsSolvesAndSavesATriangle) {
   EXPECT_NE(desktop.output().find(desktop.home.get("norms.txt")), std::string::npos) << desktop.output();
 }
 
-TEST(Window, ABrokenFileLeavesAnEmptyStructureToWorkOn) {
-  TemporaryFolder files;
-  const auto broken = files.put("broken.json", R"({"name": "Half", "X_I": [0, 0,)");
-  Desktop desktop = Desktop::underSheet({broken.string()});
-  desktop.expectLine("Failed to load project: ");
-  desktop.keys("Return");  // the notice
-  desktop.expectTitle("New Project");
-  desktop.keys("Escape");  // the notice that tells why
-  desktop.press(Desktop::addNode);
-  desktop.keys("Return");
-  desktop.expectLine("Added Node: id 0 at (0.0, 0.0, 0.0)");
-  desktop.press(Desktop::save);  // no file to save to: asks for one
-  desktop.expectLine("No save location specified. Use 'Save As...'");
-  saveAs(desktop, "mended.json");
-  desktop.expectLine("Project saved successfully to mended.json");
-  desktop.keys("ctrl+q");
-  EXPECT_EQ(desktop.exitStatus(), 0);
-  EXPECT_EQ(readProject(desktop.home / "mended.json").operator bool(), true);
-  EXPECT_EQ(files.get("broken.json"), R"({"name": "Half", "X_I": [0, 0,)");
-}
-
 TEST(Window, OffersWhatAKilledProcessHasLeftAndAsksBeforeItGoes) {
   Desktop desktop;
   for (int node = 0; node < 2; ++node) {
