@@ -10,7 +10,7 @@
 #include <random>
 
 #include "Diagnosis/StructureCheck.h"
-#include "Tests/Diagnosis/Triangle.h"
+#include "Tests/Structures.h"
 
 using namespace gavrel;
 
@@ -228,28 +228,6 @@ TEST(RandomStructures, BehaveAsForetold) {
   }
   if (asked != nullptr)
     for (const auto& [title, times] : seen) std::printf("%6d  %s\n", times, title.c_str());
-}
-
-/// Each of the three arrays with too few, enough and too many entries, all combinations: what is foretold is what a
-/// solve does, and nothing is called sound that does not fit.
-TEST(ArraysOfAnyLength, BehaveAsForetold) {
-  for (const std::size_t coordinates : {9, 10, 11})
-    for (const int loads : {0, 17, 18, 19, 24})
-      for (const std::size_t restraints : {0, 14, 15, 17, 18, 25})
-        for (const double surplus : {0.0, 1e-9, 4.0}) {
-          if (loads <= 18 && surplus != 0) continue;
-          SCOPED_TRACE(testing::Message() << coordinates << " " << loads << " " << restraints << " " << surplus);
-          Triangle project;
-          project.X_I.edit().resize(coordinates);
-          project.F_I.edit().resize(static_cast<std::size_t>(loads), surplus);
-          project.D_I.edit().resize(restraints, true);
-          const auto findings = StructureCheck::inspectAndSolve(project).findings;
-          const bool fits = coordinates == 9 && loads == 18 && restraints == 18;
-          EXPECT_EQ(findings.empty(), fits);
-          if (fits) continue;
-          const auto foretold = findings.front().consequence;
-          EXPECT_EQ(foretold, consequenceOfSolving(project)) << findings.front().text;
-        }
 }
 
 }  // namespace

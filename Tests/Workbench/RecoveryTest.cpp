@@ -8,6 +8,7 @@
 #include <QDeadlineTimer>
 #include <QProcess>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <random>
 #include <thread>
@@ -150,6 +151,17 @@ TEST_F(RecoveryTest, DamagedFilesAreLeftAlone) {
   EXPECT_FALSE(fs::exists(killed)) << "what a killed process has left of its writing";
 }
 
+/// Does it while no file can get more than 100 bytes.
+void onFullDisk(const std::function<void()>& action) {
+  ::signal(SIGXFSZ, SIG_IGN);
+  rlimit former{};
+  ::getrlimit(RLIMIT_FSIZE, &former);
+  const rlimit full{100, former.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &full);
+  action();
+  ::setrlimit(RLIMIT_FSIZE, &former);
+}
+
 TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   // A file where the folder should be.
   files.put("recovery", "");
@@ -161,15 +173,8 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   copy.recovery.flush();  // tries again, though nothing has changed
   EXPECT_EQ(copy.recovery.failure(), "");
 
-  // A disk that is full: nothing more than 100 bytes can be written.
-  ::signal(SIGXFSZ, SIG_IGN);
-  rlimit former{};
-  ::getrlimit(RLIMIT_FSIZE, &former);
-  const rlimit full{100, former.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &full);
   copy.addNodes(1);
-  copy.recovery.flush();
-  ::setrlimit(RLIMIT_FSIZE, &former);
+  onFullDisk([&] { copy.recovery.flush(); });
   EXPECT_NE(copy.recovery.failure(), "");
 
   const auto left = recoveryFiles(folder);
@@ -184,6 +189,18 @@ TEST_F(RecoveryTest, WhatCannotBeKeptIsToldAndTheLastFileStays) {
   copy.recovery.flush();
   EXPECT_EQ(copy.recovery.failure(), "");
   EXPECT_TRUE(std::isnan(readRecovery(left.front())->project->getNodeCoordinates(2)->x));
+
+  // What is offered goes only once it is kept anew.
+  const fs::path other = files / "other";
+  std::optional<RunningCopy> gone(std::in_place, other);
+  gone->addNodes(2);
+  gone->recovery.flush();
+  gone.reset();
+  RunningCopy next(other);
+  next.recovery.lookForOffer();
+  onFullDisk([&] { next.recovery.restoreOffer(); });
+  EXPECT_EQ(*next.viewModel.numberOfNodes, 2);
+  EXPECT_EQ(recoveryFiles(other).size(), 1);
 }
 
 TEST_F(RecoveryTest, KilledAtAnyMomentAProcessLosesASecondAtMost) {

@@ -108,22 +108,6 @@ ProjectCase {
         }
     }
 
-    function test_calculateTellsHowItWent() {
-        compare(content.calculation.outcome, "");
-        addNodes(2, false, 5);
-        model.addTruss(0, 1, 25, 1e5);
-        model.setLoadAndRestraint(0, 0, 0, 0, true, true, true);
-        model.setLoadAndRestraint(1, 100, 0, 0, false, true, true);
-        const lines = printed(() => mouseClick(button("calculate")));
-        compare(lines[0], "");
-        compare(lines[1], "1.0");
-        const steps = lines.length - 1;
-        verify(content.calculation.converged);
-        verify(content.calculation.outcome.startsWith("Converged in " + steps + " steps, residual "));
-        model.addNode(9, 9, 9, false);
-        compare(content.calculation.outcome, "", "the structure is another one now");
-    }
-
     function test_clicksOpenSheetsOneAfterTheOther() {
         model.addNode(0, 5, 0, false);
         waitForRendering(view);
