@@ -62,3 +62,26 @@ TEST(OutputFiles, AnOutputThatIsAnOpenDescriptorIsWrittenBehindWhatStandsThere) 
     EXPECT_NE(std::system((shell + solve + unwritable + " 2>errors'").c_str()), 0) << unwritable;
   EXPECT_THAT(folder.get("errors"), HasSubstr("cannot write \"/dev/stdin\": Bad file descriptor"));
 }
+
+/// Each command that writes, on a disk with room for 4096 bytes more; it must have taken up with the signals, too, of
+/// which the first to come here would end it. What they may interrupt is tested with AtomicFile.
+class FullDisk : public testing::TestWithParam<const char*> {};
+
+TEST_P(FullDisk, LeavesTheOldFileAndNothingElse) {
+  const TemporaryFolder folder;
+  const std::string shell = "cd " + folder.path().string() + " && ", cli = GAVREL_CLI " ";
+  ASSERT_EQ(std::system((shell + cli + "generate tower --sections 200 -o model").c_str()), 0);
+  ASSERT_EQ(std::system((shell + cli + "export model --unsolved --nodes nodes.csv").c_str()), 0);
+  folder.put("target", "former");
+  const std::string limited = shell + "ulimit -f 8; " + cli + GetParam() + " target >/dev/null 2>errors";
+  EXPECT_EQ(std::system(limited.c_str()), 1 << 8) << folder.get("errors");
+  EXPECT_THAT(folder.get("errors"), HasSubstr("File too large"));
+  EXPECT_EQ(folder.get("target"), "former");
+  EXPECT_EQ(folder.entries(), 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, FullDisk,
+                         testing::Values("solve model -o", "generate tower --sections 200 -o", "import nodes.csv -o",
+                                         "export model --unsolved --nodes", "export model --unsolved --elements",
+                                         "export model --vtu"));
+INSTANTIATE_TEST_SUITE_P(Pictures, FullDisk, testing::Values("export model --unsolved --png"));

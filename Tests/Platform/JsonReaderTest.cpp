@@ -104,7 +104,9 @@ TEST(JsonReader, TellsWhatStandsWhereInsteadOfWhat) {
   EXPECT_EQ(fault<std::int64_t>("[" + std::string(41, '9') + "]"), "[0]: expected a whole number, found a number");
   EXPECT_EQ(fault<bool>("[true, 0]"), "[1]: expected true or false, found the number 0");
 
-  EXPECT_EQ(faultOfRecord(R"({"other": [{"number": [null, true, "\n"]}], "n\u0075mber": 3, "truths": [true]})"), "");
+  EXPECT_EQ(faultOfRecord("\xEF\xBB\xBF"
+                          R"({"other": [{"number": [null, true, "\n"]}], "n\u0075mber": 3, "truths": [true]})"),
+            "");
   const char* const records[][2] = {
       {"[]", "expected an object, found an array"},
       {R"({"truths": []})", "\"number\" is missing"},
