@@ -52,6 +52,9 @@ TEST(Screenshot, SaysWhyThereIsNone) {
     EXPECT_EQ(gavrel("--screenshot " + picture + " " + arguments + (*arguments == 0 ? "" : example)), 64) << arguments;
   EXPECT_EQ(gavrel("--solve " + example), 64);
   EXPECT_EQ(folder.entries(), 1) << "the broken file only";
+  const std::string onFullDisk = "ulimit -f 8; " GAVREL " --screenshot " + picture + " " + example + " 2>/dev/null";
+  EXPECT_EQ(std::system(onFullDisk.c_str()), 1 << 8) << "no signal ends it";
+  EXPECT_EQ(folder.entries(), 1);
   EXPECT_EQ(std::system(("env -u DISPLAY " GAVREL " " + example + " 2>&1 | grep -q 'needs a display'").c_str()), 0);
 }
 

@@ -21,64 +21,51 @@ VersionInfo version(const QString& number, qint64 build) {
   return info;
 }
 
-struct CheckFact {
-  const char* name;
-  Answer answer;
-  const char* outcome;  // of an explicit check: a state, or the start of an error's description
-  friend void PrintTo(const CheckFact& fact, std::ostream* out) { *out << fact.name; }
-};
-
-class Check : public ManagerCase, public testing::WithParamInterface<CheckFact> {};
-
-TEST_P(Check, EndsInItsState) {
-  const auto& [name, answer, outcome] = GetParam();
-  server.answers["/versions.json"] = answer;
-  setup.silence = std::chrono::seconds(answer.silent ? 1 : 10);
-  setup.deadline = std::chrono::seconds(answer.drip > 0 ? 1 : 20);
-  start();
-  EXPECT_EQ(*manager->currentVersion, "1.2");
-  EXPECT_EQ(*manager->currentBuild, 7);
-
-  manager->checkForUpdates(true);
-  EXPECT_EQ(history, QStringList());  // what changes is posted
-  ASSERT_TRUE(happens([&] { return history.size() == 2; }));
-  EXPECT_EQ(history[0], "checking");
-  if (history[1] == "error")
-    EXPECT_THAT(description(), testing::StartsWith(outcome));
-  else
-    EXPECT_EQ(history[1], outcome);
-
-  const bool found = history[1] == "updateAvailable";
-  EXPECT_EQ(manager->state->info.changelog, found ? newer.changelog : "");
-  manager->skipUpdate();
-  manager->checkForUpdates(false);
-  ASSERT_TRUE(happens([&] { return history.size() == 4; }));
-  EXPECT_EQ(history[2], "idle");
-  EXPECT_EQ(history[3], found ? "updateAvailable" : "idle");
-  EXPECT_EQ(server.requests, (QList<QByteArray>(2, "/versions.json")));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Answers, Check,
-    testing::Values(
-        CheckFact{"newer", {manifest(newer)}, "updateAvailable"},
-        CheckFact{"older", {manifest(version("1.1.9", 99))}, "idle"},
-        CheckFact{"sameVersionNewerBuild", {manifest(version("1.2", 8))}, "updateAvailable"},
-        CheckFact{"sameVersionSameBuild", {manifest(version("1.2", 7))}, "idle"},
-        CheckFact{"equalVersionWrittenOtherwise", {manifest(version("1.2.0", 8))}, "idle"},
-        CheckFact{"otherProgramsOnly", {manifest(newer, "other")}, "Invalid server response"},
-        CheckFact{"nothing", {"{}"}, "Invalid server response"},
-        CheckFact{"brokenJson", {manifest(newer).chopped(1)}, "Invalid server response"},
-        CheckFact{"statusIsNotExamined", {.body = manifest(newer), .status = 404}, "updateAvailable"},
-        CheckFact{"noContentLength", {.body = manifest(newer), .tellsLength = false}, "updateAvailable"},
-        CheckFact{"silent", {.silent = true}, "Network error: The server sent nothing for 1 seconds."},
-        CheckFact{"dripping", {.drip = 1}, "Network error: The server did not send everything within 1 seconds."},
-        CheckFact{"cutOff", {.body = manifest(newer), .cutOffAfter = 20}, "Network error: "},
-        CheckFact{"withoutTls", {.status = 302, .headers = "Location: http://localhost/\r\n"}, "Network error: "},
-        CheckFact{"oversized", {QByteArray(2 << 20, ' ')}, "Network error: The server sent more than"}),
-    [](const auto& fact) { return std::string(fact.param.name); });
-
 using UpdateCheck = ManagerCase;
+
+TEST_F(UpdateCheck, EndsInItsState) {
+  // Of an explicit check: a state, or the start of an error's description.
+  const std::tuple<const char*, Answer, const char*> cases[] = {
+      {"newer", {manifest(newer)}, "updateAvailable"},
+      {"older", {manifest(version("1.1.9", 99))}, "idle"},
+      {"same version, newer build", {manifest(version("1.2", 8))}, "updateAvailable"},
+      {"same version and build", {manifest(version("1.2", 7))}, "idle"},
+      {"equal version, written otherwise", {manifest(version("1.2.0", 8))}, "idle"},
+      {"other programs only", {manifest(newer, "other")}, "Invalid server response"},
+      {"nothing", {"{}"}, "Invalid server response"},
+      {"broken JSON", {manifest(newer).chopped(1)}, "Invalid server response"},
+      {"the status is not examined", {.body = manifest(newer), .status = 404}, "updateAvailable"},
+      {"no Content-Length", {.body = manifest(newer), .tellsLength = false}, "updateAvailable"},
+      {"silent", {.silent = true}, "Network error: The server sent nothing for 1 seconds."},
+      {"dripping", {.drip = 1}, "Network error: The server did not send everything within 1 seconds."},
+      {"oversized", {QByteArray(2 << 20, ' ')}, "Network error: The server sent more than"}};
+  for (const auto& [name, answer, outcome] : cases) {
+    SCOPED_TRACE(name);
+    server.answers["/versions.json"] = answer;
+    server.requests.clear();
+    setup.silence = std::chrono::seconds(answer.silent ? 1 : 10);
+    setup.deadline = std::chrono::seconds(answer.drip > 0 ? 1 : 20);
+    start();
+    EXPECT_EQ(*manager->currentVersion, "1.2");
+    EXPECT_EQ(*manager->currentBuild, 7);
+
+    history.clear();
+    manager->checkForUpdates(true);
+    EXPECT_EQ(history, QStringList());  // what changes is posted
+    ASSERT_TRUE(happens([&] { return history.size() == 2; }));
+    EXPECT_EQ(history[0], "checking");
+    EXPECT_THAT(history[1] == "error" ? description() : history[1].toStdString(), testing::StartsWith(outcome));
+
+    const bool found = history[1] == "updateAvailable";
+    EXPECT_EQ(manager->state->info.changelog, found ? newer.changelog : "");
+    manager->skipUpdate();
+    manager->checkForUpdates(false);
+    ASSERT_TRUE(happens([&] { return history.size() == 4; }));
+    EXPECT_EQ(history[2], "idle");
+    EXPECT_EQ(history[3], found ? "updateAvailable" : "idle");
+    EXPECT_EQ(server.requests, (QList<QByteArray>(2, "/versions.json")));
+  }
+}
 
 TEST_F(UpdateCheck, NeedsATrustedServerWithTls) {
   ::unsetenv("SSL_CERT_FILE");
