@@ -97,7 +97,9 @@ void JsonWriter::quoted(std::string_view text) {
       text_ += "\\n";
     } else if (c == '\t') {
       text_ += "\\t";
-    } else if (code < 0x20) {
+    } else if (code < 0x20 || code == 0x7F || (code >= 0x80 && code < 0xA0 && text_.back() == '\xC2')) {
+      // JSON allows those from U+007F to U+009F as they are, but a terminal that the text is printed on obeys them.
+      if (code >= 0x80) text_.pop_back();
       text_ += "\\u00";
       text_ += hexadecimal[code >> 4];
       text_ += hexadecimal[code & 0xF];

@@ -27,7 +27,7 @@ class JsonWriter {
   void value(double number);
   void value(std::int64_t number);
   void value(bool truth);
-  /// `text` must be valid UTF-8.
+  /// `text` must be valid UTF-8. Control characters are escaped.
   void value(std::string_view text);
 
   /// An array of numbers or booleans, `perLine` of them on each line (a node's coordinates, say).

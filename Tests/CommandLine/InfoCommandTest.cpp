@@ -36,7 +36,7 @@ TEST(Info, KeepsANameInItsLine) {
               testing::StartsWith("Project                 A\\n\\x1b[2J\\u009b\\u202eB\nNodes                   2\n"));
   EXPECT_THAT(gavrelCli({"solve", "--summary", model}).errors,
               testing::StartsWith("Project                A\\n\\x1b[2J\\u009b\\u202eB\nStructure"));
-  EXPECT_THAT(gavrelCli({"info", "--json", model}).output, HasSubstr("\"name\": \"A\\n\\u001b[2J\u009b\u202eB\""));
+  EXPECT_THAT(gavrelCli({"info", "--json", model}).output, HasSubstr("\"name\": \"A\\n\\u001b[2J\\u009b\u202eB\""));
   EXPECT_THAT(gavrelCli({"info", model + "\x1b"}).errors, HasSubstr("a\\nNodes  9.json\\x1b\": No such file"));
   EXPECT_THAT(gavrelCli({"info", model, "x\x1b"}).errors, HasSubstr("x\\x1b"));
 }
