@@ -1,33 +1,13 @@
 #include "Options.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <string>
 
 #include "CommandLine/NumberOption.h"
 #include "CommandLine/ParseEnd.h"
+#include "CommandLine/PictureSize.h"
 
 namespace gavrel {
-
-namespace {
-
-constexpr int largestPicture = 16384;  // pixels a side, what every graphics driver takes
-
-/// "1600x1000" as width and height.
-std::string readSize(const std::string& text, Options& options) {
-  const auto side = [](const char*& at, const char* end, int& value) {
-    const auto [stop, error] = std::from_chars(at, end, value);
-    at = stop;
-    return error == std::errc() && value >= 1 && value <= largestPicture;
-  };
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  if (side(at, end, options.width) && at != end && *at++ == 'x' && side(at, end, options.height) && at == end)
-    return {};
-  return "a size is WIDTHxHEIGHT in pixels, each from 1 to " + std::to_string(largestPicture) + ", not " + text;
-}
-
-}  // namespace
 
 std::variant<Options, int> readOptions(int argc, char** argv, const std::string& version) {
   Options options;
@@ -41,12 +21,10 @@ std::variant<Options, int> readOptions(int argc, char** argv, const std::string&
                                     "Draw the project to this PNG file instead of opening a window")
                          ->type_name("OUT.png");
   app.add_option_function<std::string>(
-         "--size",
-         [&options](const std::string& text) {
-           if (auto fault = readSize(text, options); !fault.empty()) throw CLI::ValidationError("--size", fault);
-         },
+         "--size", [&options](const std::string& text) { options.size = readPictureSize(text).value(); },
          "Size of the picture in pixels (1600x1000)")
       ->type_name("WxH")
+      ->check(pictureSize())
       ->needs(screenshot);
   app.add_option("--magnification", options.magnification, "Drawn length of the largest displacement (1)")
       ->transform(exactNumber("length", [](double value) { return value >= 0; }))

@@ -5,14 +5,15 @@
 #include <string>
 #include <variant>
 
+#include "CommandLine/PictureSize.h"
+
 namespace gavrel {
 
 /// What the command line asks for.
 struct Options {
   std::optional<std::filesystem::path> file;        ///< project to open
   std::optional<std::filesystem::path> screenshot;  ///< picture to write instead of opening a window
-  int width = 1600;                                 ///< of the picture, in pixels
-  int height = 1000;
+  PictureSize size;
   double magnification = 1.0;
   bool strain = false;
   bool solve = false;

@@ -37,7 +37,7 @@ int writeScreenshot(const Options& options) {
                              {"isStrainVisualizationActive", options.strain}});
   view.setSource(QUrl(QStringLiteral("qrc:/qt/qml/Gavrel/PreviewContent/Picture.qml")));
   if (view.rootObject() == nullptr) return fail("the 3D view could not be made");
-  const QSizeF size = QSizeF(options.width, options.height) / view.effectiveDevicePixelRatio();
+  const QSizeF size = QSizeF(options.size.width, options.size.height) / view.effectiveDevicePixelRatio();
   view.rootObject()->setSize(size);
   view.resize(size.toSize());
   QMetaObject::invokeMethod(view.rootObject(), "prepare");

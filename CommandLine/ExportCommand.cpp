@@ -9,6 +9,7 @@
 #include "CommandLine/Commands.h"
 #include "CommandLine/Failures.h"
 #include "CommandLine/FileName.h"
+#include "CommandLine/PictureSize.h"
 #include "DataModel/ArrayLengths.h"
 #include "Exchange/Export.h"
 #include "Platform/Console.h"
@@ -111,7 +112,10 @@ void addExportCommand(CLI::App& app, int& status) {
   auto* png = files->add_option("--png", options->png, "Picture (PNG); needs a display and the program gavrel")
                   ->check(fileName());
   files->require_option(1, 0);
-  command->add_option("--size", options->size, "Size of the picture in pixels (1600x1000)")->needs(png);
+  command->add_option("--size", options->size, "Size of the picture in pixels (1600x1000)")
+      ->type_name("WxH")
+      ->check(pictureSize())
+      ->needs(png);
   command->add_flag("--strain", options->strain, "Colour the picture's bars by strain")->needs(png);
   command->add_flag("--unsolved", options->unsolved, "Do not solve: results are left out");
   command->footer(

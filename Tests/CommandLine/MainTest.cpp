@@ -51,7 +51,10 @@ TEST(Usage, ACommandLineThatIsNotUnderstoodWritesNothing) {
                                 "export FILE --elements EMPTY",
                                 "export FILE --vtu EMPTY",
                                 "export FILE --png EMPTY",
-                                "export EMPTY --nodes FILE"}) {
+                                "export EMPTY --nodes FILE",
+                                "export FILE --png FILE --size 0x0",
+                                "export FILE --png FILE --size 16385x5",
+                                "export FILE --png FILE --size 8x8x8"}) {
     auto list = words(arguments);
     std::ranges::replace(list, "EMPTY", "");
     std::ranges::replace(list, "FILE", (folder / "x.json").string());
