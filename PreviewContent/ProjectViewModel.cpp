@@ -186,11 +186,11 @@ void ProjectViewModel::restorePrevious() {
   if (former.unsaved) emit structureEdited();
 }
 
-QString ProjectViewModel::changeOnDisk() const {
-  if (!currentFileUrl) return {};
+ProjectViewModel::ChangeOnDisk ProjectViewModel::changeOnDisk() const {
+  if (!currentFileUrl) return ChangeOnDisk::none;
   const auto now = FileStamp::read(*currentFileUrl);
-  if (now == currentFileStamp_) return {};
-  return now ? QStringLiteral("changed") : QStringLiteral("removed");
+  if (now == currentFileStamp_) return ChangeOnDisk::none;
+  return now ? ChangeOnDisk::changed : ChangeOnDisk::removed;
 }
 
 bool ProjectViewModel::loadProject(const QUrl& source) {

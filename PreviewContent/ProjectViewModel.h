@@ -61,6 +61,8 @@ class ProjectViewModel : public QObject {
     std::optional<FileStamp> stamp;
   };
 
+  enum class ChangeOnDisk { none, changed, removed };
+
   Observable objectWillChange;
 
   Published<std::shared_ptr<Project>> project;
@@ -117,8 +119,8 @@ class ProjectViewModel : public QObject {
   void restorePrevious();
   [[nodiscard]] bool hasPrevious() const { return previous_.has_value(); }
 
-  /// What other programs did to the current file since it was read or written here: "changed", "removed" or "".
-  [[nodiscard]] QString changeOnDisk() const;
+  /// What other programs did to the current file since it was read or written here.
+  [[nodiscard]] ChangeOnDisk changeOnDisk() const;
   /// The current file and its state when it was last read or written.
   [[nodiscard]] Origin origin() const { return {currentFileUrl, currentFileStamp_}; }
   [[nodiscard]] QString projectName() const;

@@ -90,7 +90,7 @@ void FileFlow::doOnceSavedOrDiscarded(Action action) {
 
 bool FileFlow::wouldLoseTheProject() const {
   return viewModel_->hasUnsavedChanges() ||
-         (*viewModel_->numberOfNodes > 0 && viewModel_->changeOnDisk() == QStringLiteral("removed"));
+         (*viewModel_->numberOfNodes > 0 && viewModel_->changeOnDisk() == ProjectViewModel::ChangeOnDisk::removed);
 }
 
 void FileFlow::runWaitingAction() {
@@ -98,9 +98,9 @@ void FileFlow::runWaitingAction() {
 }
 
 void FileFlow::save() {
-  const QString change = viewModel_->changeOnDisk();
-  if (change.isEmpty()) return write();
-  const bool removed = change == QStringLiteral("removed");
+  const auto change = viewModel_->changeOnDisk();
+  if (change == ProjectViewModel::ChangeOnDisk::none) return write();
+  const bool removed = change == ProjectViewModel::ChangeOnDisk::removed;
   ask({.question = (removed ? tr("Write “%1” anew?") : tr("Overwrite “%1”?")).arg(viewModel_->currentFileName()),
        .text = removed ? tr("Since it was opened or saved here, the file was removed or renamed.")
                        : tr("Since it was opened or saved here, the file was changed by another program or window. "

@@ -316,32 +316,33 @@ TEST(ProjectViewModel, EachChangeOfTheStructureIsUnsavedAndToldOf) {
 }
 
 TEST(ProjectViewModel, SeesWhatOthersHaveDoneToItsFile) {
+  using enum ProjectViewModel::ChangeOnDisk;
   TemporaryFolder folder;
   const auto file = folder / "a.json";
   ProjectViewModel model;
-  EXPECT_EQ(model.changeOnDisk(), "");
+  EXPECT_EQ(model.changeOnDisk(), none);
   model.addNode({1, 2, 3}, false);
   model.saveProject(file);
-  EXPECT_EQ(model.changeOnDisk(), "");
+  EXPECT_EQ(model.changeOnDisk(), none);
   model.addNode({2, 2, 3}, false);
 
   ProjectViewModel second;
   second.loadProject(file);
-  EXPECT_EQ(second.changeOnDisk(), "");
+  EXPECT_EQ(second.changeOnDisk(), none);
   second.saveProject(QUrl());
-  EXPECT_EQ(model.changeOnDisk(), "changed");
+  EXPECT_EQ(model.changeOnDisk(), changed);
   std::filesystem::remove(file);
-  EXPECT_EQ(model.changeOnDisk(), "removed");
+  EXPECT_EQ(model.changeOnDisk(), removed);
   model.saveProject(QUrl());
-  EXPECT_EQ(model.changeOnDisk(), "");
-  EXPECT_EQ(second.changeOnDisk(), "changed");
+  EXPECT_EQ(model.changeOnDisk(), none);
+  EXPECT_EQ(second.changeOnDisk(), changed);
   second.loadProject(file);
-  EXPECT_EQ(second.changeOnDisk(), "");
+  EXPECT_EQ(second.changeOnDisk(), none);
 
   // The user has agreed to replace the file at the place of a failed save.
   std::filesystem::create_directory(folder / "folder");
   model.saveProject(folder / "folder");
-  EXPECT_EQ(model.changeOnDisk(), "");
+  EXPECT_EQ(model.changeOnDisk(), none);
 }
 
 TEST(ProjectViewModel, ReadsAndWritesForTheSheets) {
