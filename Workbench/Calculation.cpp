@@ -39,7 +39,7 @@ void Calculation::setProjectViewModel(ProjectViewModel* value) {
     trial_ = {};
     checked_ = false;
     setReasonToEnd({});
-    emit findingsChanged();
+    announceFindings();
   });
 }
 
@@ -56,20 +56,6 @@ QString Calculation::outcome() const {
   if (!converged()) return tr("Not converged after %1 steps, %2").arg(steps).arg(residual);
   return steps == 1 ? tr("Converged in 1 step, %1").arg(residual)
                     : tr("Converged in %1 steps, %2").arg(steps).arg(residual);
-}
-
-QVariantList Calculation::findings() const {
-  QVariantList list;
-  for (const Finding& finding : trial_.findings) {
-    const std::string_view consequence = describeConsequence(finding.consequence);
-    list.append(QVariantMap{{"consequence", QString::fromUtf8(consequence)},
-                            {"endsProgram", finding.consequence == Finding::Consequence::EndsProgram},
-                            {"isSerious", isSerious(finding)},
-                            {"title", QString::fromStdString(finding.title)},
-                            {"text", QString::fromStdString(finding.text)},
-                            {"canMakeLinear", !finding.trussesToMakeLinear.empty()}});
-  }
-  return list;
 }
 
 bool Calculation::hasSeriousFindings() const {
@@ -101,7 +87,7 @@ void Calculation::calculate(bool heedsFindings, bool checksAgain) {
       solve();
   }
   end(!stops && !ends);
-  if (checksAgain) emit findingsChanged();
+  if (checksAgain) announceFindings();
   if (stops) emit stoppedByFindings();
   if (ends && !stops) setReasonToEnd(QString::fromStdString(trial_.findings.front().text));
 }
@@ -125,12 +111,12 @@ void Calculation::setReasonToEnd(const QString& value) {
 }
 
 void Calculation::markFinding(int index) {
-  const Finding& finding = at(trial_.findings, index, "the findings");
+  const Finding& finding = findings_.finding(index);
   viewModel_->setMarks({finding.nodes, finding.trusses, finding.beams});
 }
 
 void Calculation::makeLinear(int index) {
-  viewModel_->makeLinear(at(trial_.findings, index, "the findings").trussesToMakeLinear);
+  viewModel_->makeLinear(findings_.finding(index).trussesToMakeLinear);
 }
 
 void Calculation::begin() {
@@ -162,6 +148,11 @@ void Calculation::end(bool solved) {
   }
   running_ = false;
   emit changed();
+}
+
+void Calculation::announceFindings() {
+  findings_.setFindings(trial_.findings);
+  emit findingsChanged();
 }
 
 void Calculation::show(double residual) {

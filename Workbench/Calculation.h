@@ -6,10 +6,10 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include <QVariantList>
 
 #include "Diagnosis/StructureCheck.h"
 #include "PreviewContent/ProjectViewModel.h"
+#include "Workbench/FindingList.h"
 
 namespace gavrel {
 
@@ -26,7 +26,7 @@ class Calculation : public QObject {
   Q_PROPERTY(QList<double> residuals READ residuals NOTIFY changed)
   Q_PROPERTY(double tolerance READ tolerance CONSTANT)
   Q_PROPERTY(bool checks MEMBER checks_ NOTIFY checksChanged)
-  Q_PROPERTY(QVariantList findings READ findings NOTIFY findingsChanged)
+  Q_PROPERTY(FindingList* findings READ findings CONSTANT)
   Q_PROPERTY(bool hasSeriousFindings READ hasSeriousFindings NOTIFY findingsChanged)
   Q_PROPERTY(bool checked READ checked NOTIFY findingsChanged)
   Q_PROPERTY(bool checkOutdated READ checkOutdated NOTIFY findingsChanged)
@@ -47,9 +47,8 @@ class Calculation : public QObject {
   [[nodiscard]] QList<double> residuals() const { return running_ || solved_ ? residuals_ : QList<double>(); }
   [[nodiscard]] double tolerance() const { return Project::convergenceTolerance; }
 
-  /// The findings of the last check: "consequence", "title" and "text" to be shown, and whether it "endsProgram",
-  /// "isSerious", "canMakeLinear".
-  [[nodiscard]] QVariantList findings() const;
+  /// The findings of the last check.
+  [[nodiscard]] FindingList* findings() { return &findings_; }
 
   /// Whether a finding makes a result impossible or unreliable.
   [[nodiscard]] bool hasSeriousFindings() const;
@@ -91,6 +90,7 @@ class Calculation : public QObject {
   void solve();
   void begin();
   void end(bool solved);
+  void announceFindings();
   void takeTrial();
   void setReasonToEnd(const QString& value);
   void show(double residual);
@@ -102,6 +102,7 @@ class Calculation : public QObject {
   bool checks_ = true;
   bool checked_ = false;
   bool checkOutdated_ = false;
+  FindingList findings_;
   QString reasonToEnd_;
   StructureCheck trial_;     // has a solution only while the structure is unchanged
   QList<double> residuals_;  // one for each step

@@ -53,7 +53,7 @@ Pane {
                 Layout.preferredWidth: 330
 
                 TabButton {
-                    text: root.calculation.findings.length > 0 ? qsTr("Findings (%1)").arg(root.calculation.findings.length) : qsTr("Findings")
+                    text: root.calculation.findings.count > 0 ? qsTr("Findings (%1)").arg(root.calculation.findings.count) : qsTr("Findings")
                 }
                 TabButton {
                     text: qsTr("Nodes")

@@ -66,7 +66,12 @@ Item {
                 id: finding
 
                 required property int index
-                required property var modelData
+                required property string consequence
+                required property bool endsProgram
+                required property bool isSerious
+                required property string title
+                required property string text
+                required property bool canMakeLinear
 
                 width: list.width
                 height: row.implicitHeight + 16
@@ -88,11 +93,11 @@ Item {
                         Layout.preferredWidth: 140
                         implicitHeight: 22
                         radius: 11
-                        color: finding.modelData.endsProgram ? "#c62f2f" : finding.modelData.isSerious ? "#b45f06" : "#6b7280"
+                        color: finding.endsProgram ? "#c62f2f" : finding.isSerious ? "#b45f06" : "#6b7280"
 
                         Label {
                             anchors.centerIn: parent
-                            text: finding.modelData.consequence
+                            text: finding.consequence
                             font.pixelSize: 12
                             font.bold: true
                             color: "#ffffff"
@@ -103,19 +108,19 @@ Item {
                         spacing: 1
 
                         Label {
-                            text: finding.modelData.title
+                            text: finding.title
                             font.bold: true
                         }
                         Label {
                             Layout.fillWidth: true
-                            text: finding.modelData.text
+                            text: finding.text
                             wrapMode: Text.Wrap
                             font.pixelSize: 13
                         }
                     }
                     Button {
                         objectName: "makeLinear"
-                        visible: finding.modelData.canMakeLinear
+                        visible: finding.canMakeLinear
                         text: qsTr("Make Linear")
                         horizontalPadding: 10
                         // Later, since checking again rebuilds the list with this button.

@@ -106,7 +106,7 @@ Pane {
             }
         }
         Label {
-            readonly property int notes: root.calculation.findings.length
+            readonly property int notes: root.calculation.findings.count
 
             objectName: "notes"
             visible: outcome.visible && !root.calculation.running && notes > 0
