@@ -2,38 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <climits>
-#include <cmath>
 
-#include "Exchange/Draft.h"
-#include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
 namespace gavrel {
-
-DxfGroup DxfGroup::read(Lines& lines) {
-  const auto code = lines.next();
-  if (!code) throw ImportError("line " + std::to_string(lines.number()) + ": the file ends before its EOF");
-  const std::string_view digits = trimmed(*code);
-  const std::size_t line = lines.number();
-  DxfGroup group;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), group.code);
-  const auto value = lines.next();
-  if (error != std::errc() || end != digits.data() + digits.size() || !value)
-    throw ImportError("line " + std::to_string(line) + ": expected a group code and its value, found " +
-                      shownQuoted(digits));
-  group.value = trimmed(*value);
-  group.line = lines.number();
-  return group;
-}
-
-double DxfGroup::number() const {
-  const auto number = parseNumber(std::string(value));
-  if (!number || !std::isfinite(*number))
-    throw ImportError("line " + std::to_string(line) + ": expected a number, found " + shownQuoted(value));
-  return *number;
-}
 
 const DxfGroup* DxfEntity::find(int code) const {
   const auto found = std::ranges::find(groups_, code, &DxfGroup::code);
@@ -41,14 +13,25 @@ const DxfGroup* DxfEntity::find(int code) const {
 }
 
 void DxfEntity::add(const DxfGroup& group) {
-  constexpr std::array known{10, 11, 20, 21, 30, 31, 38, 42, 67, 70, 210, 220, 230};
-  if (std::ranges::find(known, group.code) == known.end()) return;
+  constexpr std::array known{2, 10, 11, 20, 21, 30, 31, 38, 41, 42, 43, 44, 45, 50, 67, 70, 71, 210, 220, 230};
+  if (!std::ranges::binary_search(known, group.code)) return;
   if (find(group.code) == nullptr) groups_.push_back(group);
+}
+
+std::string_view DxfEntity::text(int code) const {
+  const DxfGroup* group = find(code);
+  if (group == nullptr) lacks(code);
+  return group->text();
 }
 
 double DxfEntity::number(int code, double otherwise) const {
   const DxfGroup* group = find(code);
   return group == nullptr ? otherwise : group->number();
+}
+
+int DxfEntity::wholeNumber(int code, int otherwise) const {
+  const DxfGroup* group = find(code);
+  return group == nullptr ? otherwise : group->wholeNumber();
 }
 
 double DxfEntity::coordinate(int code) const {
@@ -62,51 +45,45 @@ Vector3 DxfEntity::point(int xCode) const {
 }
 
 bool DxfEntity::flag(int code, int bits) const {
-  const DxfGroup* group = find(code);
-  if (group == nullptr) return false;
-  const double number = group->number();
-  if (number < 0 || number > INT_MAX || number != std::trunc(number))
-    throw ImportError("line " + std::to_string(group->line) + ": expected a whole number, found " +
-                      shownQuoted(group->value));
-  return (static_cast<int>(number) & bits) != 0;
+  return (wholeNumber(code, 0) & bits) != 0;
 }
 
 bool DxfEntity::isTilted() const {
   return number(210, 0) != 0 || number(220, 0) != 0 || number(230, 1) != 1;
 }
 
-void DxfEntity::lacks(int code) const {
-  throw ImportError("line " + std::to_string(line) + ": the " + shownText(name) + " has no group " +
-                    std::to_string(code));
+Vector3 DxfEntity::extrusion() const {
+  return {number(210, 0), number(220, 0), number(230, 1)};
 }
 
-DxfEntities::DxfEntities(std::string_view dxf) : lines_(dxf) {
-  if (dxf.starts_with("AutoCAD Binary DXF")) throw ImportError("line 1: this is a binary DXF file; save it as ASCII");
+void DxfEntity::lacks(int code) const {
+  place.refuse("the " + shownText(name) + " has no group " + std::to_string(code));
 }
 
 bool DxfEntities::next(DxfEntity& entity) {
   const auto begin = [this, &entity] {
-    entity.line = start_.line;
-    entity.name = start_.value;
-    entity.text_ = lines_.rest();
+    if (!start_) return false;
+    entity.name = start_->text();
+    entity.section = section_;
+    entity.place = start_->place;
+    entity.following_ = groups_;
     entity.groups_.clear();
+    return true;
   };
-  begin();
-  while (!ended_) {
-    const std::string_view before = lines_.rest();
-    const DxfGroup group = DxfGroup::read(lines_);
+  for (bool hasBegun = begin(); !ended_;) {
+    const DxfGroup group = groups_.next();
     if (group.code == 0) {
-      ended_ = group.value == "EOF";
-      entersSection_ = group.value == "SECTION";
-      if (group.value == "ENDSEC") section_ = {};
-      start_ = section_ == "ENTITIES" && !ended_ ? group : DxfGroup{};
-      entity.text_.remove_suffix(before.size());
-      if (entity.line != 0) return true;
-      begin();
+      ended_ = group.text() == "EOF";
+      entersSection_ = group.text() == "SECTION";
+      if (group.text() == "ENDSEC") section_ = {};
+      const bool isEntity = !ended_ && (section_ == "ENTITIES" || section_ == "BLOCKS");
+      start_ = isEntity ? std::optional(group) : std::nullopt;
+      if (hasBegun) return true;
+      hasBegun = begin();
     } else if (entersSection_ && group.code == 2) {
-      section_ = group.value;
+      section_ = group.text();
       entersSection_ = false;
-    } else if (entity.line != 0) {
+    } else if (hasBegun) {
       entity.add(group);
     }
   }

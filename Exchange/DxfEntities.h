@@ -1,47 +1,40 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "DataModel/Vector3.h"
-#include "Exchange/Lines.h"
+#include "Exchange/DxfGroups.h"
 
 namespace gavrel {
 
-/// A line with a group code and the line with its value.
-struct DxfGroup {
-  int code = 0;
-  std::string_view value = {};
-  std::size_t line = 0;  ///< of the value
-
-  /// The group at the next two lines. Throws ImportError if there is none.
-  [[nodiscard]] static DxfGroup read(Lines& lines);
-
-  /// Throws ImportError for what is no finite number.
-  [[nodiscard]] double number() const;
-};
-
-/// One entity of a drawing; its texts are views of the file's text. What it reads of its groups throws ImportError for
-/// what is not there, unless told what to take otherwise, and for what is no finite number.
+/// One entity of a drawing; its texts are views of the file. What it reads of its groups throws ImportError for what is
+/// not there, unless told what to take otherwise, and for what is no finite number.
 class DxfEntity {
  public:
   std::string_view name = {};
-  std::size_t line = 0;  ///< with the name
+  std::string_view section = {};
+  DxfPlace place = {};  ///< of the name
 
+  [[nodiscard]] bool has(int code) const { return find(code) != nullptr; }
+  [[nodiscard]] std::string_view text(int code) const;
   [[nodiscard]] double number(int code, double otherwise) const;
+  [[nodiscard]] int wholeNumber(int code, int otherwise) const;
   [[nodiscard]] double coordinate(int code) const;
   [[nodiscard]] Vector3 point(int xCode) const;
   /// Whether one of the bits is set in the whole number of the group; no group counts as 0.
   [[nodiscard]] bool flag(int code, int bits) const;
   /// Whether it lies in a plane of its own, in whose axes its points are given.
   [[nodiscard]] bool isTilted() const;
+  /// The axis across that plane.
+  [[nodiscard]] Vector3 extrusion() const;
 
   /// Calls `visit` with each group.
   template <class Visit>
   void forEachGroup(Visit&& visit) const {
-    for (Lines lines(text_, line); !lines.rest().empty();) visit(DxfGroup::read(lines));
+    DxfGroups groups = following_;
+    for (DxfGroup group = groups.next(); group.code != 0; group = groups.next()) visit(group);
   }
   [[noreturn]] void lacks(int code) const;
 
@@ -50,26 +43,28 @@ class DxfEntity {
   [[nodiscard]] const DxfGroup* find(int code) const;
   void add(const DxfGroup& group);
 
-  std::string_view text_;         // of its groups
-  std::vector<DxfGroup> groups_;  // the first of each code that describes lines
+  DxfGroups following_{{}};       // what follows its name
+  std::vector<DxfGroup> groups_;  // the first of each code that describes lines and blocks
 };
 
-/// The entities of a drawing itself, without those of its blocks, one after the other.
+/// The entities of a drawing itself and of its blocks, one after the other.
 class DxfEntities {
  public:
-  /// Throws ImportError for a binary file.
-  explicit DxfEntities(std::string_view dxf);
+  /// Throws ImportError for a binary file whose beginning is damaged.
+  explicit DxfEntities(std::string_view dxf) : groups_(dxf) {}
+  /// What follows an entity in its section, and the sections after it.
+  explicit DxfEntities(const DxfEntity& before) : groups_(before.following_), section_(before.section) {}
 
   /// Puts the next one into `entity`; false after the last one. Throws ImportError for what is no group, and for a file
   /// without its end.
   [[nodiscard]] bool next(DxfEntity& entity);
 
  private:
-  Lines lines_;
+  DxfGroups groups_;
   std::string_view section_;
   bool entersSection_ = false;
   bool ended_ = false;
-  DxfGroup start_;  // of the next entity; without a line before there is one
+  std::optional<DxfGroup> start_;  // of the next entity
 };
 
 }  // namespace gavrel

@@ -118,7 +118,7 @@ TEST(Import, NamesTheFileAndPlaceOfAFaultAndChangesNothing) {
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 LWPOLYLINE 10 1 10 2 20 3")), HasSubstr("the LWPOLYLINE has no group 20"));
   EXPECT_THAT(reasonFor("a.dxf", dxf("0 POLYLINE 70 1e30")), HasSubstr("expected a whole number, found \"1e30\""));
   EXPECT_THAT(reasonFor("a.DXF", "0\nSECTION\n2\nENTITIES\n"), HasSubstr("ends before its EOF"));
-  EXPECT_THAT(reasonFor("a.dxf", "AutoCAD Binary DXF\r\n"), HasSubstr("binary DXF"));
+  EXPECT_THAT(reasonFor("a.dxf", "AutoCAD Binary DXF\r\n"), HasSubstr("a.dxf, byte 0: the beginning"));
 }
 
 TEST(Import, ReadsACommaByOneRuleInATable) {
