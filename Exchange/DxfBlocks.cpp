@@ -8,7 +8,6 @@
 namespace {
 
 constexpr int maxDepth = 100;
-constexpr std::int64_t maxLines = 1'000'000;
 
 bool isFinite(const Vector3& point) {
   return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
@@ -86,8 +85,8 @@ std::int64_t DxfBlocks::countInserted(DxfContents& contents, int depth, DxfRemar
   for (DxfInsert& insert : contents.inserts) {
     const DxfBlock* block = find(insert, depth, remarks);
     if (block == nullptr || block->lineCount == 0) continue;
-    if (insert.columns * insert.rows > (maxLines - lines) / block->lineCount)
-      insert.place.refuse("with this INSERT, the blocks have more than " + std::to_string(maxLines) + " lines");
+    if (insert.columns * insert.rows > (maxLines_ - lines) / block->lineCount)
+      insert.place.refuse("with this INSERT, the blocks have more than " + std::to_string(maxLines_) + " lines");
     insert.block = block;
     lines += insert.columns * insert.rows * block->lineCount;
   }

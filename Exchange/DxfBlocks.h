@@ -20,13 +20,14 @@ struct DxfBlock {
 /// read, once each.
 class DxfBlocks {
  public:
+  explicit DxfBlocks(std::int64_t maxLines) : maxLines_(maxLines) {}
+
   /// Takes a BLOCK; of several with the same name the first.
   void add(const DxfEntity& beginning);
 
   /// Adds the lines of the blocks that are inserted in `contents`, and in those blocks in turn, to its own. Throws
-  /// ImportError for what it cannot read, for a block within itself, for more than 100 blocks in one another, for lines
-  /// too far out for numbers, and for more than 1,000,000 lines of blocks: a small file could have more of them than
-  /// any memory holds.
+  /// ImportError for what it cannot read, for a block within itself, for more than 100 blocks in one another, for more
+  /// than `maxLines` such lines, and for lines too far out for numbers.
   void placeInserted(DxfContents& contents, DxfRemarks& remarks);
 
  private:
@@ -36,4 +37,5 @@ class DxfBlocks {
   std::int64_t countInserted(DxfContents& contents, int depth, DxfRemarks& remarks);
 
   std::map<std::string, DxfBlock> blocks_;
+  std::int64_t maxLines_;
 };

@@ -12,9 +12,9 @@ namespace gavrel {
 namespace {
 
 /// The lines of a drawing, those of its own before those of the blocks that are inserted in it.
-std::vector<DxfPath> readPaths(std::string_view dxf, DxfRemarks& remarks) {
+std::vector<DxfPath> readPaths(std::string_view dxf, std::int64_t maxLinesOfBlocks, DxfRemarks& remarks) {
   DxfContents contents;
-  DxfBlocks blocks;
+  DxfBlocks blocks(maxLinesOfBlocks);
   DxfEntities entities(dxf);
   for (DxfEntity entity; entities.next(entity);) {
     if (entity.section != "BLOCKS")
@@ -49,7 +49,7 @@ std::vector<Vector3> placesOfNodes(const Draft& draft) {
 void addDrawing(std::string_view dxf, Draft& draft) {
   constexpr double relativeTolerance = 1e-6;
   DxfRemarks remarks;
-  const std::vector<DxfPath> paths = readPaths(dxf, remarks);
+  const std::vector<DxfPath> paths = readPaths(dxf, draft.settings.maxLinesOfBlocks, remarks);
   const auto remark = [&draft](auto count, const std::string& what) {
     if (count > 0) draft.remarks.push_back(std::to_string(count) + " " + what);
   };

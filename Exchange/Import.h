@@ -19,6 +19,9 @@ struct ImportSettings {
   /// Ends of lines that are no further apart than this become one node, or join the nearest existing node; a millionth
   /// of the drawing's extent unless given.
   std::optional<double> tolerance = {};
+  /// A drawing whose blocks have more lines where they are inserted is refused: a small file could have more of them
+  /// than any memory holds.
+  std::int64_t maxLinesOfBlocks = 1'000'000;
 };
 
 struct ImportOutcome {
