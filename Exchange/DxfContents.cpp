@@ -29,7 +29,6 @@ DxfPath readLightPolyline(const DxfEntity& entity) {
 }  // namespace
 
 std::int64_t DxfPath::lineCount() const {
-  if (points.empty()) return 0;
   return std::ssize(points) - (isClosed && points.size() > 2 ? 0 : 1);
 }
 

@@ -15,6 +15,7 @@ struct DxfPath {
   bool isClosed = false;
   bool isBent = false;  ///< some of its pieces are arcs
 
+  /// Needs a point.
   [[nodiscard]] std::int64_t lineCount() const;
 };
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "Exchange/Import.h"
+#include "Tests/Near.h"
 #include "Tests/TemporaryFolder.h"
 
 namespace {
@@ -23,7 +24,8 @@ struct Imported {
 Imported import(const std::string& blocks, const std::string& entities) {
   const TemporaryFolder folder;
   Project project;
-  const auto outcome = importFiles(project, {folder.put("a.dxf", drawingOf(blocks, entities))}, {.tolerance = 1e-9});
+  const auto outcome = importFiles(project, {folder.put("a.dxf", drawingOf(blocks, entities))},
+                                   {.tolerance = 1e-9, .maxLinesOfBlocks = 1000});
   if (!outcome) return {.reason = outcome.failure().reason};
   Imported imported{.remarks = outcome->remarks};
   for (const TrussElement& bar : *project.trussElements)
@@ -51,6 +53,10 @@ TEST(DxfBlocks, PlacesTheLinesOfABlock) {
       {"71 2 45 10 41 2 50 90", {{5, 6, 7}, {4, 10, 7.5}, {-5, 6, 7}, {-6, 10, 7.5}}}};
   for (const auto& [groups, ends] : cases)
     EXPECT_EQ(import(lineBlock, "0 INSERT 2 LINE 10 5 20 6 30 7 " + std::string(groups)).ends, ends) << groups;
+  const auto oblique = import(lineBlock, "0 INSERT 2 line 10 5 20 6 30 7 50 30 210 1 220 2 230 2").ends;
+  ASSERT_EQ(oblique.size(), 2);
+  expectNear(oblique[0], {-3.927657003666078, 3.325025880166792, 9.138802621666246}, 1e-14);
+  expectNear(oblique[1], {-5.419311366729554, 3.0966665114973635, 10.862989171867412}, 1e-14);
 }
 
 TEST(DxfBlocks, PlacesBlocksInBlocks) {
@@ -84,8 +90,10 @@ TEST(DxfBlocks, RefusesWhatHasNoEndOrMakesNoSense) {
   EXPECT_EQ(
       reasonFor("0 BLOCK 2 a 0 INSERT 2 B 10 0 20 0 0 ENDBLK 0 BLOCK 2 b 0 INSERT 2 A 10 0 20 0 0 ENDBLK ", "2 a"),
       "a.dxf, line 24: the block \"A\" is inserted in itself");
-  EXPECT_EQ(reasonFor(lineBlock, "2 line 70 1000 71 1001"),
-            "a.dxf, line 40: with this INSERT, the blocks have more than 1000000 lines");
+  EXPECT_EQ(reasonFor(lineBlock, "2 line 70 7 71 143"),
+            "a.dxf, line 40: with this INSERT, the blocks have more than 1000 lines");
+  EXPECT_EQ(reasonFor(lineBlock, "2 line 70 10 71 100"), "");
+  EXPECT_NE(reasonFor(lineBlock, "2 line 70 10 71 60 0 INSERT 2 line 10 0 20 0 70 401"), "");
   EXPECT_EQ(reasonFor(lineBlock, "2 line 210 0 230 0"),
             "a.dxf, line 40: the INSERT has an extrusion direction without a usable length");
   EXPECT_EQ(reasonFor(lineBlock, "2 line 41 1e308 44 1e308 70 3"),
@@ -102,7 +110,7 @@ TEST(DxfBlocks, RefusesWhatHasNoEndOrMakesNoSense) {
     return text + "0 BLOCK 2 " + std::to_string(blocks) + " " + last + "0 ENDBLK ";
   };
   const std::string line = "0 LINE 10 0 20 0 11 1 21 0 ";
-  EXPECT_THAT(reasonFor(chain(60, "2", line), "2 0"), testing::HasSubstr("more than 1000000 lines"));
+  EXPECT_THAT(reasonFor(chain(60, "2", line), "2 0"), testing::HasSubstr("more than 1000 lines"));
   EXPECT_EQ(reasonFor(chain(60, "2000000000", ""), "2 0"), "");
   EXPECT_EQ(reasonFor(chain(99, "1", line), "2 0"), "");
   EXPECT_THAT(reasonFor(chain(100, "1", line), "2 0"), testing::HasSubstr("more than 100 blocks stand in one another"));
