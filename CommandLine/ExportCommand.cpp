@@ -54,6 +54,7 @@ int drawPicture(const ExportOptions& options) {
   if (!options.unsolved) words.emplace_back("--solve");
   words.insert(words.end(), {"--", options.model});
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
 

@@ -1,7 +1,6 @@
 #include "CommandLine/ModelFacts.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace gavrel {
 
@@ -37,7 +36,7 @@ ModelFacts ModelFacts::gather(const Project& project) {
   const auto& D = *project.D_I;
   const auto& F = *project.F_I;
   const auto dofs = static_cast<std::size_t>(dofsPerNode * facts.nodes);
-  facts.restrainedDofs = std::ranges::count(D | std::views::take(dofs), true);
+  facts.restrainedDofs = std::count(D.begin(), D.begin() + static_cast<std::ptrdiff_t>(std::min(D.size(), dofs)), true);
   for (std::size_t i = 0; i < std::min(F.size(), dofs); ++i) {
     if (F[i] == 0) continue;
     ++facts.loadedDofs;

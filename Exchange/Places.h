@@ -34,13 +34,13 @@ class Places {
 
  private:
   struct Node {
-    std::int64_t number;
+    std::int64_t number = 0;
     Vector3 place;
   };
   struct Box {
     Vector3 low;
     Vector3 high;
-    std::int64_t firstNumber;
+    std::int64_t firstNumber = 0;
   };
   /// Compared by distance first.
   struct Nearest {

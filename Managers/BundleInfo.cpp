@@ -15,7 +15,7 @@ namespace {
 
 /// The file's bytes; nothing if it is not a file or too large for a property list.
 std::string readBytes(const std::filesystem::path& file) {
-  constexpr std::uintmax_t maxBytes = 64 * 1024;
+  constexpr std::uintmax_t maxBytes = 65536;
   std::error_code unknown;
   if (!std::filesystem::is_regular_file(file, unknown)) return {};
   if (const auto size = std::filesystem::file_size(file, unknown); unknown || size > maxBytes) return {};

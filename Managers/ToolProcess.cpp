@@ -23,6 +23,7 @@ constexpr std::array toolVariables{Variable{"PATH", "/usr/bin:/bin"}, Variable{"
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -43,6 +44,7 @@ void isolate(QProcess& process, std::function<void()> limit) {
 
 std::optional<Failure> startScript(const std::filesystem::path& script) {
   std::vector<std::string> environment;
+  environment.reserve(toolVariables.size());
   for (const auto& [name, value] : toolVariables) environment.push_back(std::string(name) + "=" + value);
   // Not QProcess: that would change values that are no UTF-8.
   for (char** own = ::environ; *own != nullptr; ++own)

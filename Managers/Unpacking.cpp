@@ -56,7 +56,7 @@ std::optional<QString> whyNoRoom(const ArchiveContent& content, const fs::path& 
         .arg((needed + megabyte - 1) / megabyte)
         .arg(free / megabyte);
   };
-  if (const auto lack = lacks(folder, onOneDisk ? 2 * once : once)) return lack;
+  if (auto lack = lacks(folder, onOneDisk ? 2 * once : once)) return lack;
   return lacks(destination, once);
 }
 

@@ -57,7 +57,7 @@ std::optional<Failure> whyNotWritable(const std::vector<path>& outputs, const st
       if (isFile(input) && isSame(input, output))
         return Failure{"cannot write " + showNames(output, input) + ", which is read: choose another file"};
     for (const path& other : std::span(outputs).first(i))
-      if (!other.empty() && !(isStream(other) && isStream(output)) && isSame(other, output))
+      if (!other.empty() && !(isStream(other) && isStream(output)) && isSame(output, other))
         return Failure{"cannot write " + showNames(output, other) + " twice: choose another file"};
     if (auto refused = whyNotReplaceable(output)) return refused;
   }

@@ -21,7 +21,7 @@ std::vector<fs::path> listCandidates(const fs::path& shared) {
   constexpr int count = 100;
   const fs::path first = shared / ("gavrel-" + std::to_string(::geteuid()));
   std::vector<fs::path> candidates{first};
-  for (int i = 1; i < count; ++i) candidates.push_back(first.string() + "-" + std::to_string(i));
+  for (int i = 1; i < count; ++i) candidates.emplace_back(first.string() + "-" + std::to_string(i));
   return candidates;
 }
 

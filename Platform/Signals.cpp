@@ -30,7 +30,8 @@ std::atomic<pid_t> handlingProcess = 0;  // a child has a copy of all this, but 
 
 // A handler may only use what is free of locks.
 static_assert(std::atomic<Entry::State>::is_always_lock_free && std::atomic<int>::is_always_lock_free &&
-              std::atomic<bool>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
+              std::atomic<bool>::is_always_lock_free);
+static_assert(std::atomic<pid_t>::is_always_lock_free);
 
 void removeFiles() {
   isEnding = true;  // before it reads `uninterrupted`: from now on no Uninterrupted begins

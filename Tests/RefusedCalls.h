@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 
 namespace gavrel {
 
@@ -27,7 +28,8 @@ inline constexpr RefusedCall namesForUnnamedFiles{SYS_linkat, 4, AT_SYMLINK_FOLL
 
 /// Has the system refuse this process, and what it starts, such calls from now on.
 inline void refuse(const RefusedCall& call) {
-  const auto argument = static_cast<unsigned>(offsetof(seccomp_data, args) + 8 * static_cast<unsigned>(call.argument));
+  const auto argument = static_cast<unsigned>(offsetof(seccomp_data, args) +
+                                              sizeof(std::uint64_t) * static_cast<unsigned>(call.argument));
   std::array<sock_filter, 6> filter{sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
                                     sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call.number, 0, 3),
                                     sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, argument),

@@ -99,7 +99,7 @@ TEST(CSR, AssemblesAnyElementsUnderAnyRestraints) {
     ASSERT_EQ(pattern, coupledBy(elements));
     CSR matrix(pattern);
     std::vector<bool> D_I(index(elements.nI));
-    for (std::size_t dof = 0; dof < D_I.size(); ++dof) D_I[dof] = i % 5 == 4 || random() % 5 < unsigned(i) % 5;
+    for (auto&& held : D_I) held = i % 5 == 4 || random() % 5 < unsigned(i) % 5;
     std::vector<double> R_I(D_I.size(), 1.0);
     std::vector<double> expectedR = R_I;
     std::map<std::pair<std::int64_t, std::int64_t>, double> expectedH;

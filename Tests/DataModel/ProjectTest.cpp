@@ -157,7 +157,7 @@ TEST(Project, AnnouncesEachPropertyBeforeItChanges) {
   } cases[] = {
       {"addNode", [](Project& p) { p.addNode({}); }, 4, 4},
       {"setLoadAndRestraint", [](Project& p) { p.setLoadAndRestraint(1, {}, false, true, false); }, 2, 2},
-      {"setLoadAndRestraint past the end", [](Project& p) { p.setLoadAndRestraint(2, {}, 1, 1, 1); }, 0, 0},
+      {"setLoadAndRestraint past the end", [](Project& p) { p.setLoadAndRestraint(2, {}, true, true, true); }, 0, 0},
       {"edit", [](Project& p) { p.name.edit() = "other"; }, 1, 1},
       {"magnify", [](Project& p) { p.magnify = 3; }, 0, 0},
       {"Solver::Prepare", [](Project& p) { Solver(p).Prepare(); }, 1, 1},

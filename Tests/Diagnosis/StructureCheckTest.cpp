@@ -155,8 +155,8 @@ TEST(StructureCheck, TellsOfEveryFaultThatItCanSee) {
   project.F_I.edit()[1] = 3;
   project.setLoadAndRestraint(1, {}, false, false, true);
   const auto findings = StructureCheck::inspectAndSolve(project).findings;
-  std::vector<std::string> titles;
-  for (const Finding& finding : findings) titles.push_back(finding.title);
+  std::vector<std::string> titles(findings.size());
+  std::ranges::transform(findings, titles.begin(), &Finding::title);
   EXPECT_THAT(titles, testing::UnorderedElementsAre("Too few supports", "Loads on supports", "Repeated bars"));
   EXPECT_TRUE(std::ranges::is_sorted(findings, {}, &Finding::consequence));
   EXPECT_EQ(listPositions("node", {1, 2, 3, 4, 5}), "nodes 1, 2, 3, 4 and 5");

@@ -9,13 +9,14 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace gavrel {
 
 using namespace std::chrono_literals;
 
-Desktop::Desktop(const std::vector<std::string>& arguments, const std::string& program, Rights rights)
-    : path_(program), rights_(rights) {
+Desktop::Desktop(const std::vector<std::string>& arguments, std::string program, Rights rights)
+    : path_(std::move(program)), rights_(rights) {
   start(arguments);
   expectWindow();
 }

@@ -21,7 +21,7 @@ class Desktop {
   enum class Rights { asTester, homeOnly };
 
   /// Starts the program with these arguments and a home folder of its own, and waits for its window.
-  explicit Desktop(const std::vector<std::string>& arguments = {}, const std::string& program = GAVREL,
+  explicit Desktop(const std::vector<std::string>& arguments = {}, std::string program = GAVREL,
                    Rights rights = Rights::asTester);
   /// The same, with a sheet over the window from the beginning.
   [[nodiscard]] static Desktop underSheet(const std::vector<std::string>& arguments) {

@@ -20,7 +20,7 @@ Ends readEnds(const Project& project) {
 }
 
 /// A drawing with these entities; a space separates each line from the next.
-std::string dxf(std::string entities) {
+std::string dxf(const std::string& entities) {
   std::string text =
       "0 SECTION 2 BLOCKS 0 LINE 10 99 20 0 0 ENDSEC 0 SECTION 2 ENTITIES " + entities + " 0 ENDSEC 0 EOF ";
   std::ranges::replace(text, ' ', '\n');

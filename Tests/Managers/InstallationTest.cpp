@@ -129,7 +129,9 @@ TEST_F(Installer, ToolsDoNotObeyTheUsersEnvironmentWhichTheNewProgramGets) {
   files.put("cp", "#!/bin/sh\nexit 1\n");
   fs::permissions(files / "cp", fs::perms(0755));
   fs::copy(files / "cp", files / "nice");
-  const std::string path = std::getenv("PATH");
+  const char* const ownPath = std::getenv("PATH");
+  ASSERT_NE(ownPath, nullptr);
+  const std::string path = ownPath;
   std::map<std::string, std::string> variables = {{"PATH", files.path().string() + ":" + path},
                                                   {"BASH_FUNC_mkdir%%", "() { exit 1; }"},
                                                   {"UNZIP", "-t"},

@@ -125,7 +125,7 @@ TEST(ProjectViewModel, TellsObserversBeforeAChangeAndTheWindowAfterIt) {
   for (const auto& [operation, change, told] : cases) {
     SCOPED_TRACE(operation);
     ProjectViewModel model;
-    printed([&] {
+    printed([&, &change = change] {
       for (const double x : {0.0, 1.0}) model.addNode({x, 0, 0}, true);
       model.setAppMode(AppMode::addingTruss);
       model.setSelectedNodesForTruss({1});

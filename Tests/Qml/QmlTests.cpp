@@ -1,17 +1,14 @@
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest/quicktest.h>
-#include <QQmlContext>
-#include <QQmlEngine>
 
-#include "CapturedOutput.h"
-#include "Drops.h"
-#include "UpdateStates.h"
+#include "Setup.h"
 
 Q_IMPORT_QML_PLUGIN(Gavrel_PreviewContentPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewportPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_ViewsPlugin)
 Q_IMPORT_QML_PLUGIN(Gavrel_WorkbenchPlugin)
 
+<<<<<<< HEAD:Tests/Qml/QmlTests.cpp
 using namespace gavrel;
 
 /// Lets the tests import the program's QML modules and read what it prints ("standardOutput"),
@@ -40,3 +37,6 @@ class Setup : public QObject {
 QUICK_TEST_MAIN_WITH_SETUP(qml_tests, Setup)
 
 #include "QmlTests.moc"
+=======
+QUICK_TEST_MAIN_WITH_SETUP(qml_tests, Setup)
+>>>>>>> e9be772 (Mend what clang-tidy finds):Tests/Qml/main.cpp

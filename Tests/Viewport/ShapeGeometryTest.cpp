@@ -30,7 +30,7 @@ std::vector<Corner> readCorners(const ShapeGeometry& geometry) {
   for (qsizetype i = 0; i < indices.size(); i += qsizetype(sizeof(quint16))) {
     quint16 index = 0;
     std::memcpy(&index, indices.constData() + i, sizeof(index));
-    const char* const vertex = vertices.constData() + index * geometry.stride();
+    const char* const vertex = vertices.constData() + qsizetype(index) * geometry.stride();
     EXPECT_LT(index * geometry.stride(), vertices.size());
     Corner& corner = corners.emplace_back();
     std::memcpy(&corner.position, vertex + geometry.attribute(0).offset, sizeof(QVector3D));
