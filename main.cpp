@@ -38,6 +38,7 @@ class Application : public QApplication {
 
  protected:
   bool event(QEvent* event) override {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): what QApplication does with this event is what is not wanted.
     return event->type() == QEvent::Quit ? QGuiApplication::event(event) : QApplication::event(event);
   }
 };

@@ -47,6 +47,7 @@ std::vector<fs::path> listRecoveryFiles(const fs::path& folder) {
     if (entry.path().extension() == extension) found.emplace_back(entry.last_write_time(unreadable), entry.path());
   std::ranges::sort(found, std::greater());
   std::vector<fs::path> files;
+  files.reserve(found.size());
   for (auto& [time, file] : found) files.push_back(std::move(file));
   return files;
 }

@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <chrono>
+#include <cinttypes>
 #include <cstdio>
 
 #include "Workbench/Recovery.h"
@@ -22,8 +23,8 @@ int main(int argc, char** argv) {
     const auto nodes = *viewModel.numberOfNodes;
     viewModel.addNode({static_cast<double>(nodes), 0, 0}, true);
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    std::fprintf(report, "%lld %lld\n", static_cast<long long>(nodes + 1),
-                 static_cast<long long>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
+    const std::int64_t milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+    std::fprintf(report, "%" PRId64 " %" PRId64 "\n", nodes + 1, milliseconds);
     std::fflush(report);
   });
   timer.start(5);
