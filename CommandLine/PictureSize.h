@@ -7,6 +7,8 @@
 
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 inline constexpr int largestPicture = 16384;  // pixels a side, what every graphics driver takes
 
 /// Of a picture, in pixels.
@@ -38,3 +40,5 @@ struct PictureSize {
           },
           ""};
 }
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr int maxDepth = 100;
@@ -98,3 +100,5 @@ void DxfBlocks::placeInserted(DxfContents& contents, DxfRemarks& remarks) {
   countInserted(contents, 0, remarks);
   for (const DxfInsert& insert : contents.inserts) place(insert, {}, contents.paths);
 }
+
+}  // namespace gavrel

@@ -7,6 +7,8 @@
 
 #include "Exchange/DxfContents.h"
 
+namespace gavrel {
+
 /// A block of a drawing; its contents are placed from its base point.
 struct DxfBlock {
   DxfEntity beginning;  ///< its entities follow
@@ -39,3 +41,5 @@ class DxfBlocks {
   std::map<std::string, DxfBlock> blocks_;
   std::int64_t maxLines_;
 };
+
+}  // namespace gavrel

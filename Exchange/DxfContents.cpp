@@ -6,6 +6,8 @@
 
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr int isClosed = 1;
@@ -78,3 +80,5 @@ void DxfContents::finish(DxfRemarks& remarks) {
   std::erase_if(paths, [](const DxfPath& path) { return path.points.empty(); });
   remarks.addBent(std::ranges::count(paths, true, &DxfPath::isBent));
 }
+
+}  // namespace gavrel

@@ -9,6 +9,8 @@
 #include "DataModel/Vector3.h"
 #include "Exchange/DxfInsert.h"
 
+namespace gavrel {
+
 /// A row of points that lines join.
 struct DxfPath {
   std::vector<Vector3> points = {};
@@ -55,3 +57,5 @@ class DxfContents {
  private:
   bool isPolylineOpen_ = false;  // the vertices that follow belong to the last path
 };
+
+}  // namespace gavrel

@@ -11,6 +11,8 @@
 #include "Platform/NumberText.h"
 #include "Platform/ShownText.h"
 
+namespace gavrel {
+
 namespace {
 
 constexpr const char* endsEarly = "the file ends before its EOF";
@@ -156,3 +158,5 @@ std::uint64_t DxfGroups::takeInteger(std::size_t bytes) {
   }
   return integer;
 }
+
+}  // namespace gavrel

@@ -8,6 +8,8 @@
 
 #include "Exchange/Lines.h"
 
+namespace gavrel {
+
 /// Where something stands in a drawing: a line, counted from 1, or a byte of a binary file, counted from 0.
 struct DxfPlace {
   std::size_t number = 0;
@@ -54,3 +56,5 @@ class DxfGroups {
   bool isBinary_ = false;
   bool isOldBinary_ = false;  // its group codes have one byte
 };
+
+}  // namespace gavrel

@@ -5,6 +5,8 @@
 #include <numbers>
 #include <utility>
 
+namespace gavrel {
+
 namespace {
 
 Vector3 cross(const Vector3& a, const Vector3& b) {
@@ -56,3 +58,5 @@ DxfInsert DxfInsert::read(const DxfEntity& entity) {
   insert.first.z = axes.z * entity.number(43, 1);
   return insert;
 }
+
+}  // namespace gavrel

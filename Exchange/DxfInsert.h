@@ -5,6 +5,8 @@
 
 #include "Exchange/DxfEntities.h"
 
+namespace gavrel {
+
 /// Where axes lie in others.
 struct Placement {
   Vector3 origin = {};
@@ -38,3 +40,5 @@ struct DxfInsert {
   /// Reads an INSERT. Throws ImportError for what is not there and for numbers that make no sense.
   [[nodiscard]] static DxfInsert read(const DxfEntity& entity);
 };
+
+}  // namespace gavrel

@@ -34,14 +34,13 @@ struct ImportOutcome {
 /// Adds the content of all files to a project. If one cannot be read, adds nothing and fails with the file and the
 /// place in it. The project's arrays are made to fit its nodes first, see fitArrays; a remark says so.
 ///
-/// A name that ends in ".dxf" is a drawing (DXF, text or binary): each straight piece of its lines and polylines becomes
-/// a bar, and those of its blocks wherever they are inserted. What lies in its paper space is left out.
-/// Any other file is a table of values separated by commas, semicolons or tabs, with a heading and at most 1000
-/// columns. If commas do not separate, numbers may have decimal commas instead of points, but not both in one table. It
-/// is a table of nodes if it has columns x and y, of elements if it has start and end. Elements name the nodes of the
-/// table imported with them by its column "node", or by their order without one; without such a table they name the
-/// nodes of the project. Columns are those of exportNodes and exportElements, in any order and case; results are not
-/// read.
+/// A name that ends in ".dxf" is a drawing (DXF, text or binary): each straight piece of its lines and polylines
+/// becomes a bar, and those of its blocks wherever they are inserted. What lies in its paper space is left out. Any
+/// other file is a table of values separated by commas, semicolons or tabs, with a heading and at most 1000 columns. If
+/// commas do not separate, numbers may have decimal commas instead of points, but not both in one table. It is a table
+/// of nodes if it has columns x and y, of elements if it has start and end. Elements name the nodes of the table
+/// imported with them by its column "node", or by their order without one; without such a table they name the nodes of
+/// the project. Columns are those of exportNodes and exportElements, in any order and case; results are not read.
 [[nodiscard]] Result<ImportOutcome> importFiles(Project& project, const std::vector<std::filesystem::path>& files,
                                                 const ImportSettings& settings);
 

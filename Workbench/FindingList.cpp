@@ -4,6 +4,8 @@
 
 #include "Platform/Fatal.h"
 
+namespace gavrel {
+
 void FindingList::setFindings(std::vector<Finding> value) {
   beginResetModel();
   findings_ = std::move(value);
@@ -24,8 +26,8 @@ QVariant FindingList::data(const QModelIndex& index, int role) const {
   const Finding& shown = finding(index.row());
   switch (role) {
     case ConsequenceRole: {
-      const std::string_view name = nameOf(shown.consequence);
-      return QString::fromUtf8(name);
+      const std::string_view consequence = describeConsequence(shown.consequence);
+      return QString::fromUtf8(consequence);
     }
     case EndsProgramRole:
       return shown.consequence == Finding::Consequence::EndsProgram;
@@ -50,3 +52,5 @@ QHash<int, QByteArray> FindingList::roleNames() const {
           {TextRole, "text"},
           {CanMakeLinearRole, "canMakeLinear"}};
 }
+
+}  // namespace gavrel

@@ -6,6 +6,8 @@
 
 #include "Diagnosis/Finding.h"
 
+namespace gavrel {
+
 /// Findings as a list to be shown, with a role for each part of a finding.
 class FindingList : public QAbstractListModel {
   Q_OBJECT
@@ -40,3 +42,5 @@ class FindingList : public QAbstractListModel {
  private:
   std::vector<Finding> findings_;
 };
+
+}  // namespace gavrel

@@ -121,9 +121,10 @@ TEST(ProjectFile, TellsWhatIsWrongAndWhere) {
       {"\"F_I\":[1,2", "\"F_I\":[1,null", "F_I[1]: expected a number, found null"},
       {"\"D_I\":[true", "\"D_I\":[1", "D_I[0]: expected true or false, found the number 1"},
   };
-  for (const auto& [from, to, reason] : cases) EXPECT_THAT(reasonOf(replaced(small, from, to)), HasSubstr(reason));
-  EXPECT_EQ(reasonOf("[]"), "expected an object, found an array");
-  EXPECT_THAT(reasonOf(small.substr(0, 500)), HasSubstr("the text ends here"));
+  for (const auto& [from, to, reason] : cases)
+    EXPECT_THAT(decodeForReason(replaced(small, from, to)), HasSubstr(reason));
+  EXPECT_EQ(decodeForReason("[]"), "expected an object, found an array");
+  EXPECT_THAT(decodeForReason(small.substr(0, 500)), HasSubstr("the text ends here"));
 }
 
 TEST(ProjectFile, RefusesToWriteWhatJsonCannotHold) {

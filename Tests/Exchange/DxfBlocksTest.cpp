@@ -4,6 +4,8 @@
 #include "Tests/Near.h"
 #include "Tests/TemporaryFolder.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -6,6 +6,8 @@
 #include "Exchange/Draft.h"
 #include "Exchange/DxfGroups.h"
 
+using namespace gavrel;
+
 namespace {
 
 using testing::ElementsAre;

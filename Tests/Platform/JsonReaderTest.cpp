@@ -110,7 +110,7 @@ TEST(JsonReader, TellsWhatStandsWhereInsteadOfWhat) {
   const char* const records[][2] = {
       {"[]", "expected an object, found an array"},
       {R"({"truths": []})", "\"number\" is missing"},
-      {R"({"number": 1, "truths": [], "number": 1})", "\"number\" stands twice"},
+      {R"({"number": 1, "truths": [], "number": 1})", "\"number\" occurs twice"},
       {R"({"number": 1, "truths": [true, 2]})", "truths[1]: expected true or false, found the number 2"},
       {R"({"number": "1"})", "number: expected a number, found a text"}};
   for (const auto& [text, reason] : records) EXPECT_EQ(faultOfRecord(text), reason) << text;

@@ -131,9 +131,9 @@ TEST(ProjectViewModel, TellsObserversBeforeAChangeAndTheWindowAfterIt) {
       model.setSelectedNodesForTruss({1});
     });
     const auto former = *model.project;
-    const auto differing = [&, state = stateOf(model), nodes = *model.numberOfNodes] {
-      return (*model.project != former) + (*model.numberOfNodes != nodes) + (*model.appMode != std::get<0>(state)) +
-             (*model.selectedNodesForTruss != std::get<1>(state));
+    const auto differing = [&, before = captureState(model), nodes = *model.numberOfNodes] {
+      return (*model.project != former) + (*model.numberOfNodes != nodes) + (*model.appMode != std::get<0>(before)) +
+             (*model.selectedNodesForTruss != std::get<1>(before));
     };
     int calls = 0;
     model.objectWillChange.observe([&] {

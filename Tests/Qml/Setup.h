@@ -8,6 +8,8 @@
 #include "Drops.h"
 #include "UpdateStates.h"
 
+namespace gavrel {
+
 /// Lets the tests import the program's QML modules and read what it prints ("standardOutput"),
 /// bring an update manager into its states ("updates"), and drop files ("drops").
 class Setup : public QObject {
@@ -30,3 +32,5 @@ class Setup : public QObject {
   UpdateStates updates_;
   Drops drops_;
 };
+
+}  // namespace gavrel

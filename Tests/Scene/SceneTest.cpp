@@ -20,7 +20,7 @@ TEST(SceneNode, LooksAtAnyTargetWithItsYAxisUpright) {
     node.lookAt(eye + sight);
     EXPECT_EQ(node.position, eye);
     const double size = length(sight);
-    const auto [right, up, back] = transformOf(node).columns;
+    const auto [right, up, back] = computeTransform(node).columns;
     expectNear(back, {-sight.x / size, -sight.y / size, -sight.z / size}, 1e-7);
     EXPECT_NEAR(right.y, 0, 1e-12) << "not rolled";
     EXPECT_GT(up.y, -1e-12) << "not on its head";
