@@ -11,7 +11,7 @@
 #include "Benchmarks/BenchmarkLattice.h"
 #include "Benchmarks/Floor.h"
 #include "Benchmarks/Stopwatch.h"
-#include "Platform/SparseCholesky.h"
+#include "Factorization/SparseCholesky.h"
 
 using namespace gavrel;
 
@@ -89,7 +89,7 @@ void stages(Project& project, benchmark::UserCounters& counters) {
 
   SparseCholesky cholesky;
   const CSR& H = project.H_II;
-  const SymmetricMatrix matrix{project.nI, dofsPerNode, H.starts, H.indices, H.values};
+  const SymmetricMatrix matrix{project.nI, dofsPerNode, H.starts, H.indices, H.values, *project.X_I};
   watch.lap();
   bool failed = cholesky.analyse(matrix).has_value();
   counters["analysis"] = watch.lap();

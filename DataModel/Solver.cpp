@@ -41,6 +41,8 @@ SolveFault explainFault(const CholeskyFault& fault) {
                    "the stiffness matrix cannot be factorized at " + where + ": its numbers are too large");
     case Kind::OutOfMemory:
       return {Of::OutOfMemory, "not enough memory to factorize the stiffness matrix"};
+    case Kind::Cancelled:
+      break;  // nobody cancels here
   }
   return {Of::NotFinite, "the stiffness matrix cannot be factorized"};
 }
@@ -133,7 +135,7 @@ Solver::MaybeFault Solver::LinearSolve() {
   if (std::ssize(dU) < nI) fatalIndex("dU_I", nI - 1, std::ssize(dU));
 
   const CSR& H = project_.H_II;
-  if (const auto fault = cholesky_.factorize({nI, dofsPerNode, H.starts, H.indices, H.values}))
+  if (const auto fault = cholesky_.factorize({nI, dofsPerNode, H.starts, H.indices, H.values, *project_.X_I}))
     return explainFault(*fault);
   if (const auto fault = cholesky_.solve(R, dU)) return explainFault(*fault);
   cholesky_.dropFactor();

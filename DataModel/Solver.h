@@ -5,7 +5,7 @@
 
 #include "DataModel/Project.h"
 #include "DataModel/SolveOutcome.h"
-#include "Platform/SparseCholesky.h"
+#include "Factorization/SparseCholesky.h"
 
 namespace gavrel {
 

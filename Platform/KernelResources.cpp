@@ -7,9 +7,13 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
+#include <mutex>
 #include <string_view>
 #include <vector>
+
+/// OpenBLAS's own store of buffers: what is given back stays mapped for whoever asks next.
+extern "C" void* blas_memory_alloc(int where);
+extern "C" void blas_memory_free(void* buffer);
 
 namespace gavrel {
 
@@ -20,12 +24,8 @@ constexpr std::size_t bufferSize = 144 * mebibyte;  // with what the kernel adds
 constexpr rlim_t threadSize = 160 * mebibyte;       // a buffer, a stack and what malloc keeps for a thread
 constexpr rlim_t programSize = 1024 * mebibyte;     // leaves the threads time to map their buffers
 
-/// Below this many operations the threads cost more than they save.
-constexpr double threadedOperations = 2e9;
-
-// Settings of OpenBLAS and of OpenMP.
+// Setting of OpenBLAS.
 std::array<char, 23> oneKernelThread{"OPENBLAS_NUM_THREADS=1"};
-std::array<char, 19> oneLoopThread{"OMP_THREAD_LIMIT=1"};
 
 rlim_t readLimit(__rlimit_resource resource) {
   rlimit limit{};
@@ -39,38 +39,34 @@ void fitThreadsToMemory(int, char** arguments, char** environment) {
   const rlim_t limit = std::min(readLimit(RLIMIT_AS), readLimit(RLIMIT_DATA));
   if (limit >= programSize + threads * threadSize) return;
 
+  const std::string_view wanted = oneKernelThread.data();
+  const std::string_view name = wanted.substr(0, wanted.find('=') + 1);
   std::vector<char*> settings;
-  int asWanted = 0;
   for (char** setting = environment; *setting != nullptr; ++setting) {
-    const std::string_view text = *setting;
-    const auto sets = [text](const char* wanted) {
-      const std::string_view name(wanted);
-      return text.starts_with(name.substr(0, name.find('=') + 1));
-    };
-    if (text == oneKernelThread.data() || text == oneLoopThread.data()) ++asWanted;
-    if (!sets(oneKernelThread.data()) && !sets(oneLoopThread.data())) settings.push_back(*setting);
+    if (*setting == wanted) return;
+    if (!std::string_view(*setting).starts_with(name)) settings.push_back(*setting);
   }
-  if (asWanted == 2) return;
-  settings.insert(settings.end(), {oneKernelThread.data(), oneLoopThread.data(), nullptr});
+  settings.insert(settings.end(), {oneKernelThread.data(), nullptr});
   ::execve("/proc/self/exe", arguments, settings.data());
 }
 
-bool reserveKernelBuffer() {
-  static std::atomic<bool> reserved = false;
-  if (reserved) return true;
-  void* const room = ::mmap(nullptr, bufferSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (room == MAP_FAILED) return false;
-  ::munmap(room, bufferSize);
-  const double one = 1;
-  double square = 0;
-  cblas_dsyrk(CblasColMajor, CblasLower, CblasNoTrans, 1, 1, 1, &one, 1, 0, &square, 1);
-  reserved = true;
-  return true;
-}
-
-void setKernelThreads(double operations) {
-  static const int most = openblas_get_num_threads();  // more would be started now
-  openblas_set_num_threads(operations < threadedOperations ? 1 : most);
+int reserveKernelBuffers(int threads) {
+  static std::mutex mutex;
+  static int mappedBuffers = 0;
+  const std::lock_guard lock(mutex);
+  openblas_set_num_threads(1);
+  std::vector<void*> taken;
+  while (std::ssize(taken) < threads) {
+    if (std::ssize(taken) >= mappedBuffers) {
+      void* const room = ::mmap(nullptr, bufferSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+      if (room == MAP_FAILED) break;
+      ::munmap(room, bufferSize);
+    }
+    taken.push_back(blas_memory_alloc(0));
+  }
+  mappedBuffers = std::max(mappedBuffers, static_cast<int>(taken.size()));
+  for (void* const buffer : taken) blas_memory_free(buffer);
+  return static_cast<int>(taken.size());
 }
 
 }  // namespace gavrel

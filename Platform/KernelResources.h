@@ -2,7 +2,7 @@
 
 namespace gavrel {
 
-/// The threads and the memory of OpenBLAS's dense kernels and of the loops that CHOLMOD runs by OpenMP.
+/// The threads and the memory of OpenBLAS's dense kernels.
 ///
 /// OpenBLAS starts its threads when the program is loaded. Each of them, and the one that calls it, maps a buffer of
 /// 128 MiB; where the address space has no room for it, the thread tries again for ever, and the program cannot end.
@@ -12,10 +12,8 @@ namespace gavrel {
 /// their threads: by a program's ".preinit_array".
 void fitThreadsToMemory(int count, char** arguments, char** environment);
 
-/// Has OpenBLAS map the buffer of the calling thread, which it keeps; false where there is no room for it.
-[[nodiscard]] bool reserveKernelBuffer();
-
-/// Sets how many threads the kernels use for a factorization of so many operations.
-void setKernelThreads(double operations);
+/// Has OpenBLAS compute in the threads that call it, and map the buffers of so many that do so at once, which it keeps.
+/// Returns for how many there is room, at most `threads`; 0 if there is none.
+[[nodiscard]] int reserveKernelBuffers(int threads);
 
 }  // namespace gavrel

@@ -1,4 +1,4 @@
-#include "Platform/CholeskySelection.h"
+#include "Factorization/Selection.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@ namespace gavrel {
 namespace {
 
 /// Marks the stored entries that are not zero or were selected before.
-std::vector<bool> markWantedEntries(const SymmetricMatrix& matrix, const CholeskySelection& previous) {
+std::vector<bool> markWantedEntries(const SymmetricMatrix& matrix, const Selection& previous) {
   std::vector<bool> wanted(matrix.values.size());
   for (std::size_t k = 0; k < wanted.size(); ++k) wanted[k] = matrix.values[k] != 0.0;
   for (const std::int64_t source : previous.sources) wanted[static_cast<std::size_t>(source)] = true;
@@ -16,13 +16,13 @@ std::vector<bool> markWantedEntries(const SymmetricMatrix& matrix, const Cholesk
 
 class Selector {
  public:
-  Selector(const SymmetricMatrix& matrix, const CholeskySelection& previous)
+  Selector(const SymmetricMatrix& matrix, const Selection& previous)
       : matrix_(matrix),
         wanted_(markWantedEntries(matrix, previous)),
         number_(static_cast<std::size_t>(matrix.size), notCoupled),
         lastBlock_(static_cast<std::size_t>(matrix.size / matrix.blockSize + 1), -1) {}
 
-  CholeskySelection run() {
+  Selection run() {
     numberUnknowns();
     result_.starts.reserve(result_.unknowns.size() + 1);
     result_.starts.push_back(0);
@@ -82,21 +82,18 @@ class Selector {
   std::vector<bool> wanted_;
   std::vector<std::int64_t> number_;     // of each unknown in the selection
   std::vector<std::int64_t> lastBlock_;  // for each block of rows, the last block of columns with a wanted entry in it
-  CholeskySelection result_;
+  Selection result_;
 };
 
 }  // namespace
 
-CholeskySelection CholeskySelection::select(const SymmetricMatrix& matrix, const CholeskySelection& previous) {
+Selection Selection::select(const SymmetricMatrix& matrix, const Selection& previous) {
   return Selector(matrix, previous).run();
 }
 
-bool CholeskySelection::gather(const SymmetricMatrix& matrix, std::span<double> selected) const {
+bool Selection::covers(const SymmetricMatrix& matrix) const {
   std::int64_t inside = 0;
-  for (std::size_t j = 0; j < sources.size(); ++j) {
-    selected[j] = matrix.values[static_cast<std::size_t>(sources[j])];
-    inside += selected[j] != 0.0 ? 1 : 0;
-  }
+  for (const std::int64_t source : sources) inside += matrix.values[static_cast<std::size_t>(source)] != 0.0 ? 1 : 0;
   for (const std::int64_t unknown : uncoupled) {
     const auto diagonal = matrix.starts[static_cast<std::size_t>(unknown)];
     inside += matrix.values[static_cast<std::size_t>(diagonal)] != 0.0 ? 1 : 0;

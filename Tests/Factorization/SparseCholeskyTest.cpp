@@ -1,4 +1,4 @@
-#include "Platform/SparseCholesky.h"
+#include "Factorization/SparseCholesky.h"
 
 #include <gtest/gtest.h>
 

@@ -4,18 +4,19 @@
 #include <optional>
 #include <span>
 
-#include "Platform/CholeskySelection.h"
+#include "Factorization/SymmetricMatrix.h"
 
 namespace gavrel {
 
-/// Solves symmetric positive definite systems by sparse Cholesky factorization (CHOLMOD, supernodal).
+/// Solves symmetric positive definite systems by sparse Cholesky factorization (multifrontal).
 ///
 /// The analysis of the matrix's structure is kept between calls of `factorize` and repeated only when entries that were
 /// zero have become non-zero; all matrices given to one object must share their stored structure. The factor is kept
 /// until `dropFactor`, the next `factorize` or the object's end.
 class SparseCholesky {
  public:
-  SparseCholesky();
+  /// `threads` 0: as many as the machine has. The results do not depend on it.
+  explicit SparseCholesky(int threads = 0);
   SparseCholesky(SparseCholesky&&) noexcept;
   SparseCholesky& operator=(SparseCholesky&&) noexcept;
   ~SparseCholesky();
@@ -26,8 +27,13 @@ class SparseCholesky {
   /// Computes the factor, or returns why and at which unknown that fails (there is no factor then).
   [[nodiscard]] std::optional<CholeskyFault> factorize(const SymmetricMatrix& matrix);
 
-  /// Writes the solution of matrix · x = b into `x`; both have one entry for each unknown. Needs a factor.
-  [[nodiscard]] std::optional<CholeskyFault> solve(std::span<const double> b, std::span<double> x);
+  /// Writes the solution of matrix · x = b into `x`, for `count` right-hand sides: their columns, of one entry for each
+  /// unknown, stand behind each other. Needs a factor.
+  [[nodiscard]] std::optional<CholeskyFault> solve(std::span<const double> b, std::span<double> x,
+                                                   std::int32_t count = 1);
+
+  /// Ends the factorization that another thread is at, or else the next one, with the fault Cancelled.
+  void cancel();
 
   /// The unknown whose pivot is no larger than rounding errors, if there is one: the matrix is singular to working
   /// precision although it could be factorized, and the solution is meaningless.
@@ -36,6 +42,7 @@ class SparseCholesky {
   /// The smallest ratio of a pivot to its diagonal entry in the last factorization; 1 if all unknowns are uncoupled.
   [[nodiscard]] double smallestPivotRatio() const;
 
+  /// Gives the factor's memory back, which `factorize` uses again otherwise.
   void dropFactor();
 
  private:
