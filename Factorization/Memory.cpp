@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <limits>
 #include <new>
 #include <utility>
@@ -11,6 +12,10 @@ namespace gavrel {
 namespace {
 
 constexpr std::int64_t largePage = std::int64_t{1} << 21;
+
+/// Larger arrays of numbers go back to the system at once: few fit any later use, and together they would be as large
+/// as what is in use.
+constexpr std::int64_t largestKept = std::int64_t{1} << 19;
 
 std::size_t bytesOf(std::int64_t size) {
   return static_cast<std::size_t>(size) * sizeof(double);
@@ -80,9 +85,13 @@ double* NumberPool::take(std::int64_t size) {
 }
 
 void NumberPool::giveBack(const double* data) {
+  NumberArray unused;  // unmapped after the lock is given up
   const std::lock_guard lock(mutex_);
-  for (Block& block : blocks_)
-    if (block.numbers.data() == data) block.isTaken = false;
+  const auto block = std::ranges::find(blocks_, data, [](const Block& b) { return b.numbers.data(); });
+  block->isTaken = false;
+  if (block->numbers.size() <= largestKept) return;
+  unused = std::move(block->numbers);
+  blocks_.erase(block);
 }
 
 void NumberPool::giveAllBack() {
