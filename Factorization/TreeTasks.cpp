@@ -7,7 +7,6 @@
 #include <functional>
 #include <mutex>
 #include <queue>
-#include <ranges>
 
 namespace gavrel {
 
@@ -105,7 +104,7 @@ void TreeTasks::visitUpwards(int threads, const Visit& visit) const {
 
 void TreeTasks::visitDownwards(int threads, const Visit& visit) const {
   if (threads <= 1 || !isWorthThreads()) {
-    for (const Task& task : std::views::reverse(tasks_)) visit(task);
+    for (std::size_t t = tasks_.size(); t-- > 0;) visit(tasks_[t]);
     return;
   }
   tbb::task_arena arena(threads);
