@@ -1,8 +1,10 @@
 #include "Benchmarks/Floor.h"
 
+#include <cblas.h>
 #include <cholmod.h>
 
 #include <stdexcept>
+#include <thread>
 
 #include "Benchmarks/Stopwatch.h"
 
@@ -37,6 +39,8 @@ Triangle extractTranslations(const CSR& H_II) {
 
 Floor Floor::measure(const CSR& H_II) {
   Triangle triangle = extractTranslations(H_II);
+  // Our own factorizations have left OpenBLAS with one.
+  openblas_set_num_threads(static_cast<int>(std::thread::hardware_concurrency()));
   cholmod_common common;
   cholmod_l_start(&common);
   common.supernodal = CHOLMOD_SUPERNODAL;
