@@ -221,8 +221,8 @@ TEST(RandomMatrix, CanBeCancelled) {
 }
 
 #if !defined(__SANITIZE_ADDRESS__)  // which reserves far more address space than there is
-/// Ends the process with 0 if a factorization within so much further address space ends with a factor or tells of too
-/// little memory.
+/// Ends the process with 0 if a factorization within so much further address space and its solution succeed or tell of
+/// too little memory.
 [[noreturn]] void factorizeWithin(std::size_t mebibytes, const Mesh& mesh) {
   std::FILE* const file = std::fopen("/proc/self/statm", "r");
   std::size_t pages = 0;
@@ -232,7 +232,9 @@ TEST(RandomMatrix, CanBeCancelled) {
   const rlimit limit{most, most};
   if (::setrlimit(RLIMIT_AS, &limit) != 0) std::_Exit(4);
   SparseCholesky cholesky;
-  const auto fault = cholesky.factorize(mesh.view());
+  std::vector<double> x(static_cast<std::size_t>(mesh.size), 1.0);
+  auto fault = cholesky.factorize(mesh.view());
+  if (!fault) fault = cholesky.solve(x, x);
   std::_Exit(fault && fault->kind != Kind::OutOfMemory ? 1 : 0);
 }
 
