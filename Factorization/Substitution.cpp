@@ -7,6 +7,26 @@
 
 namespace gavrel {
 
+namespace {
+
+/// A block of columns of a front's panel.
+struct PanelBlock {
+  std::int32_t first;   // column
+  std::int32_t n;       // columns
+  std::int32_t within;  // rows below its diagonal tile that belong to later columns of the front
+  std::int32_t height;  // of its columns
+  const double* L;
+};
+
+PanelBlock takeBlock(const Front& front, const double* panel, std::int32_t block) {
+  const Trapezoid shape = front.panel();
+  const std::int32_t first = block * Trapezoid::width;
+  const std::int32_t n = std::min(Trapezoid::width, front.width - first);
+  return {first, n, front.width - first - n, shape.height(block), panel + shape.start(block)};
+}
+
+}  // namespace
+
 // Each front keeps the part of the right-hand sides that belongs to its rows: on the way up what it takes from its
 // ancestors' unknowns, on the way down their solution. `rows` holds it front by front, each with its columns behind
 // each other.
@@ -41,13 +61,8 @@ void Multifrontal::solveForward(std::int32_t f, std::span<double> x, std::span<d
       }
     }
   }
-  const Trapezoid shape = front.panel();
-  for (std::int32_t block = 0; block < shape.blocks(); ++block) {
-    const std::int32_t first = block * Trapezoid::width;
-    const std::int32_t n = std::min(Trapezoid::width, front.width - first);
-    const std::int32_t height = shape.height(block);
-    const double* const L = panel(f) + shape.start(block);
-    const std::int32_t within = front.width - first - n;
+  for (std::int32_t block = 0; block < front.panel().blocks(); ++block) {
+    const auto [first, n, within, height, L] = takeBlock(front, panel(f), block);
     if (count == 1) {
       cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, n, L, height, own + first, 1);
       if (within > 0)
@@ -88,13 +103,8 @@ void Multifrontal::solveBackward(std::int32_t f, std::span<double> x, std::span<
       }
     }
   }
-  const Trapezoid shape = front.panel();
-  for (std::int32_t block = shape.blocks() - 1; block >= 0; --block) {
-    const std::int32_t first = block * Trapezoid::width;
-    const std::int32_t n = std::min(Trapezoid::width, front.width - first);
-    const std::int32_t height = shape.height(block);
-    const double* const L = panel(f) + shape.start(block);
-    const std::int32_t within = front.width - first - n;
+  for (std::int32_t block = front.panel().blocks() - 1; block >= 0; --block) {
+    const auto [first, n, within, height, L] = takeBlock(front, panel(f), block);
     if (count == 1) {
       if (front.rows > 0)
         cblas_dgemv(CblasColMajor, CblasTrans, front.rows, n, -1, L + n + within, height, below, 1, 1, own + first, 1);
