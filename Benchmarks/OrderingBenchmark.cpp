@@ -2,6 +2,7 @@
 // to find the order and its tree.
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -50,13 +51,15 @@ int main(int argc, char** argv) {
               "operat.", "entries", "ms", "operat.", "entries", "ms");
   for (const NamedGraph& named : listGraphs()) {
     if (named.name.find(wanted) == std::string::npos) continue;
+    const std::atomic<bool> stop = false;
     const auto [graph, coordinates] = named.build();
     std::printf("%-26s %7d", named.name.c_str(), graph.size());
     printOrder(graph, [&graph = graph] { return EliminationTree::grow(graph, dissectByMetis(graph)); });
-    printOrder(graph, [&graph = graph, &coordinates = coordinates] {
-      return EliminationTree::grow(graph, dissectByCoordinates(graph, coordinates));
+    printOrder(graph, [&graph = graph, &coordinates = coordinates, &stop] {
+      return EliminationTree::grow(graph, dissectByCoordinates(graph, coordinates, stop));
     });
-    printOrder(graph, [&graph = graph, &coordinates = coordinates] { return chooseOrder(graph, coordinates); });
+    printOrder(graph,
+               [&graph = graph, &coordinates = coordinates, &stop] { return chooseOrder(graph, coordinates, stop); });
     std::printf("\n");
   }
 }

@@ -24,7 +24,7 @@ constexpr double metisPartOfBadOrder = 1.0 / 4;
 constexpr double meshOperations = 40;
 
 /// Coordinates of each vertex; empty if some are missing or not finite.
-std::vector<double> coordinatesOfVertices(const NodeGraph& graph, std::span<const double> coordinates) {
+std::vector<double> selectCoordinates(const NodeGraph& graph, std::span<const double> coordinates) {
   std::vector<double> result;
   result.reserve(3 * graph.blocks.size());
   for (const std::int32_t block : graph.blocks) {
@@ -44,15 +44,17 @@ EliminationTree growByMetis(const NodeGraph& graph) {
 
 }  // namespace
 
-EliminationTree chooseOrder(const NodeGraph& graph, std::span<const double> coordinates) {
-  const std::vector<double> ofVertices = coordinatesOfVertices(graph, coordinates);
-  if (ofVertices.empty()) return growByMetis(graph);
-  EliminationTree tree = EliminationTree::grow(graph, dissectByCoordinates(graph, ofVertices));
+EliminationTree chooseOrder(const NodeGraph& graph, std::span<const double> coordinates,
+                            const std::atomic<bool>& stop) {
+  const std::vector<double> selected = selectCoordinates(graph, coordinates);
+  if (selected.empty()) return growByMetis(graph);
+  EliminationTree tree = EliminationTree::grow(graph, dissectByCoordinates(graph, selected, stop));
   const double operations = tree.operations(graph);
   const auto unknowns = static_cast<double>(graph.firstUnknown.back());
   const double part = operations > meshOperations * unknowns * unknowns ? metisPartOfBadOrder : metisPart;
   const auto entries = static_cast<double>(graph.blocks.size() + graph.neighbours.size());
   if (entries * metisOperations > operations * part) return tree;
+  giveUpIf(stop);
   EliminationTree other = growByMetis(graph);
   return other.operations(graph) < operations ? other : tree;
 }

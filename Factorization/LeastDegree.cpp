@@ -39,15 +39,15 @@ class Neighbourhoods {
 
 }  // namespace
 
-void orderByLeastDegree(const NodeGraph& graph, std::span<std::int32_t> part, std::vector<std::int32_t>& numberOf) {
+void orderByLeastDegree(const NodeGraph& graph, std::span<std::int32_t> part, std::vector<std::int32_t>& numbers) {
   // Number the part, then what borders on it.
   const auto inside = static_cast<std::int32_t>(part.size());
   std::vector<std::int32_t> border;
-  for (std::int32_t i = 0; i < inside; ++i) numberOf[part[i]] = i;
+  for (std::int32_t i = 0; i < inside; ++i) numbers[part[i]] = i;
   for (const std::int32_t vertex : part) {
     for (const std::int32_t other : graph.neighboursAt(vertex)) {
-      if (numberOf[other] >= 0) continue;
-      numberOf[other] = inside + static_cast<std::int32_t>(border.size());
+      if (numbers[other] >= 0) continue;
+      numbers[other] = inside + static_cast<std::int32_t>(border.size());
       border.push_back(other);
     }
   }
@@ -56,10 +56,10 @@ void orderByLeastDegree(const NodeGraph& graph, std::span<std::int32_t> part, st
   Neighbourhoods adjacent(part.size(), members);
   for (std::int32_t i = 0; i < inside; ++i) {
     adjacent.insert(i, i);
-    for (const std::int32_t other : graph.neighboursAt(part[i])) adjacent.insert(i, numberOf[other]);
+    for (const std::int32_t other : graph.neighboursAt(part[i])) adjacent.insert(i, numbers[other]);
   }
-  for (const std::int32_t vertex : part) numberOf[vertex] = -1;
-  for (const std::int32_t vertex : border) numberOf[vertex] = -1;
+  for (const std::int32_t vertex : part) numbers[vertex] = -1;
+  for (const std::int32_t vertex : border) numbers[vertex] = -1;
 
   std::vector<std::int32_t> degree(inside);
   for (std::int32_t i = 0; i < inside; ++i) degree[i] = adjacent.count(i);

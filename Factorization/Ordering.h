@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "Factorization/Cancellation.h"
 #include "Factorization/NodeGraph.h"
 
 namespace gavrel {
@@ -14,12 +15,13 @@ namespace gavrel {
 /// Cuts by METIS. Empty if it has not enough memory.
 [[nodiscard]] std::vector<std::int32_t> dissectByMetis(const NodeGraph& graph);
 
-/// Cuts by planes across the longest extent of the coordinates (x, y, z of each vertex, all finite).
+/// Cuts by planes, given x, y, z of each vertex, all finite. Throws Cancellation when `stop` is set.
 [[nodiscard]] std::vector<std::int32_t> dissectByCoordinates(const NodeGraph& graph,
-                                                             std::span<const double> coordinates);
+                                                             std::span<const double> coordinates,
+                                                             const std::atomic<bool>& stop);
 
 /// Orders the vertices of a small part by least degree (Tinney, Walker 1967), given the neighbours outside the part
-/// that are eliminated after it. `part` is put in order.
-void orderByLeastDegree(const NodeGraph& graph, std::span<std::int32_t> part, std::vector<std::int32_t>& numberOf);
+/// that are eliminated after it. `part` is put in order. `numbers` is work space for each vertex, -1 between uses.
+void orderByLeastDegree(const NodeGraph& graph, std::span<std::int32_t> part, std::vector<std::int32_t>& numbers);
 
 }  // namespace gavrel

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "Factorization/Cancellation.h"
 #include "Factorization/ChooseOrder.h"
 #include "Factorization/Fronts.h"
 #include "Factorization/Multifrontal.h"
@@ -100,8 +101,11 @@ struct SparseCholesky::State {
       size = matrix.size;
       selection = Selection::select(matrix, selection);
       if (!selection.unknowns.empty()) {
+        giveUpIf(isCancelled);
         const NodeGraph graph = NodeGraph::build(selection, matrix.blockSize);
-        plan = Fronts::plan(selection, graph, chooseOrder(graph, matrix.coordinates));
+        const EliminationTree tree = chooseOrder(graph, matrix.coordinates, isCancelled);
+        giveUpIf(isCancelled);
+        plan = Fronts::plan(selection, graph, tree);
       }
       isAnalysed = true;
     }
@@ -163,6 +167,10 @@ std::optional<CholeskyFault> SparseCholesky::analyse(const SymmetricMatrix& matr
   } catch (const std::bad_alloc&) {
     state_->forget();
     return outOfMemory;
+  } catch (const Cancellation&) {
+    state_->forget();
+    state_->isCancelled = false;
+    return cancelled;
   }
 }
 
@@ -177,6 +185,10 @@ std::optional<CholeskyFault> SparseCholesky::factorize(const SymmetricMatrix& ma
   } catch (const std::bad_alloc&) {
     s.forget();
     return outOfMemory;
+  } catch (const Cancellation&) {
+    s.forget();
+    s.isCancelled = false;
+    return cancelled;
   }
 }
 
