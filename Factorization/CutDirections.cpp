@@ -11,6 +11,7 @@ namespace gavrel {
 namespace {
 
 constexpr std::int32_t sampleSize = 512;
+constexpr std::int32_t samplePart = 4;  // at most a fourth of the vertices
 constexpr std::int32_t manyVertices = 4096;
 
 /// Directions that appear less often among the edges are no feature of the structure.
@@ -41,7 +42,7 @@ void addIfNew(std::vector<Direction>& directions, const Direction& direction) {
 /// Calls with every so many-th vertex.
 template <class Visit>
 void forEachInSample(const Part& part, std::int32_t size, Visit&& visit) {
-  const std::int32_t stride = std::max(1, part.size() / size);
+  const std::int32_t stride = std::max(samplePart, part.size() / size);
   for (std::int32_t vertex = 0; vertex < part.size(); vertex += stride) visit(vertex);
 }
 

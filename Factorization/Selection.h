@@ -16,7 +16,7 @@ struct Selection {
   std::vector<std::int64_t> unknowns;   ///< numbers of the coupled unknowns, ascending; the selection's own numbering
   std::vector<std::int64_t> uncoupled;  ///< numbers of the others
   std::vector<std::int64_t> starts;     ///< the selected lower triangle in compressed columns
-  std::vector<std::int64_t> rows;       ///< row of each selected entry, in the selection's numbering
+  std::vector<std::int32_t> rows;       ///< row of each selected entry, in the selection's numbering
   std::vector<std::int64_t> sources;    ///< where in the stored values each selected entry stands
 
   /// Selects the entries that are not zero, and those that `previous` selected.
