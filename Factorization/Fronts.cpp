@@ -18,6 +18,7 @@ struct Numbering {
   Numbers place;        // of each vertex
   Numbers order;        // of vertices
   Numbers firstColumn;  // of what stands at each place, and the number of columns
+  Numbers columnPlaces;
 };
 
 Numbering numberFronts(const NodeGraph& graph, const std::vector<Group>& groups, Fronts& plan) {
@@ -31,6 +32,7 @@ Numbering numberFronts(const NodeGraph& graph, const std::vector<Group>& groups,
                            static_cast<std::int32_t>(group.vertices.size())});
     for (const std::int32_t vertex : group.vertices) {
       numbering.place[vertex] = static_cast<std::int32_t>(numbering.order.size());
+      numbering.columnPlaces.insert(numbering.columnPlaces.end(), graph.unknowns(vertex), numbering.place[vertex]);
       numbering.order.push_back(vertex);
       numbering.firstColumn.push_back(numbering.firstColumn.back() + graph.unknowns(vertex));
       for (auto unknown = graph.firstUnknown[vertex]; unknown < graph.firstUnknown[vertex + 1]; ++unknown)
@@ -132,19 +134,12 @@ class RowFinder {
     std::ranges::sort(rows);
   }
 
-  /// The last place that does not stand behind the column.
-  [[nodiscard]] std::int32_t placeOfColumn(std::int32_t column) const {
-    return static_cast<std::int32_t>(std::ranges::upper_bound(numbering_.firstColumn, column) -
-                                     numbering_.firstColumn.begin()) -
-           1;
-  }
-
   void placeEntries(const Front& front) {
     std::vector<std::pair<std::int32_t, std::int64_t>> sorted;
     for (std::int32_t column = front.firstColumn; column < front.firstColumn + front.width; ++column) {
       sorted.clear();
       for (auto k = plan_.entryStarts[column]; k < plan_.entryStarts[column + 1]; ++k) {
-        const std::int32_t place = placeOfColumn(plan_.entryRows[k]);
+        const std::int32_t place = numbering_.columnPlaces[plan_.entryRows[k]];
         sorted.emplace_back(offset_[place] + plan_.entryRows[k] - numbering_.firstColumn[place], plan_.entrySources[k]);
       }
       std::ranges::sort(sorted);
