@@ -8,21 +8,12 @@
 #include <vector>
 
 #include "DataModel/Project.h"
+#include "DataModel/ProjectContents.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/JsonWriter.h"
 #include "Platform/Result.h"
 
 namespace gavrel {
-
-/// What a file holds of a project.
-struct ProjectContents {
-  std::string name;
-  std::vector<TrussElement> trussElements;
-  std::vector<BeamElement> beamElements;
-  std::vector<double> X_I;
-  std::vector<double> F_I;
-  std::vector<bool> D_I;
-};
 
 /// A project of these contents, taken as they are; displacements and work arrays are zeros.
 [[nodiscard]] std::shared_ptr<Project> makeProject(ProjectContents contents);
