@@ -49,16 +49,14 @@ void encodeProject(const Project& project, const ByteSink& sink);
 /// Writes an array of element records, every field under its key.
 template <class Record>
 void writeElements(JsonWriter& json, const std::vector<Record>& elements) {
-  json.beginArray();
-  for (const Record& element : elements) {
-    json.beginObject();
-    forEachField<Record>([&](const auto& field) {
-      json.key(field.key);
-      json.value(element.*field.member);
+  json.items(elements.size(), [&elements](JsonWriter& item, std::size_t i) {
+    item.beginObject();
+    forEachField<Record>([&, i](const auto& field) {
+      item.key(field.key);
+      item.value(elements[i].*field.member);
     });
-    json.end();
-  }
-  json.end();
+    item.end();
+  });
 }
 
 }  // namespace gavrel

@@ -1,10 +1,11 @@
 #include "Platform/JsonWriter.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "Platform/NumberText.h"
+#include "Platform/OrderedText.h"
 
 namespace gavrel {
 
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::size_t indentationStep = 2;
 constexpr std::size_t largestPiece = std::size_t{256} * 1024;
+constexpr std::size_t itemsPerPiece = 1024;  // of arrays that several threads write
 
 }  // namespace
 
@@ -110,24 +112,50 @@ void JsonWriter::quoted(std::string_view text) {
   text_ += '"';
 }
 
-template <class Values>
-void JsonWriter::rows(const Values& values, std::size_t perLine) {
+void JsonWriter::inParallel(std::size_t count, const WriteRange& writeRange) {
   open('[', ']');
-  std::size_t place = 0;
-  for (const auto value : values) {
-    if (place == 0) {
-      beforeValue();
-    } else {
-      text_ += ", ";
-    }
-    if constexpr (std::is_same_v<Values, std::vector<bool>>) {
-      text_ += value ? "true" : "false";
-    } else {
-      number(value);
-    }
-    if (++place == perLine) place = 0;
+  if (count <= itemsPerPiece) {
+    writeRange(*this, 0, count);
+  } else {
+    const auto write = [this, &writeRange](std::size_t first, std::size_t last, std::string& text) {
+      JsonWriter piece;
+      piece.text_.swap(text);
+      piece.closings_ = closings_;
+      piece.indentation_ = indentation_;
+      piece.empty_ = first == 0;
+      writeRange(piece, first, last);
+      piece.text_.swap(text);
+    };
+    if (sink_) handOver();
+    makeInOrder(count, itemsPerPiece, write, [this](std::string_view piece) {
+      if (sink_) {
+        sink_(piece);
+      } else {
+        text_ += piece;
+      }
+    });
+    empty_ = false;
   }
   end();
+}
+
+template <class Values>
+void JsonWriter::rows(const Values& values, std::size_t perLine) {
+  const std::size_t count = values.size();
+  inParallel((count + perLine - 1) / perLine, [&](JsonWriter& json, std::size_t first, std::size_t last) {
+    for (std::size_t i = first * perLine; i < std::min(last * perLine, count); ++i) {
+      if (i % perLine == 0) {
+        json.beforeValue();
+      } else {
+        json.text_ += ", ";
+      }
+      if constexpr (std::is_same_v<Values, std::vector<bool>>) {
+        json.text_ += values[i] ? "true" : "false";
+      } else {
+        json.number(values[i]);
+      }
+    }
+  });
 }
 
 void JsonWriter::table(std::span<const double> numbers, std::size_t perLine) {
