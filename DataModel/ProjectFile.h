@@ -49,10 +49,14 @@ void encodeProject(const Project& project, const ByteSink& sink);
 /// Writes an array of element records, every field under its key.
 template <class Record>
 void writeElements(JsonWriter& json, const std::vector<Record>& elements) {
-  json.items(elements.size(), [&elements](JsonWriter& item, std::size_t i) {
+  std::vector<std::string_view> names;
+  forEachField<Record>([&names](const auto& field) { names.push_back(field.key); });
+  const std::vector<std::string> keys = json.itemKeys(names);
+  json.items(elements.size(), [&](JsonWriter& item, std::size_t i) {
+    auto key = keys.begin();
     item.beginObject();
-    forEachField<Record>([&, i](const auto& field) {
-      item.key(field.key);
+    forEachField<Record>([&](const auto& field) {
+      item.itemKey(*key++);
       item.value(elements[i].*field.member);
     });
     item.end();

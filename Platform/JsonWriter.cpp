@@ -15,6 +15,11 @@ constexpr std::size_t indentationStep = 2;
 constexpr std::size_t largestPiece = std::size_t{256} * 1024;
 constexpr std::size_t itemsPerPiece = 1024;  // of arrays that several threads write
 
+/// Whether a byte is none of the printable ASCII characters that stand for themselves.
+bool mayNeedEscape(char c) {
+  return c < ' ' || c > '~' || c == '"' || c == '\\';
+}
+
 }  // namespace
 
 void JsonWriter::newLine() {
@@ -59,6 +64,20 @@ void JsonWriter::key(std::string_view name) {
   afterKey_ = true;
 }
 
+std::vector<std::string> JsonWriter::itemKeys(std::span<const std::string_view> names) const {
+  JsonWriter item;
+  item.indentation_ = indentation_ + indentationStep;
+  item.open('{', '}');
+  std::vector<std::string> keys;
+  for (const std::string_view name : names) {
+    item.text_.clear();
+    item.key(name);
+    item.afterKey_ = false;
+    keys.push_back(item.text_);
+  }
+  return keys;
+}
+
 void JsonWriter::number(double number) {
   if (std::isfinite(number)) {
     appendJsonNumber(text_, number);
@@ -90,7 +109,11 @@ void JsonWriter::value(std::string_view text) {
 void JsonWriter::quoted(std::string_view text) {
   constexpr std::string_view hexadecimal = "0123456789abcdef";
   text_ += '"';
-  for (const char c : text) {
+  while (true) {
+    const auto* const special = std::ranges::find_if(text, mayNeedEscape);
+    text_.append(text.begin(), special);
+    if (special == text.end()) break;
+    const char c = *special;
     const auto code = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
       text_ += '\\';
@@ -108,6 +131,7 @@ void JsonWriter::quoted(std::string_view text) {
     } else {
       text_ += c;
     }
+    text.remove_prefix(static_cast<std::size_t>(special - text.begin()) + 1);
   }
   text_ += '"';
 }

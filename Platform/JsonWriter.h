@@ -39,6 +39,15 @@ class JsonWriter {
     });
   }
 
+  /// The keys of the objects in an array that is written next, each with all that stands before its value: made once
+  /// for many objects. To be written by `itemKey`, in the same order.
+  [[nodiscard]] std::vector<std::string> itemKeys(std::span<const std::string_view> names) const;
+  void itemKey(const std::string& key) {
+    text_ += key;
+    empty_ = false;
+    afterKey_ = true;
+  }
+
   /// An array of numbers or booleans, `perLine` of them on each line (a node's coordinates, say).
   void table(std::span<const double> numbers, std::size_t perLine);
   void table(const std::vector<bool>& truths, std::size_t perLine);
