@@ -38,7 +38,8 @@ constexpr std::array contentMembers{
                                 [](JsonValue json, ProjectContents& to) { readElements(json, to.trussElements); }},
     JsonMember<ProjectContents>{"beamElements",
                                 [](JsonValue json, ProjectContents& to) {
-                                  if (!jsonResult(json.is_null())) readElements(json, to.beamElements);
+                                  const bool isNull = jsonResult(json.type()) == simdjson::ondemand::json_type::null;
+                                  if (!isNull || !jsonResult(json.is_null())) readElements(json, to.beamElements);
                                 },
                                 false},
     JsonMember<ProjectContents>{"X_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.X_I); }},
