@@ -1,10 +1,15 @@
 #include "DataModel/ProjectFile.h"
 
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <new>
 #include <utility>
 
 #include "Platform/FileBytes.h"
+#include "Platform/FileDescriptor.h"
 #include "Platform/JsonReader.h"
 #include "Platform/NumberText.h"
 
@@ -82,37 +87,24 @@ std::uint64_t largestSize(const Project& project) {
          largestSize(*project.beamElements) + numbers * (numberSize + aroundEach);
 }
 
-template <class Record, std::size_t i>
-void readField(JsonValue json, Record& record) {
-  readJson(json, record.*std::get<i>(Record::fields).member);
+/// The contents of a large file without a fault; small ones are read faster by one thread.
+std::optional<ProjectContents> readLargeFile(const std::filesystem::path& path) {
+  constexpr std::uint64_t smallest = std::uint64_t{1} << 20;
+  std::error_code unknown;
+  if (!std::filesystem::is_regular_file(path, unknown)) return std::nullopt;  // it may be read only once
+  const std::uint64_t size = std::filesystem::file_size(path, unknown);
+  if (unknown || size < smallest || size > largestProjectFile) return std::nullopt;
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.isOpen()) return std::nullopt;
+  const auto readBlock = [&file](char* block, std::size_t room) -> std::size_t {
+    ssize_t got = 0;
+    do {
+      got = ::read(file.get(), block, room);
+    } while (got < 0 && errno == EINTR);
+    return static_cast<std::size_t>(std::max(got, ssize_t{0}));  // after an error the rest is missing, which shows
+  };
+  return readContentsInPieces(readBlock, size);
 }
-
-template <class Record>
-constexpr auto listMembers() {
-  return []<std::size_t... i>(std::index_sequence<i...>) {
-    return std::array{JsonMember<Record>{std::get<i>(Record::fields).key, &readField<Record, i>}...};
-  }
-  (std::make_index_sequence<std::tuple_size_v<decltype(Record::fields)>>());
-}
-
-template <class Record>
-void readElements(JsonValue json, std::vector<Record>& elements) {
-  static constexpr auto members = listMembers<Record>();
-  readJsonItems(json, [&elements](JsonValue item) { readJsonObject(item, elements.emplace_back(), members); });
-}
-
-constexpr std::array contentMembers{
-    JsonMember<ProjectContents>{"name", [](JsonValue json, ProjectContents& to) { readJson(json, to.name); }},
-    JsonMember<ProjectContents>{"trussElements",
-                                [](JsonValue json, ProjectContents& to) { readElements(json, to.trussElements); }},
-    JsonMember<ProjectContents>{"beamElements",
-                                [](JsonValue json, ProjectContents& to) {
-                                  if (!jsonResult(json.is_null())) readElements(json, to.beamElements);
-                                },
-                                false},
-    JsonMember<ProjectContents>{"X_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.X_I); }},
-    JsonMember<ProjectContents>{"F_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.F_I); }},
-    JsonMember<ProjectContents>{"D_I", [](JsonValue json, ProjectContents& to) { readJson(json, to.D_I); }}};
 
 }  // namespace
 
@@ -167,9 +159,7 @@ void encodeProject(const Project& project, const ByteSink& sink) {
 
 Result<std::shared_ptr<Project>> decodeProject(std::string json) {
   try {
-    ProjectContents contents;
-    JsonDocument(std::move(json)).read([&contents](JsonValue root) { readJsonObject(root, contents, contentMembers); });
-    return makeProject(std::move(contents));
+    return makeProject(readContents(std::move(json)));
   } catch (const JsonError& error) {
     return Failure{error.what()};
   }
@@ -182,6 +172,7 @@ std::optional<Failure> writeProject(const Project& project, const std::filesyste
 }
 
 Result<std::shared_ptr<Project>> readProject(const std::filesystem::path& path) try {
+  if (auto contents = readLargeFile(path)) return makeProject(std::move(*contents));
   auto bytes = readFile(path, largestProjectFile);
   if (!bytes) return bytes.failure();
   return decodeProject(std::move(*bytes));

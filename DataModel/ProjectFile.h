@@ -8,21 +8,12 @@
 #include <vector>
 
 #include "DataModel/Project.h"
+#include "DataModel/ProjectContents.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/JsonWriter.h"
 #include "Platform/Result.h"
 
 namespace gavrel {
-
-/// What a file holds of a project.
-struct ProjectContents {
-  std::string name;
-  std::vector<TrussElement> trussElements;
-  std::vector<BeamElement> beamElements;
-  std::vector<double> X_I;
-  std::vector<double> F_I;
-  std::vector<bool> D_I;
-};
 
 /// A project of these contents, taken as they are; displacements and work arrays are zeros.
 [[nodiscard]] std::shared_ptr<Project> makeProject(ProjectContents contents);
@@ -58,16 +49,18 @@ void encodeProject(const Project& project, const ByteSink& sink);
 /// Writes an array of element records, every field under its key.
 template <class Record>
 void writeElements(JsonWriter& json, const std::vector<Record>& elements) {
-  json.beginArray();
-  for (const Record& element : elements) {
-    json.beginObject();
+  std::vector<std::string_view> names;
+  forEachField<Record>([&names](const auto& field) { names.push_back(field.key); });
+  const std::vector<std::string> keys = json.itemKeys(names);
+  json.items(elements.size(), [&](JsonWriter& item, std::size_t i) {
+    auto key = keys.begin();
+    item.beginObject();
     forEachField<Record>([&](const auto& field) {
-      json.key(field.key);
-      json.value(element.*field.member);
+      item.itemKey(*key++);
+      item.value(elements[i].*field.member);
     });
-    json.end();
-  }
-  json.end();
+    item.end();
+  });
 }
 
 }  // namespace gavrel

@@ -1,6 +1,7 @@
 #include "Exchange/Export.h"
 #include "Exchange/TableColumn.h"
 #include "Platform/AtomicFile.h"
+#include "Platform/OrderedText.h"
 
 namespace gavrel {
 
@@ -8,26 +9,23 @@ namespace {
 
 std::optional<Failure> writeTable(const Project& project, std::span<const TableColumn> columns, std::int64_t rows,
                                   const std::filesystem::path& path, Results results) {
-  return replaceFile(path, [&](const ByteSink& sink) {
-    constexpr std::size_t piece = 1 << 16;
-    std::string text;
-    for (const TableColumn& column : columns) {
-      if (!text.empty()) text += ',';
-      text += column.name;
-    }
-    text += '\n';
-    for (std::int64_t row = 0; row < rows; ++row) {
+  const auto writeRows = [&](std::size_t first, std::size_t last, std::string& text) {
+    for (auto row = static_cast<std::int64_t>(first); row < static_cast<std::int64_t>(last); ++row) {
       for (const TableColumn& column : columns) {
         if (column.origin != TableColumn::Origin::result || results == Results::written)
           text += formatCell(column.cell(project, row));
         text += ',';
       }
       text.back() = '\n';
-      if (text.size() < piece) continue;
-      sink(text);
-      text.clear();
     }
-    sink(text);
+  };
+  return replaceFile(path, [&](const ByteSink& sink) {
+    constexpr std::size_t rowsPerPiece = 1024;
+    std::string heading;
+    for (const TableColumn& column : columns) heading += std::string(column.name) + ',';
+    heading.back() = '\n';
+    sink(heading);
+    makeInOrder(static_cast<std::size_t>(rows), rowsPerPiece, writeRows, sink);
   });
 }
 

@@ -1,11 +1,11 @@
 #include <bit>
-#include <cstring>
 #include <functional>
 #include <limits>
 #include <vector>
 
 #include "Exchange/Export.h"
 #include "Platform/AtomicFile.h"
+#include "Platform/OrderedText.h"
 
 namespace gavrel {
 
@@ -44,7 +44,8 @@ struct DataArray {
   std::string_view type;
   int components;
   std::uint64_t bytes;
-  std::function<void(const std::function<void(const void*, std::size_t)>&)> write;
+  std::int64_t rows;
+  std::function<void(std::size_t first, std::size_t last, std::string& bytes)> append;  ///< some of the rows
 };
 
 template <class Number>
@@ -54,23 +55,22 @@ constexpr std::string_view typeName() {
   return "Int8";
 }
 
-/// An array with `components` numbers for each of `rows` rows.
-template <class Number>
-DataArray dataArray(std::string_view name, int components, std::int64_t rows,
-                    std::function<Number(std::int64_t row, int component)> number) {
+/// An array with `components` numbers for each of `rows` rows: `number(row, component)`.
+template <class Number, class Read>
+DataArray dataArray(std::string_view name, int components, std::int64_t rows, Read number) {
   const auto bytes = static_cast<std::uint64_t>(rows * components) * sizeof(Number);
-  return {name, typeName<Number>(), components, bytes, [=](const auto& put) {
-            for (std::int64_t row = 0; row < rows; ++row)
-              for (int component = 0; component < components; ++component) {
-                const Number value = number(row, component);
-                put(&value, sizeof value);
-              }
-          }};
+  return {
+      name, typeName<Number>(), components, bytes, rows, [=](std::size_t first, std::size_t last, std::string& text) {
+        for (std::size_t row = first; row < last; ++row)
+          for (int component = 0; component < components; ++component) {
+            const Number value = number(static_cast<std::int64_t>(row), component);
+            text.append(reinterpret_cast<const char*>(&value), sizeof value);
+          }
+      }};
 }
 
 /// Three of a node's entries in an array with `stride` a node; what the array lacks is 0.
-std::function<double(std::int64_t, int)> makeVectorReader(const std::vector<double>& array, std::int64_t stride,
-                                                          std::int64_t first) {
+auto makeVectorReader(const std::vector<double>& array, std::int64_t stride, std::int64_t first) {
   return [&array, stride, first](std::int64_t node, int component) {
     const std::int64_t i = stride * node + first + component;
     return i < std::ssize(array) ? array[static_cast<std::size_t>(i)] : 0.0;
@@ -154,21 +154,14 @@ std::optional<Failure> exportVtu(const Project& project, const std::filesystem::
   const auto lines = collectLines(project);
   const auto sections = collectSections(project, lines, results);
   return replaceFile(path, [&](const ByteSink& sink) {
-    constexpr std::size_t piece = 1 << 16;
-    std::string bytes = composeHead(sections, project.nodeCount(), std::ssize(lines));
-    const auto put = [&](const void* data, std::size_t size) {
-      bytes.append(static_cast<const char*>(data), size);
-      if (bytes.size() < piece) return;
-      sink(bytes);
-      bytes.clear();
-    };
+    constexpr std::size_t rowsPerPiece = 8192;
+    sink(composeHead(sections, project.nodeCount(), std::ssize(lines)));
     for (const Section& section : sections)
       for (const DataArray& array : section.arrays) {
-        put(&array.bytes, sizeof array.bytes);
-        array.write(put);
+        sink({reinterpret_cast<const char*>(&array.bytes), sizeof array.bytes});
+        makeInOrder(static_cast<std::size_t>(array.rows), rowsPerPiece, array.append, sink);
       }
-    bytes += "\n</AppendedData>\n</VTKFile>\n";
-    sink(bytes);
+    sink("\n</AppendedData>\n</VTKFile>\n");
   });
 }
 

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <string>
+#include <utility>
 
 #include "Platform/Destination.h"
 #include "Platform/FileBytes.h"
@@ -45,9 +47,15 @@ int writeAll(int descriptor, std::string_view bytes) {
 
 /// 0, or the errno value of the first write that failed.
 int writeAll(int descriptor, const Producer& produce) {
+  constexpr std::uint64_t step = std::uint64_t{16} << 20;
   int code = 0;
+  std::uint64_t written = 0;
   produce([&](std::string_view piece) {
-    if (code == 0) code = writeAll(descriptor, piece);
+    if (code != 0) return;
+    code = writeAll(descriptor, piece);
+    const std::uint64_t before = std::exchange(written, written + piece.size());
+    // The disk begins while the rest is made, so that the flush at the end is short.
+    if (before / step != written / step) ::sync_file_range(descriptor, 0, 0, SYNC_FILE_RANGE_WRITE);
   });
   return code;
 }

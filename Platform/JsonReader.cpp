@@ -85,12 +85,11 @@ JsonError JsonError::addPlace(std::string place) const {
 JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   if (text_.starts_with(byteOrderMark)) start_ = byteOrderMark.size();
-  text_.reserve(text_.size() + simdjson::SIMDJSON_PADDING);
 }
 
-JsonValue JsonDocument::begin() {
-  const auto fault =
-      parser_.iterate(text_.data() + start_, text_.size() - start_, text_.capacity() - start_).get(document_);
+JsonValue JsonParser::begin(std::string& text, std::size_t start) {
+  text.reserve(text.size() + simdjson::SIMDJSON_PADDING);
+  const auto fault = parser_.iterate(text.data() + start, text.size() - start, text.capacity() - start).get(document_);
   if (fault == simdjson::MEMALLOC) throw std::bad_alloc();
   if (fault != simdjson::SUCCESS) throw JsonError(simdjson::error_message(fault));
   JsonValue root;
@@ -98,7 +97,7 @@ JsonValue JsonDocument::begin() {
   return root;
 }
 
-void JsonDocument::end() {
+void JsonParser::end() {
   const bool atEnd = document_.current_location().error() == simdjson::OUT_OF_BOUNDS;
   if (!atEnd) throw JsonError("there is more after the value");
 }

@@ -34,6 +34,26 @@ class JsonError : public std::exception {
   std::string text_;
 };
 
+/// Reads JSON texts whose root is an object or an array, one after the other, in memory that it keeps.
+class JsonParser {
+ public:
+  /// Calls `readRoot(root)`, once. Throws JsonError if any part of the text is not JSON, and what `readRoot` throws.
+  /// `readRoot` must read or skip every value that it meets. The text starts at byte `start`; it may be given more
+  /// capacity.
+  template <class ReadRoot>
+  void read(std::string& text, std::size_t start, ReadRoot&& readRoot) {
+    readRoot(begin(text, start));
+    end();
+  }
+
+ private:
+  [[nodiscard]] JsonValue begin(std::string& text, std::size_t start);
+  void end();
+
+  simdjson::ondemand::parser parser_;
+  simdjson::ondemand::document document_;
+};
+
 /// A JSON text whose root is an object or an array.
 class JsonDocument {
  public:
@@ -45,8 +65,7 @@ class JsonDocument {
   template <class ReadRoot>
   void read(ReadRoot&& readRoot) {
     try {
-      readRoot(begin());
-      end();
+      parser_.read(text_, start_, readRoot);
     } catch (const JsonError&) {
       requireJson();
       throw;
@@ -54,14 +73,11 @@ class JsonDocument {
   }
 
  private:
-  [[nodiscard]] JsonValue begin();
-  void end();
   void requireJson() const;
 
   std::string text_;
   std::size_t start_ = 0;  // after the byte order mark
-  simdjson::ondemand::parser parser_;
-  simdjson::ondemand::document document_;
+  JsonParser parser_;
 };
 
 /// Throws JsonError for a value that is not of the expected type.

@@ -1,10 +1,11 @@
 #include "Platform/JsonWriter.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "Platform/NumberText.h"
+#include "Platform/OrderedText.h"
 
 namespace gavrel {
 
@@ -12,6 +13,12 @@ namespace {
 
 constexpr std::size_t indentationStep = 2;
 constexpr std::size_t largestPiece = std::size_t{256} * 1024;
+constexpr std::size_t itemsPerPiece = 1024;  // of arrays that several threads write
+
+/// Whether a byte is none of the printable ASCII characters that stand for themselves.
+bool mayNeedEscape(char c) {
+  return c < ' ' || c > '~' || c == '"' || c == '\\';
+}
 
 }  // namespace
 
@@ -57,6 +64,20 @@ void JsonWriter::key(std::string_view name) {
   afterKey_ = true;
 }
 
+std::vector<std::string> JsonWriter::itemKeys(std::span<const std::string_view> names) const {
+  JsonWriter item;
+  item.indentation_ = indentation_ + indentationStep;
+  item.open('{', '}');
+  std::vector<std::string> keys;
+  for (const std::string_view name : names) {
+    item.text_.clear();
+    item.key(name);
+    item.afterKey_ = false;
+    keys.push_back(item.text_);
+  }
+  return keys;
+}
+
 void JsonWriter::number(double number) {
   if (std::isfinite(number)) {
     appendJsonNumber(text_, number);
@@ -88,7 +109,11 @@ void JsonWriter::value(std::string_view text) {
 void JsonWriter::quoted(std::string_view text) {
   constexpr std::string_view hexadecimal = "0123456789abcdef";
   text_ += '"';
-  for (const char c : text) {
+  while (true) {
+    const auto* const special = std::ranges::find_if(text, mayNeedEscape);
+    text_.append(text.begin(), special);
+    if (special == text.end()) break;
+    const char c = *special;
     const auto code = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
       text_ += '\\';
@@ -106,28 +131,55 @@ void JsonWriter::quoted(std::string_view text) {
     } else {
       text_ += c;
     }
+    text.remove_prefix(static_cast<std::size_t>(special - text.begin()) + 1);
   }
   text_ += '"';
 }
 
-template <class Values>
-void JsonWriter::rows(const Values& values, std::size_t perLine) {
+void JsonWriter::inParallel(std::size_t count, const WriteRange& writeRange) {
   open('[', ']');
-  std::size_t place = 0;
-  for (const auto value : values) {
-    if (place == 0) {
-      beforeValue();
-    } else {
-      text_ += ", ";
-    }
-    if constexpr (std::is_same_v<Values, std::vector<bool>>) {
-      text_ += value ? "true" : "false";
-    } else {
-      number(value);
-    }
-    if (++place == perLine) place = 0;
+  if (count <= itemsPerPiece) {
+    writeRange(*this, 0, count);
+  } else {
+    const auto write = [this, &writeRange](std::size_t first, std::size_t last, std::string& text) {
+      JsonWriter piece;
+      piece.text_.swap(text);
+      piece.closings_ = closings_;
+      piece.indentation_ = indentation_;
+      piece.empty_ = first == 0;
+      writeRange(piece, first, last);
+      piece.text_.swap(text);
+    };
+    if (sink_) handOver();
+    makeInOrder(count, itemsPerPiece, write, [this](std::string_view piece) {
+      if (sink_) {
+        sink_(piece);
+      } else {
+        text_ += piece;
+      }
+    });
+    empty_ = false;
   }
   end();
+}
+
+template <class Values>
+void JsonWriter::rows(const Values& values, std::size_t perLine) {
+  const std::size_t count = values.size();
+  inParallel((count + perLine - 1) / perLine, [&](JsonWriter& json, std::size_t first, std::size_t last) {
+    for (std::size_t i = first * perLine; i < std::min(last * perLine, count); ++i) {
+      if (i % perLine == 0) {
+        json.beforeValue();
+      } else {
+        json.text_ += ", ";
+      }
+      if constexpr (std::is_same_v<Values, std::vector<bool>>) {
+        json.text_ += values[i] ? "true" : "false";
+      } else {
+        json.number(values[i]);
+      }
+    }
+  });
 }
 
 void JsonWriter::table(std::span<const double> numbers, std::size_t perLine) {

@@ -30,6 +30,24 @@ class JsonWriter {
   /// `text` must be valid UTF-8. Control characters are escaped.
   void value(std::string_view text);
 
+  /// An array of `count` items: `writeItem(json, i)` writes one. Those of long arrays are written by several threads,
+  /// each with a writer of its own.
+  template <class WriteItem>
+  void items(std::size_t count, WriteItem&& writeItem) {
+    inParallel(count, [&writeItem](JsonWriter& json, std::size_t first, std::size_t last) {
+      for (std::size_t i = first; i < last; ++i) writeItem(json, i);
+    });
+  }
+
+  /// The keys of the objects in an array that is written next, each with all that stands before its value: made once
+  /// for many objects. To be written by `itemKey`, in the same order.
+  [[nodiscard]] std::vector<std::string> itemKeys(std::span<const std::string_view> names) const;
+  void itemKey(const std::string& key) {
+    text_ += key;
+    empty_ = false;
+    afterKey_ = true;
+  }
+
   /// An array of numbers or booleans, `perLine` of them on each line (a node's coordinates, say).
   void table(std::span<const double> numbers, std::size_t perLine);
   void table(const std::vector<bool>& truths, std::size_t perLine);
@@ -38,6 +56,9 @@ class JsonWriter {
   [[nodiscard]] std::string take();
 
  private:
+  using WriteRange = std::function<void(JsonWriter& json, std::size_t first, std::size_t last)>;
+
+  void inParallel(std::size_t count, const WriteRange& writeRange);
   void open(char opening, char closing);
   void beforeValue();
   void handOver();

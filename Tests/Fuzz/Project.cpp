@@ -46,6 +46,17 @@ void requireSame(const Project& project, const json& spelled) {
   requireSame(*project.D_I, spelled.at("D_I"));
 }
 
+/// Reads the text piece by piece; a piece is so short that a small text has several.
+std::optional<ProjectContents> readInPieces(std::string_view text) {
+  const auto source = [text](char* block, std::size_t size) mutable {
+    const std::size_t got = text.copy(block, size);
+    text.remove_prefix(got);
+    return got;
+  };
+  constexpr std::size_t pieceSize = 64;
+  return readContentsInPieces(source, text.size(), pieceSize);
+}
+
 }  // namespace
 
 /// Whatever the bytes, reading a project ends with a reason or with a project that holds what they say and survives
@@ -53,7 +64,9 @@ void requireSame(const Project& project, const json& spelled) {
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string text(toText(data, size));
   const auto project = decodeProject(text);
+  auto inPieces = readInPieces(text);
   if (!project) {
+    require(!inPieces, "a fault that does not show in pieces");
     const std::string& reason = project.failure().reason;
     require(!reason.empty(), "a failure without a reason");
     require(reason.starts_with("not valid JSON at line ") == findJsonFault(text).has_value(),
@@ -65,6 +78,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
 
   const auto written = encodeProject(**project);
   require(static_cast<bool>(written), "a project that was read cannot be written");
+  if (inPieces) {
+    const auto likewise = encodeProject(*makeProject(std::move(*inPieces)));
+    require(likewise && *likewise == *written, "another project when it is read in pieces");
+  }
   const auto again = decodeProject(*written);
   require(static_cast<bool>(again), "a project that was written cannot be read");
   const auto rewritten = encodeProject(**again);
