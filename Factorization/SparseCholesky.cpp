@@ -213,6 +213,14 @@ double SparseCholesky::smallestPivotRatio() const {
   return state_->smallestPivotRatio;
 }
 
+double SparseCholesky::operations() const {
+  return state_->plan ? state_->plan->operations : 0;
+}
+
+int SparseCholesky::threads() const {
+  return state_->threads;
+}
+
 void SparseCholesky::dropFactor() {
   state_->factor.reset();
 }

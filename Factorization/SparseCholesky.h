@@ -42,6 +42,12 @@ class SparseCholesky {
   /// The smallest ratio of a pivot to its diagonal entry in the last factorization; 1 if all unknowns are uncoupled.
   [[nodiscard]] double smallestPivotRatio() const;
 
+  /// Multiplications and additions of a factorization, after the analysis.
+  [[nodiscard]] double operations() const;
+
+  /// Threads that a large factorization uses, if there is room for them.
+  [[nodiscard]] int threads() const;
+
   /// Gives the factor's memory back, which `factorize` uses again otherwise.
   void dropFactor();
 
