@@ -121,7 +121,7 @@ class HitTester {
   }
 
  private:
-  [[nodiscard]] double growth(double distance) const { return std::max(1.0, ray_.thickening * distance); }
+  [[nodiscard]] double growth(double distance) const { return std::max(ray_.thickness, ray_.thickening * distance); }
 
   /// False if the ray passes outside of a ball around the shape: a quick test before the exact one.
   [[nodiscard]] bool mayMeet(const SceneNode& node) const {
@@ -154,7 +154,7 @@ class HitTester {
     const double passing = dot(world.translation - ray_.origin, ray_.direction);
     const Vector3 o = local(ray_.at(passing) - world.translation);
     const Vector3 d = local(ray_.direction);
-    const double thick = ray_.thickening > 0 ? growth(distanceOfAxis(world, half)) : 1;
+    const double thick = ray_.thickening > 0 ? growth(distanceOfAxis(world, half)) : ray_.thickness;
     const Span span = std::visit(
         [&](const auto& shape) {
           if constexpr (requires { inside(shape, thick, o, d); }) return inside(shape, thick, o, d);

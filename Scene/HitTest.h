@@ -14,6 +14,7 @@ struct Ray {
   /// Factor on a shape's thickness per unit of its distance from the origin; the product counts as 1 if it is smaller.
   /// So a shape that a viewer draws thicker, to be seen from afar, is hit as it is drawn. 0 hits the exact shapes.
   double thickening = 0;
+  double thickness = 1;  ///< least factor on a shape's thickness
 
   /// The point at this distance from the origin, where the direction has length 1.
   [[nodiscard]] Vector3 at(double distance) const { return origin + direction * distance; }

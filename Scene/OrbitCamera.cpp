@@ -10,20 +10,29 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 constexpr double margin = 1.1;         // of a fitted picture
+constexpr double retreat = 3;          // radii from the middle of what a parallel projection shows
 constexpr double closestFit = 2;       // smallest distance of a fitted view, for a single node
 constexpr double deepestRatio = 1e-4;  // of near to far: what 24 bits of depth resolve
 
-/// The range that holds every r - s and r + s that was added.
-struct Interval {
-  double low = Bounds::infinity;
-  double high = -Bounds::infinity;
+/// Where a camera at distance d can stand across its line of sight to see points: at x, where for each point, seen r
+/// across and b towards the camera, r - x <= (d - b) above and x - r <= (d - b) below, the slopes of the picture's
+/// edges.
+class Standpoints {
+ public:
+  Standpoints(double below, double above) : below_(below), above_(above) {}
 
-  void add(double r, double s) {
-    low = std::min(low, r - s);
-    high = std::max(high, r + s);
+  void add(double r, double b) {
+    low_ = std::min(low_, r - b * below_);
+    high_ = std::max(high_, r + b * above_);
   }
-  [[nodiscard]] double middle() const { return (low + high) / 2; }
-  [[nodiscard]] double half() const { return (high - low) / 2; }
+  [[nodiscard]] double leastDistance() const { return (high_ - low_) / (below_ + above_); }
+  [[nodiscard]] double at(double distance) const { return (low_ + high_ + distance * (below_ - above_)) / 2; }
+
+ private:
+  double below_;
+  double above_;
+  double low_ = Bounds::infinity;
+  double high_ = -Bounds::infinity;
 };
 
 double tangentOfHalf() {
@@ -38,6 +47,22 @@ OrbitCamera::Axes OrbitCamera::axes() const {
   return {upright({cy, 0, -sy}), upright({sy * sp, cp, cy * sp}), upright({sy * cp, -sp, cy * cp})};
 }
 
+void OrbitCamera::setParallel(bool value, const Vector3& reference) {
+  if (value == parallel) return;
+  const double deep = std::abs(depth(reference));
+  if (value)
+    span = height * pixelLength(deep);
+  else
+    position = position + axes().back * (span / (height * pixelAngle()) - deep);
+  parallel = value;
+}
+
+void OrbitCamera::retreatFrom(const Bounds& box) {
+  if (!parallel || box.empty()) return;
+  const double wanted = std::max(retreat * box.radius(), span);
+  position = position + axes().back * (wanted - depth(box.centre()));
+}
+
 void OrbitCamera::orbit(const Vector3& pivot, double left, double down) {
   const Vector3 offset = pivot - position;
   const Axes before = axes();
@@ -50,44 +75,72 @@ void OrbitCamera::orbit(const Vector3& pivot, double left, double down) {
 
 void OrbitCamera::pan(const Vector3& reference, double dx, double dy) {
   const Axes a = axes();
-  const double perPixel = pixelAngle() * std::abs(depth(reference));
+  const double perPixel = pixelLength(std::abs(depth(reference)));
   position = position - a.right * (dx * perPixel) + a.up * (dy * perPixel);
 }
 
 void OrbitCamera::zoom(const Vector3& reference, double factor, double closest) {
-  const Vector3 offset = reference - position;
+  Vector3 offset = reference - position;
+  if (parallel) {
+    const Vector3 back = axes().back;
+    offset = offset - back * dot(offset, back);
+    const double wanted = std::max(span / factor, closest);
+    position = position + offset * (1 - wanted / span);
+    span = wanted;
+    return;
+  }
   const double distance = length(offset);
   const double wanted = std::max(distance / factor, closest);
   if (distance > 0) position = position + offset * (1 - wanted / distance);
 }
 
-void OrbitCamera::fit(const std::vector<Vector3>& points) {
+void OrbitCamera::fit(const std::vector<Vector3>& points, const Insets& insets) {
   Bounds box;
   for (const Vector3& point : points) box.add(point, 0);
   if (box.empty()) return;
+  if (parallel) return fitParallel(points, box, insets);
   const Axes a = axes();
   const Vector3 centre = box.centre();
-  const double vertical = tangentOfHalf() / margin;
-  const double horizontal = vertical * width / height;
-  // A point (r, u, b) in the camera's axes, seen from (x, y, d), is in the picture where |r - x| <= (d - b) horizontal
-  // and |u - y| <= (d - b) vertical.
-  Interval across;
-  Interval upward;
+  const auto standpoints = [this](double size, double inset) {
+    const double half = std::max(size - inset, 1.0) / 2 / margin;
+    return Standpoints((half - inset / 2) * pixelAngle(), (half + inset / 2) * pixelAngle());
+  };
+  Standpoints across = standpoints(width, insets.left);
+  Standpoints upward = standpoints(height, insets.bottom);
   for (const Vector3& point : points) {
     const Vector3 offset = point - centre;
     const double towards = dot(offset, a.back);
     if (!std::isfinite(towards)) continue;
-    across.add(dot(offset, a.right), towards * horizontal);
-    upward.add(dot(offset, a.up), towards * vertical);
+    across.add(dot(offset, a.right), towards);
+    upward.add(dot(offset, a.up), towards);
   }
-  const double distance = std::max({across.half() / horizontal, upward.half() / vertical, closestFit});
-  position = centre + a.right * across.middle() + a.up * upward.middle() + a.back * distance;
+  const double distance = std::max({across.leastDistance(), upward.leastDistance(), closestFit});
+  position = centre + a.right * across.at(distance) + a.up * upward.at(distance) + a.back * distance;
+}
+
+void OrbitCamera::fitParallel(const std::vector<Vector3>& points, const Bounds& box, const Insets& insets) {
+  const Axes a = axes();
+  const Vector3 centre = box.centre();
+  Bounds seen;
+  for (const Vector3& point : points) {
+    const Vector3 offset = point - centre;
+    seen.add({dot(offset, a.right), dot(offset, a.up), 0}, 0);
+  }
+  const Vector3 extent = seen.high - seen.low;
+  const double perPixel =
+      margin * std::max({extent.x / std::max(width - insets.left, 1.0),
+                         extent.y / std::max(height - insets.bottom, 1.0), 2 * closestFit * tangentOfHalf() / height});
+  span = perPixel * height;
+  position = centre + a.right * (seen.centre().x - insets.left / 2 * perPixel) +
+             a.up * (seen.centre().y - insets.bottom / 2 * perPixel);
+  retreatFrom(box);
 }
 
 Ray OrbitCamera::ray(double x, double y) const {
   const Axes a = axes();
-  const double right = (x - width / 2) * pixelAngle();
-  const double up = (height / 2 - y) * pixelAngle();
+  const double right = (x - width / 2) * pixelLength(1);
+  const double up = (height / 2 - y) * pixelLength(1);
+  if (parallel) return {position + a.right * right + a.up * up, a.back * -1};
   const Vector3 direction = a.right * right - a.back + a.up * up;
   return {position, direction * (1 / length(direction))};
 }
@@ -97,7 +150,7 @@ std::optional<OrbitCamera::PicturePoint> OrbitCamera::project(const Vector3& poi
   const Vector3 offset = point - position;
   const double deep = -dot(offset, a.back);
   if (!(deep > 0)) return std::nullopt;
-  const double scale = 1 / (deep * pixelAngle());
+  const double scale = 1 / pixelLength(deep);
   return PicturePoint{width / 2 + dot(offset, a.right) * scale, height / 2 - dot(offset, a.up) * scale, deep};
 }
 
@@ -116,11 +169,16 @@ OrbitCamera::ClipPlanes OrbitCamera::clipPlanes(const Bounds& box) const {
   }
   const double slack = 0.01 * box.radius();
   const double far = std::max(1.01 * farthest, 1e-3);
+  if (parallel) return {nearest - slack, far + slack};
   return {std::max(nearest - slack, far * deepestRatio), far};
 }
 
 double OrbitCamera::pixelAngle() const {
   return 2 * tangentOfHalf() / height;
+}
+
+double OrbitCamera::pixelLength(double depth) const {
+  return parallel ? span / height : pixelAngle() * depth;
 }
 
 }  // namespace gavrel

@@ -26,6 +26,10 @@ void InstanceTable::append(const Transform& world, const Vector3& stretch, const
   rows_.append(reinterpret_cast<const char*>(&row), rowSize);
 }
 
+std::span<const InstanceTable::InstanceTableEntry> InstanceTable::rows() const {
+  return {reinterpret_cast<const InstanceTableEntry*>(rows_.constData()), static_cast<std::size_t>(size())};
+}
+
 void InstanceTable::publish() {
   markDirty();
   emit sizeChanged();

@@ -3,6 +3,7 @@
 #include <qqml.h>
 #include <QByteArray>
 #include <QQuick3DInstancing>
+#include <span>
 
 #include "DataModel/Vector3.h"
 #include "Scene/Transform.h"
@@ -25,6 +26,9 @@ class InstanceTable : public QQuick3DInstancing {
   /// Appends a shape whose mesh is stretched by `stretch` in its own axes before `world` puts it into the scene, which
   /// is drawn relative to `origin` so that single precision suffices far from zero.
   void append(const Transform& world, const Vector3& stretch, const Vector3& origin, const Color& color);
+
+  /// The rows appended so far.
+  [[nodiscard]] std::span<const InstanceTableEntry> rows() const;
 
   /// Hands the rows over to the renderer.
   void publish();

@@ -21,12 +21,29 @@ Item {
     }
     readonly property bool antialiased: hardware.accelerated || root.contents.tubes.size <= 5000
 
+    // Without a graphics processor, a large structure is drawn as lines until it has come to rest.
+    readonly property bool asLines: moving && !hardware.accelerated && root.contents.tubes.size > 5000
+    property bool moving: false
+
     ViewCamera {
         id: viewCamera
+
+        onTurned: {
+            root.moving = true;
+            rest.restart();
+        }
 
         contents: root.contents
         width: root.width
         height: root.height
+        corner: triad.width + 2 * triad.anchors.margins
+    }
+
+    Timer {
+        id: rest
+
+        interval: 300
+        onTriggered: root.moving = false
     }
 
     GraphicsHardware {
@@ -46,6 +63,7 @@ Item {
         }
         materials: ShapeMaterial {
             thickening: viewCamera.thickening
+            thickness: viewCamera.thickness
             lightDirection: viewCamera.lightDirection
             isBall: shapes.shape === ShapeGeometry.Ball
         }
@@ -53,7 +71,7 @@ Item {
 
     View3D {
         anchors.fill: parent
-        camera: camera
+        camera: viewCamera.parallel ? parallelCamera : perspectiveCamera
         environment: SceneEnvironment {
             backgroundMode: SceneEnvironment.Color
             clearColor: root.contents.background
@@ -63,7 +81,7 @@ Item {
         }
 
         PerspectiveCamera {
-            id: camera
+            id: perspectiveCamera
 
             position: viewCamera.position
             rotation: viewCamera.rotation
@@ -71,21 +89,45 @@ Item {
             clipNear: viewCamera.clipNear
             clipFar: viewCamera.clipFar
         }
+        OrthographicCamera {
+            id: parallelCamera
+
+            position: viewCamera.position
+            rotation: viewCamera.rotation
+            horizontalMagnification: viewCamera.magnification
+            verticalMagnification: viewCamera.magnification
+            clipNear: viewCamera.clipNear
+            clipFar: viewCamera.clipFar
+        }
         Shapes {
             id: balls
 
+            visible: !root.asLines
             shape: ShapeGeometry.Ball
             instancing: root.contents.balls
         }
         Shapes {
             id: tubes
 
+            visible: !root.asLines
             shape: ShapeGeometry.Tube
             instancing: root.contents.tubes
+        }
+        Model {
+            visible: root.asLines
+            geometry: LineGeometry {
+                tubes: root.contents.tubes
+                shown: root.asLines
+            }
+            materials: LineMaterial {
+                nearest: viewCamera.clipNear
+                farthest: viewCamera.clipFar
+            }
         }
         Shapes {
             id: cones
 
+            visible: !root.asLines
             shape: ShapeGeometry.Cone
             instancing: root.contents.cones
         }
@@ -124,6 +166,8 @@ Item {
     }
 
     AxisTriad {
+        id: triad
+
         anchors {
             left: parent.left
             bottom: parent.bottom

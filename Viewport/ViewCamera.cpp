@@ -21,7 +21,10 @@ QVector3D single(const Vector3& v) {
 
 void ViewCamera::setContents(DrawnScene* value) {
   contents_ = value;
-  connect(value, &DrawnScene::updated, this, &ViewCamera::changed);
+  connect(value, &DrawnScene::updated, this, [this] {
+    camera_.retreatFrom(contents_->bounds());
+    emit changed();
+  });
   emit changed();
 }
 
@@ -39,6 +42,12 @@ void ViewCamera::setZUp(bool value) {
   if (value == camera_.zUp) return;
   camera_.zUp = value;
   fit();
+}
+
+void ViewCamera::setParallel(bool value) {
+  if (value == camera_.parallel) return;
+  camera_.setParallel(value, contents_->bounds().centre());
+  moved(fitted_);
 }
 
 QVector3D ViewCamera::lightDirection() const {
@@ -63,7 +72,15 @@ double ViewCamera::clipFar() const {
 }
 
 double ViewCamera::thickening() const {
-  return thinnestPixels * camera_.pixelAngle() / thinnestLength;
+  return camera_.parallel ? 0 : thinnestPixels * camera_.pixelAngle() / thinnestLength;
+}
+
+double ViewCamera::thickness() const {
+  return camera_.parallel ? std::max(1.0, thinnestPixels * camera_.pixelLength(1) / thinnestLength) : 1;
+}
+
+double ViewCamera::drawnRadius(double radius, const OrbitCamera::PicturePoint& there) const {
+  return radius * std::max(thickness(), thickening() * there.depth) / camera_.pixelLength(there.depth);
 }
 
 void ViewCamera::grab(double x, double y) {
@@ -124,8 +141,28 @@ void ViewCamera::fit() {
 
 void ViewCamera::moved(bool fitted) {
   fitted_ = fitted;
-  if (fitted_) camera_.fit(contents_->shapeCentres());
+  if (fitted_)
+    fitToShapes();
+  else
+    camera_.retreatFrom(contents_->bounds());
   emit changed();
+  emit turned();
+}
+
+void ViewCamera::fitToShapes() {
+  const auto centres = contents_->shapeCentres();
+  camera_.fit(centres);
+  const auto inCorner = [this](const Vector3& centre) {
+    const auto seen = camera_.project(centre);
+    return seen && seen->x < corner_ && seen->y > camera_.height - corner_;
+  };
+  if (std::ranges::none_of(centres, inCorner)) return;
+  OrbitCamera lifted = camera_;
+  camera_.fit(centres, {corner_, 0});
+  lifted.fit(centres, {0, corner_});
+  const Vector3 middle = contents_->bounds().centre();
+  const auto pixelLength = [&](const OrbitCamera& camera) { return camera.pixelLength(camera.depth(middle)); };
+  if (pixelLength(lifted) < pixelLength(camera_)) camera_ = lifted;
 }
 
 void ViewCamera::click(double x, double y) {
@@ -139,6 +176,7 @@ bool ViewCamera::hover(double x, double y) {
 Ray ViewCamera::rayAt(double x, double y) const {
   Ray ray = camera_.ray(x, y);
   ray.thickening = thickening();
+  ray.thickness = thickness();
   return ray;
 }
 

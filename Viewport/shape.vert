@@ -9,7 +9,7 @@ void MAIN()
 
     // Far away, shapes are drawn thicker than they are, so that they do not vanish between pixels.
     vec3 axisPoint = (place * vec4(0.0, isBall ? 0.0 : VERTEX.y, 0.0, 1.0)).xyz;
-    float growth = max(1.0, thickening * distance(axisPoint, CAMERA_POSITION));
+    float growth = max(thickness, thickening * distance(axisPoint, CAMERA_POSITION));
     vec3 grown = isBall ? VERTEX * growth : vec3(VERTEX.x * growth, VERTEX.y, VERTEX.z * growth);
 
     vec3 normal = normalize(mat3(place) * (NORMAL / (stretch * stretch)));

@@ -138,6 +138,13 @@ QtObject {
         shortcut: "Ctrl+4"
         onTriggered: root.view.camera.show(ViewCamera.Isometric)
     }
+    readonly property Command parallelProjection: Command {
+        text: qsTr("&Parallel Projection")
+        shortcut: "P"
+        checkable: true
+        checked: root.view.camera.parallel
+        onTriggered: root.view.camera.parallel = checked
+    }
     readonly property Command zUpright: Command {
         text: qsTr("&z Axis Upright")
         checkable: true

@@ -24,6 +24,7 @@ Dialog {
                 qsTr("Right or Shift drag, two fingers, Shift + arrow keys"), qsTr("move"),
                 qsTr("Wheel, pinch, + and −"), qsTr("zoom to the pointer"),
                 qsTr("F"), qsTr("fit to the structure"),
+                qsTr("P"), qsTr("parallel projection or perspective"),
                 qsTr("Ctrl + 1, 2, 3, 4"), qsTr("front, top, right, isometric")
             ]
 

@@ -62,7 +62,7 @@ MenuBar {
     CommandMenu {
         title: qsTr("&View")
         entries: [root.actions.fit, null, root.actions.front, root.actions.top, root.actions.right, root.actions.isometric, null,
-            root.actions.zUpright, null, root.actions.showStrain, root.actions.showNodeNumbers, root.actions.showElementNumbers,
+            root.actions.parallelProjection, root.actions.zUpright, null, root.actions.showStrain, root.actions.showNodeNumbers, root.actions.showElementNumbers,
             root.actions.showStatistics]
     }
 
