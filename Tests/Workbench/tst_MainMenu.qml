@@ -47,7 +47,7 @@ ProjectCase {
     function test_items() {
         compare(texts(0), ["About Gavrel", "Check for Updates...", "Check for Updates at Start", "-", "Quit"]);
         compare(texts(1), ["New", "Open…", "-", "Restore Previous Structure", "-", "Save", "Save As…", "-", "Import…", "-"]);
-        compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "z Axis Upright", "-",
+        compare(texts(2), ["Fit to Structure", "-", "Front", "Top", "Right", "Isometric", "-", "Parallel Projection", "z Axis Upright", "-",
                            "Show Strain", "Node Numbers", "Element Numbers", "Rendering Statistics"]);
         compare(texts(3), ["Add Node…", "Select for Truss", "Select for Beam", "Add Truss…", "Add Beam…", "-", "Calculate", "Check Before Calculating", "Convergence…", "-", "Findings", "Node Table", "Element Table"]);
         compare(action(0, "Check for Updates...").shortcut, "Ctrl+U");
