@@ -100,7 +100,7 @@ struct SparseCholesky::State {
       forget();
       giveUpIf(isCancelled);
       size = matrix.size;
-      selection = Selection::select(matrix, selection);
+      selection = Selection::select(matrix, selection, isCancelled);
       if (!selection.unknowns.empty()) {
         giveUpIf(isCancelled);
         const NodeGraph graph = NodeGraph::build(selection, matrix.blockSize);
