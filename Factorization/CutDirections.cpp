@@ -52,7 +52,7 @@ void forEachInSample(const Part& part, std::int32_t size, Visit&& visit) {
 /// Directions of many edges, the most frequent first.
 std::vector<Direction> findEdgeDirections(const Part& part) {
   struct Bundle {
-    Direction direction;
+    Direction direction{};
     int edges = 0;
   };
   std::map<std::array<int, 3>, Bundle> bundles;
@@ -201,6 +201,7 @@ Direction chooseDirection(const Part& part, std::vector<Direction>& directions) 
     return rating;
   };
   std::vector<double> ratings;
+  ratings.reserve(directions.size());
   for (const Direction& direction : directions) ratings.push_back(consider(direction));
   std::vector<Direction> all = directions;
   for (const Direction& axis : findInertiaAxes(part)) {
