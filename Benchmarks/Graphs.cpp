@@ -50,7 +50,7 @@ PlacedGraph buildGraph(const Mesh& mesh) {
   for (std::size_t i = 0; i < neighbours.size(); ++i) {
     auto& list = neighbours[i];
     std::ranges::sort(list);
-    list.erase(std::ranges::unique(list).begin(), list.end());
+    list.erase(std::unique(list.begin(), list.end()), list.end());
     graph.neighbours.insert(graph.neighbours.end(), list.begin(), list.end());
     graph.starts.push_back(static_cast<std::int32_t>(graph.neighbours.size()));
     graph.firstUnknown.push_back(graph.firstUnknown.back() + 3);
@@ -170,7 +170,10 @@ Mesh meaningless(int count, int barsOfNode) {
   std::uniform_real_distribution<double> any(0, 1);
   Mesh mesh;
   for (int i = 0; i < count; ++i) mesh.node({any(random), any(random), any(random)});
-  for (int i = 0; i < count * barsOfNode / 2; ++i) mesh.bar(random() % unsigned(count), random() % unsigned(count));
+  for (int i = 0; i < count * barsOfNode / 2; ++i) {
+    const auto start = static_cast<std::int64_t>(random() % unsigned(count));
+    mesh.bar(start, static_cast<std::int64_t>(random() % unsigned(count)));
+  }
   return mesh;
 }
 

@@ -45,6 +45,8 @@ constexpr Line lines[] = {
     {"file", "MB"},
     {"encoding", "MB/s"},
     {"writing", "MB/s"},
+    {"bare write", "MB/s"},
+    {"writing / bare write", ""},
     {"reading", "MB/s"},
     {"bare parse", "MB/s"},
     {"load and parse", "MB/s"},

@@ -21,7 +21,7 @@ constexpr std::int32_t smallestPart = 64;
 constexpr double operationsOfChoice = 30;
 
 /// Separators of so many unknowns are worth a refinement.
-constexpr std::int64_t smallestRefined = 100;
+constexpr double smallestRefined = 100;
 
 class Dissection {
  public:
@@ -43,32 +43,32 @@ class Dissection {
       orderByLeastDegree(graph_, order, numbers_);
       return;
     }
-    // A separator costs the cube of its unknowns. If the last one cost little, any direction will do.
-    const bool isWorthChoice =
-        unknowns * unknowns * unknowns > operationsOfChoice * static_cast<double>(part.neighbours.size());
-    const std::vector<Side> sides =
-        cut(part, isWorthChoice ? chooseDirection(part, directions) : findLongestAxis(part));
+    const bool isChosen = isWorthChoice(part, unknowns);
+    std::vector<Side> sides =
+        cutByPlane(part, isChosen ? chooseDirection(part, directions) : findLongest(part, directions));
+    if (!isChosen && isWorthChoice(part, countSeparator(part, sides)))
+      sides = cutByPlane(part, chooseDirection(part, directions));
+    if (countSeparator(part, sides) >= smallestRefined) refineSeparator(part, sides);
     const Part low = part.take(Side::Low, sides);
     const Part high = part.take(Side::High, sides);
     auto end = order.begin() + low.size() + high.size();
-    std::int64_t separator = 0;
-    for (std::int32_t vertex = 0; vertex < part.size(); ++vertex) {
-      if (sides[vertex] != Side::Separator) continue;
-      *end++ = part.vertices[vertex];
-      separator += part.unknowns[vertex];
-    }
-    const auto parent = static_cast<double>(separator);
-    dissect(low, directions, parent, order.first(low.vertices.size()));
-    dissect(high, std::move(directions), parent, order.subspan(low.vertices.size(), high.vertices.size()));
+    for (std::int32_t vertex = 0; vertex < part.size(); ++vertex)
+      if (sides[vertex] == Side::Separator) *end++ = part.vertices[vertex];
+    unknowns = countSeparator(part, sides);
+    dissect(low, directions, unknowns, order.first(low.vertices.size()));
+    dissect(high, std::move(directions), unknowns, order.subspan(low.vertices.size(), high.vertices.size()));
   }
 
-  static std::vector<Side> cut(const Part& part, const Direction& direction) {
-    std::vector<Side> sides = cutByPlane(part, direction);
-    std::int64_t separator = 0;
+  static double countSeparator(const Part& part, std::span<const Side> sides) {
+    std::int64_t unknowns = 0;
     for (std::int32_t vertex = 0; vertex < part.size(); ++vertex)
-      if (sides[vertex] == Side::Separator) separator += part.unknowns[vertex];
-    if (separator >= smallestRefined) refineSeparator(part, sides);
-    return sides;
+      if (sides[vertex] == Side::Separator) unknowns += part.unknowns[vertex];
+    return static_cast<double>(unknowns);
+  }
+
+  /// Whether the choice of a direction costs less than a separator of so many unknowns.
+  static bool isWorthChoice(const Part& part, double unknowns) {
+    return unknowns * unknowns * unknowns > operationsOfChoice * static_cast<double>(part.neighbours.size());
   }
 
   const NodeGraph& graph_;

@@ -10,8 +10,8 @@ namespace gavrel {
 
 namespace {
 
-constexpr std::int32_t sampleSize = 512;
-constexpr std::int32_t samplePart = 4;  // at most a fourth of the vertices
+constexpr std::int32_t sampleSize = 700;
+constexpr std::int32_t leastStride = 2;
 constexpr std::int32_t manyVertices = 4096;
 
 /// Directions that appear less often among the edges are no feature of the structure.
@@ -21,7 +21,10 @@ constexpr std::size_t mostOfEdges = 9;
 /// Cosine of directions that are taken for the same.
 constexpr double same = 0.999;
 
+/// Ratings beyond this times the best are bad; the longest direction is taken if the best is no less than this times
+/// it.
 constexpr double muchWorse = 2;
+constexpr double almostAsGood = 0.9;
 
 double multiply(const Direction& a, const Direction& b) {
   return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
@@ -34,22 +37,22 @@ std::optional<Direction> normalize(Direction direction) {
   return direction;
 }
 
-void addIfNew(std::vector<Direction>& directions, const Direction& direction) {
-  const auto isSame = [&](const Direction& other) { return std::abs(multiply(direction, other)) > same; };
-  if (std::ranges::none_of(directions, isSame)) directions.push_back(direction);
+bool hasAlike(std::span<const Direction> directions, const Direction& direction) {
+  return std::ranges::any_of(directions,
+                             [&](const Direction& other) { return std::abs(multiply(direction, other)) > same; });
 }
 
-/// Calls with every so many-th vertex.
+/// Calls with at most about so many vertices, in equal steps.
 template <class Visit>
 void forEachInSample(const Part& part, std::int32_t size, Visit&& visit) {
-  const std::int32_t stride = std::max(samplePart, part.size() / size);
+  const std::int32_t stride = std::max(leastStride, part.size() / size);
   for (std::int32_t vertex = 0; vertex < part.size(); vertex += stride) visit(vertex);
 }
 
 /// Directions of many edges, the most frequent first.
 std::vector<Direction> findEdgeDirections(const Part& part) {
   struct Bundle {
-    Direction direction;
+    Direction direction{};
     int edges = 0;
   };
   std::map<std::array<int, 3>, Bundle> bundles;
@@ -81,7 +84,8 @@ std::vector<Direction> findEdgeDirections(const Part& part) {
   std::ranges::stable_sort(sorted, std::ranges::greater(), &Bundle::edges);
   std::vector<Direction> directions;
   for (const Bundle& bundle : sorted)
-    if (directions.size() < mostOfEdges) addIfNew(directions, bundle.direction);
+    if (directions.size() < mostOfEdges && !hasAlike(directions, bundle.direction))
+      directions.push_back(bundle.direction);
   return directions;
 }
 
@@ -157,55 +161,60 @@ double rate(const Part& part, const Direction& direction) {
 
 std::vector<Direction> listDirections(const Part& whole) {
   std::vector<Direction> directions{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-  for (const Direction& direction : findEdgeDirections(whole)) addIfNew(directions, direction);
+  const auto add = [&](const Direction& direction) {
+    if (!hasAlike(directions, direction)) directions.push_back(direction);
+  };
+  std::ranges::for_each(findEdgeDirections(whole), add);
   const double half = std::sqrt(0.5);
-  for (const double sign : {1.0, -1.0})
-    for (const Direction& direction : {Direction{1, sign, 0}, Direction{1, 0, sign}, Direction{0, 1, sign}})
-      addIfNew(directions, {half * direction[0], half * direction[1], half * direction[2]});
+  for (const double other : {half, -half})
+    for (const Direction& direction : {Direction{half, other, 0}, {half, 0, other}, {0, half, other}}) add(direction);
   return directions;
 }
 
-Direction findLongestAxis(const Part& part) {
-  Direction low;
-  Direction high;
-  low.fill(std::numeric_limits<double>::infinity());
-  high.fill(-std::numeric_limits<double>::infinity());
-  for (std::size_t i = 0; i < part.coordinates.size(); i += 3) {
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      low[axis] = std::min(low[axis], part.coordinates[i + axis]);
-      high[axis] = std::max(high[axis], part.coordinates[i + axis]);
-    }
+Direction findLongest(const Part& part, std::span<const Direction> directions) {
+  Direction longest = directions.front();
+  double most = 0;
+  for (const Direction& direction : directions) {
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    forEachInSample(part, sampleSize, [&](std::int32_t vertex) {
+      const double key = project(part, vertex, direction);
+      low = std::min(low, key);
+      high = std::max(high, key);
+    });
+    if (high - low <= most) continue;
+    most = high - low;
+    longest = direction;
   }
-  std::size_t longest = 0;
-  for (std::size_t axis = 1; axis < 3; ++axis)
-    if (high[axis] - low[axis] > high[longest] - low[longest]) longest = axis;
-  Direction direction{};
-  direction[longest] = 1;
-  return direction;
+  return longest;
 }
 
 Direction chooseDirection(const Part& part, std::vector<Direction>& directions) {
-  std::vector<double> ratings;
-  for (const Direction& direction : directions) ratings.push_back(rate(part, direction));
-  Direction best = findLongestAxis(part);
-  double least = rate(part, best);
-  const auto consider = [&](const Direction& direction, double rating) {
-    if (rating >= least) return;
-    best = direction;
-    least = rating;
+  const Direction longest = findLongest(part, directions);
+  Direction best = longest;
+  double least = rate(part, longest);
+  const double clearlyLess = almostAsGood * least;
+  const auto consider = [&](const Direction& direction) {
+    const double rating = rate(part, direction);
+    if (rating < least) best = direction;
+    least = std::min(least, rating);
+    return rating;
   };
-  for (std::size_t i = 0; i < directions.size(); ++i) consider(directions[i], ratings[i]);
+  std::vector<double> ratings;
+  ratings.reserve(directions.size());
+  for (const Direction& direction : directions) ratings.push_back(consider(direction));
   std::vector<Direction> all = directions;
   for (const Direction& axis : findInertiaAxes(part)) {
-    const auto before = all.size();
-    addIfNew(all, axis);
-    if (all.size() > before) consider(axis, rate(part, axis));
+    if (hasAlike(all, axis)) continue;
+    all.push_back(axis);
+    consider(axis);
   }
   std::vector<Direction> kept;
   for (std::size_t i = 0; i < directions.size(); ++i)
     if (ratings[i] <= muchWorse * least) kept.push_back(directions[i]);
+  if (kept.empty()) kept.push_back(best);
   directions = std::move(kept);
-  return best;
+  return least < clearlyLess ? best : longest;
 }
 
 }  // namespace gavrel

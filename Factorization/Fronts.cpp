@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Factorization/Amalgamation.h"
+#include "Factorization/Cancellation.h"
 
 namespace gavrel {
 
@@ -91,10 +92,11 @@ class RowFinder {
         mark_(graph.blocks.size(), none),
         offset_(graph.blocks.size()) {}
 
-  void run() {
+  void run(const std::atomic<bool>& stop) {
     plan_.runStarts.assign(plan_.fronts.size() + 1, 0);
     std::vector<std::vector<RowRun>> runs(plan_.fronts.size());
     for (std::int32_t f = 0; f < plan_.size(); ++f) {
+      giveUpIf(stop);
       findRows(f);
       const Front& front = plan_.fronts[f];
       std::int32_t offset = 0;
@@ -183,12 +185,14 @@ double Front::operations() const {
   return w * w * w / 3 + w * w * r + w * r * r;
 }
 
-Fronts Fronts::plan(const Selection& selection, const NodeGraph& graph, const EliminationTree& tree) {
+Fronts Fronts::plan(const Selection& selection, const NodeGraph& graph, const EliminationTree& tree,
+                    const std::atomic<bool>& stop) {
   Fronts plan;
   const Numbering numbering = numberFronts(graph, groupVertices(graph, tree), plan);
   listChildren(plan);
+  giveUpIf(stop);
   sortEntries(selection, plan);
-  RowFinder(graph, numbering, plan).run();
+  RowFinder(graph, numbering, plan).run(stop);
   plan.panelStarts.push_back(0);
   for (const Front& front : plan.fronts) {
     plan.panelStarts.push_back(plan.panelStarts.back() + front.panel().size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -77,8 +78,9 @@ struct Fronts {
 
   double operations = 0;
 
-  /// The fronts for an order of elimination.
-  [[nodiscard]] static Fronts plan(const Selection& selection, const NodeGraph& graph, const EliminationTree& tree);
+  /// The fronts for an order of elimination. Throws Cancellation when `stop` is set.
+  [[nodiscard]] static Fronts plan(const Selection& selection, const NodeGraph& graph, const EliminationTree& tree,
+                                   const std::atomic<bool>& stop);
 
   [[nodiscard]] std::int32_t size() const { return static_cast<std::int32_t>(fronts.size()); }
   [[nodiscard]] std::span<const std::int32_t> childrenOf(std::int32_t front) const {

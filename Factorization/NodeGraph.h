@@ -15,6 +15,7 @@ struct NodeGraph {
   std::vector<std::int32_t> firstUnknown{0};  ///< of each vertex, in the numbering of the selection; and their number
   std::vector<std::int32_t> blocks;           ///< the matrix's block that each vertex stands for
 
+  /// Throws std::bad_alloc, also if the neighbours are more than 32 bits count.
   [[nodiscard]] static NodeGraph build(const Selection& selection, std::int64_t blockSize);
 
   [[nodiscard]] std::int32_t size() const { return static_cast<std::int32_t>(blocks.size()); }

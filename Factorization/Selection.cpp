@@ -2,14 +2,17 @@
 
 #include <algorithm>
 
+#include "Factorization/Cancellation.h"
+
 namespace gavrel {
 
 namespace {
 
 class Selector {
  public:
-  Selector(const SymmetricMatrix& matrix, const Selection& previous)
+  Selector(const SymmetricMatrix& matrix, const Selection& previous, const std::atomic<bool>& stop)
       : matrix_(matrix),
+        stop_(stop),
         wasSelected_(previous.sources.empty() ? 0 : matrix.values.size()),
         number_(static_cast<std::size_t>(matrix.size), notCoupled),
         blocks_(matrix.size / matrix.blockSize + 1),
@@ -61,6 +64,7 @@ class Selector {
 
   /// Finds the blocks of rows that share an entry that is not zero, or was selected before, with a block of columns.
   void findWanted(std::int32_t block) {
+    giveUpIf(stop_);
     const auto add = [&](std::size_t other) {
       if (lastBlock_[other] == block) return;
       lastBlock_[other] = block;
@@ -90,6 +94,7 @@ class Selector {
   void forEachSelected(Visit&& visit, End&& end) {
     std::ranges::fill(lastBlock_, -1);
     for (std::int32_t block = 0; block < blocks_; ++block) {
+      giveUpIf(stop_);
       const auto i = static_cast<std::size_t>(block);
       for (auto w = wantedStarts_[i]; w < wantedStarts_[i + 1]; ++w)
         lastBlock_[static_cast<std::size_t>(wanted_[w])] = block;
@@ -115,6 +120,7 @@ class Selector {
   }
 
   const SymmetricMatrix& matrix_;
+  const std::atomic<bool>& stop_;
   std::vector<bool> wasSelected_;     // empty if nothing was
   std::vector<std::int32_t> number_;  // of each unknown in the selection
   std::int64_t blocks_;
@@ -126,8 +132,8 @@ class Selector {
 
 }  // namespace
 
-Selection Selection::select(const SymmetricMatrix& matrix, const Selection& previous) {
-  return Selector(matrix, previous).run();
+Selection Selection::select(const SymmetricMatrix& matrix, const Selection& previous, const std::atomic<bool>& stop) {
+  return Selector(matrix, previous, stop).run();
 }
 
 bool Selection::covers(const SymmetricMatrix& matrix) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -19,8 +20,10 @@ struct Selection {
   std::vector<std::int32_t> rows;       ///< row of each selected entry, in the selection's numbering
   std::vector<std::int64_t> sources;    ///< where in the stored values each selected entry stands
 
-  /// Selects the entries that are not zero, and those that `previous` selected.
-  [[nodiscard]] static Selection select(const SymmetricMatrix& matrix, const Selection& previous);
+  /// Selects the entries that are not zero, and those that `previous` selected. Throws Cancellation when `stop`
+  /// is set.
+  [[nodiscard]] static Selection select(const SymmetricMatrix& matrix, const Selection& previous,
+                                        const std::atomic<bool>& stop);
 
   /// Whether all values outside the selection are zero, so that it stands for the matrix.
   [[nodiscard]] bool covers(const SymmetricMatrix& matrix) const;

@@ -149,7 +149,7 @@ class Refinement {
     }
     separator_.clear();
     std::ranges::sort(touched);
-    touched.erase(std::ranges::unique(touched).begin(), touched.end());
+    touched.erase(std::unique(touched.begin(), touched.end()), touched.end());
     for (const std::int32_t vertex : touched) {
       isMoved_[vertex] = false;
       if (sides_[vertex] == Side::Separator) separator_.push_back(vertex);

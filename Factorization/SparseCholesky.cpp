@@ -98,14 +98,14 @@ struct SparseCholesky::State {
     if (const auto fault = valueFault(matrix)) return fault;
     if (!isAnalysed || !selection.covers(matrix)) {
       forget();
+      giveUpIf(isCancelled);
       size = matrix.size;
-      selection = Selection::select(matrix, selection);
+      selection = Selection::select(matrix, selection, isCancelled);
       if (!selection.unknowns.empty()) {
         giveUpIf(isCancelled);
         const NodeGraph graph = NodeGraph::build(selection, matrix.blockSize);
         const EliminationTree tree = chooseOrder(graph, matrix.coordinates, isCancelled);
-        giveUpIf(isCancelled);
-        plan = Fronts::plan(selection, graph, tree);
+        plan = Fronts::plan(selection, graph, tree, isCancelled);
       }
       isAnalysed = true;
     }

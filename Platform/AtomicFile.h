@@ -22,7 +22,7 @@ namespace gavrel {
 /// links to the file keep the old content.
 [[nodiscard]] std::optional<Failure> replaceFile(const std::filesystem::path& requested, std::string_view bytes);
 
-/// Receives a content piece by piece.
+/// Receives a content piece by piece: one at a time, though perhaps in several threads.
 using ByteSink = std::function<void(std::string_view piece)>;
 
 /// The same for a content that is too large to be put together first: `produce` passes its pieces, in order, to the

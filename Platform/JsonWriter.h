@@ -15,7 +15,8 @@ class JsonWriter {
  public:
   /// Keeps the text for `take`.
   JsonWriter() = default;
-  /// Passes the text to `sink` piece by piece, the last one when the value is complete.
+  /// Passes the text to `sink` piece by piece, one at a time, though perhaps in several threads; the last one when the
+  /// value is complete.
   explicit JsonWriter(std::function<void(std::string_view)> sink) : sink_(std::move(sink)) {}
 
   void beginObject() { open('{', '}'); }

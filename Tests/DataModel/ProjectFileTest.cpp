@@ -59,7 +59,7 @@ TEST(ProjectFile, KeepsEveryBit) {
   std::mt19937_64 random(31);
   std::vector<double> numbers{Limits::denorm_min(), -0.0,      1e300, 0.1, Limits::max(), -1e-310,
                               9007199254740993.0,   1e15 + 0.5};
-  while (numbers.size() < 20000) {
+  while (numbers.size() < 30000) {
     const auto number = std::bit_cast<double>(random());
     if (std::isfinite(number)) numbers.push_back(number);
   }
@@ -71,7 +71,7 @@ TEST(ProjectFile, KeepsEveryBit) {
   beam.dθx = 5e-324;
   project.beamElements.edit() = {beam};
 
-  const TemporaryFolder folder;  // the text is long enough to be written in pieces
+  const TemporaryFolder folder;  // the text is long enough to be written and read in pieces
   ASSERT_FALSE(writeProject(project, folder / "p.json"));
   const auto read = readProject(folder / "p.json");
   ASSERT_TRUE(read) << read.failure().reason;
@@ -80,6 +80,22 @@ TEST(ProjectFile, KeepsEveryBit) {
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     ASSERT_EQ(std::bit_cast<std::uint64_t>((*(*read)->X_I)[i]), std::bit_cast<std::uint64_t>(numbers[i]));
     ASSERT_EQ(std::bit_cast<std::uint64_t>((*(*read)->F_I)[i]), std::bit_cast<std::uint64_t>(numbers[i]));
+  }
+}
+
+TEST(ProjectFile, TellsWhatIsWrongInALargeFileAsInASmallOne) {
+  Project project;
+  for (int i = 0; i < 30000; ++i) project.addNode({0.5 * i, 1e-3 * i, 0});
+  const std::string text = *encodeProject(project);
+  ASSERT_GT(text.size(), std::size_t{1} << 20);
+  const TemporaryFolder folder;
+  for (const std::string& faulty :
+       {text.substr(0, text.size() - 3), replaced(text, "\"F_I\"", "\"X_I\""), replaced(text, "7777.5,", "7777.5;"),
+        replaced(text, "8888.5,", "null,"), replaced(text, "New Project", "\x80")}) {
+    folder.put("p.json", faulty);
+    const auto read = readProject(folder / "p.json");
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.failure().reason, decodeForReason(faulty));
   }
 }
 
