@@ -30,6 +30,7 @@ double measureProducts(int threads) {
   const std::vector<double> A(size, 1.0);
   Stopwatch watch;
   std::vector<std::thread> running;
+  running.reserve(C.size());
   for (auto& target : C)
     running.emplace_back([&A, &target] {
       for (int i = 0; i < products; ++i)

@@ -168,11 +168,12 @@ Mesh geometric(int count, double radius) {
 Mesh meaningless(int count, int barsOfNode) {
   Random random(8);
   std::uniform_real_distribution<double> any(0, 1);
+  std::uniform_int_distribution<std::int64_t> node(0, count - 1);
   Mesh mesh;
   for (int i = 0; i < count; ++i) mesh.node({any(random), any(random), any(random)});
   for (int i = 0; i < count * barsOfNode / 2; ++i) {
-    const auto start = static_cast<std::int64_t>(random() % unsigned(count));
-    mesh.bar(start, static_cast<std::int64_t>(random() % unsigned(count)));
+    const std::int64_t start = node(random);
+    mesh.bar(start, node(random));
   }
   return mesh;
 }

@@ -44,7 +44,7 @@ void LineGeometry::setShown(bool value) {
 
 void LineGeometry::buildIfShown() {
   if (!shown_ || !tubes_ || !std::exchange(outdated_, false)) return;
-  QByteArray vertices(2 * tubes_->size() * static_cast<qsizetype>(sizeof(Vertex)), Qt::Uninitialized);
+  QByteArray vertices(tubes_->size() * static_cast<qsizetype>(2 * sizeof(Vertex)), Qt::Uninitialized);
   auto* vertex = reinterpret_cast<Vertex*>(vertices.data());
   for (const auto& tube : tubes_->rows()) {
     const QVector3D middle(tube.row0.w(), tube.row1.w(), tube.row2.w());
